@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+/// Every question and message to the user goes through this interface, so that tests can answer.
+/// An empty title means the program's default title "Tarvelo FTP".
+class Prompts {
+public:
+    enum class Icon { None, Exclamation };
+
+    virtual ~Prompts() = default;
+
+    /// Plain box with OK.
+    virtual void message(const QString &text, const QString &title = {}, Icon icon = Icon::None) = 0;
+    /// OK and Abbrechen; Escape is Abbrechen. @param details  additional line below, may be empty
+    [[nodiscard]] virtual bool confirm(const QString &text, const QString &title = {},
+                                       const QString &details = {})
+        = 0;
+    /// Ja and Nein; Escape is Nein.
+    [[nodiscard]] virtual bool question(const QString &text, const QString &title = {}) = 0;
+    /// One line of text; nothing when cancelled.
+    [[nodiscard]] virtual std::optional<QString> input(const QString &text, const QString &proposal,
+                                                       const QString &title = {})
+        = 0;
+};

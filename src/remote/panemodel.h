@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QList>
+#include <QString>
+
+/// One row of a pane, as plain data.
+struct PaneRow {
+    QString name; ///< empty for the up row
+    QString kind; ///< ItemKind key, also the key of the icon
+    QString size, date, permissions; ///< texts of the other columns
+    QString tag; ///< full path: folder + name; empty for the up row
+    bool marked = false; ///< ghosted while an operation works on it
+};
+
+/// The up row, always first.
+[[nodiscard]] PaneRow upRow();
+
+/// Rows in the order up row, folders, the rest; each group keeps its order. The up row is rebuilt.
+[[nodiscard]] QList<PaneRow> RegroupRows(const QList<PaneRow> &sorted);
+
+/// Column indexes of a pane.
+enum PaneColumn { ColumnName = 0, ColumnSize = 1, ColumnDate = 2, ColumnPermission = 3 };
+
+/// Rows sorted by the text of a column, stable; names and texts compare by locale, without regard
+/// to case, as text ("10" before "9").
+[[nodiscard]] QList<PaneRow> sortRows(QList<PaneRow> rows, int column, Qt::SortOrder order);
+
+/// Table of pane rows that both panes share. Knows neither FTP nor the disk.
+class PaneModel : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    enum Role { KindRole = Qt::UserRole + 1, TagRole, KeyRole, GhostedRole };
+
+    /// @param headers  header texts; their number is the number of columns (3 or 4)
+    explicit PaneModel(const QStringList &headers, QObject *parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role = Qt::DisplayRole) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+    /// A caption edit: emits captionEdited and changes nothing by itself.
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
+
+    [[nodiscard]] const QList<PaneRow> &rows() const { return m_rows; }
+    [[nodiscard]] const PaneRow &row(int index) const { return m_rows.at(index); }
+    void setRows(QList<PaneRow> rows);
+    void clear() { setRows({}); }
+    int appendRow(const PaneRow &row); ///< @return its index
+    void removeRowAt(int index);
+    void changeRow(int index, const PaneRow &row);
+    void setMarked(int index, bool marked);
+    void unmarkAll();
+    [[nodiscard]] int findRow(const QString &name) const; ///< exact, whole name; -1 = none
+
+Q_SIGNALS:
+    /// The user ended a caption edit with a text that differs from the caption.
+    void captionEdited(int row, const QString &newText);
+
+private:
+    QStringList m_headers;
+    QList<PaneRow> m_rows;
+};
