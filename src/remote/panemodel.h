@@ -38,7 +38,8 @@ public:
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index,
+                                int role = Qt::DisplayRole) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
                                       int role = Qt::DisplayRole) const override;
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
@@ -62,6 +63,9 @@ Q_SIGNALS:
     void captionEdited(int row, const QString &newText);
 
 private:
+    [[nodiscard]] static QVariant nameData(const PaneRow &row, int role);
+    void rowsChanged(int first, int last);
+
     QStringList m_headers;
     QList<PaneRow> m_rows;
 };

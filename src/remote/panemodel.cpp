@@ -1,0 +1,270 @@
+#include "remote/panemodel.h"
+
+#include "remote/icons.h"
+#include "remote/itemkind.h"
+
+#include <QCollator>
+#include <QGuiApplication>
+#include <QPalette>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+QString cellText(const PaneRow &row, int column)
+{
+    switch (column) {
+    case ColumnName:
+        return row.name;
+    case ColumnSize:
+        return row.size;
+    case ColumnDate:
+        return row.date;
+    case ColumnPermission:
+        return row.permissions;
+    default:
+        return {};
+    }
+}
+
+/// Collator of the user's language; the "C" locale knows no order of letters, so German takes over.
+QCollator textOrder()
+{
+    const QLocale locale;
+    QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::German) : locale);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    collator.setNumericMode(false);
+    return collator;
+}
+
+/// Row numbers in the order of their keys; equal keys keep their order in both directions.
+template <class Key> std::vector<int> sortedOrder(const std::vector<Key> &keys, Qt::SortOrder order)
+{
+    std::vector<int> rows(keys.size());
+    std::iota(rows.begin(), rows.end(), 0);
+    const auto at = [&keys](int row) -> const Key & { return keys[static_cast<std::size_t>(row)]; };
+    if (order == Qt::AscendingOrder) {
+        std::stable_sort(rows.begin(), rows.end(), [&](int a, int b) { return at(a) < at(b); });
+    } else {
+        std::stable_sort(rows.begin(), rows.end(), [&](int a, int b) { return at(b) < at(a); });
+    }
+    return rows;
+}
+
+/// The blue of rows that an operation works on; readable on the palette's background.
+QColor markedColour()
+{
+    const bool dark = QGuiApplication::palette().color(QPalette::Base).lightness() < 128;
+    return dark ? QColor(0x8c, 0xb8, 0xff) : QColor(0x1b, 0x3f, 0xb5);
+}
+
+} // namespace
+
+PaneRow upRow()
+{
+    PaneRow row;
+    row.kind = ItemKind::Cdup;
+    return row;
+}
+
+QList<PaneRow> RegroupRows(const QList<PaneRow> &sorted)
+{
+    QList<PaneRow> result;
+    result.reserve(sorted.size() + 1);
+    result.append(upRow());
+    const auto copyIf = [&](const auto &wanted) {
+        std::copy_if(sorted.begin(), sorted.end(), std::back_inserter(result), wanted);
+    };
+    copyIf([](const PaneRow &row) { return row.kind == ItemKind::FolderClose; });
+    // Intended: links, also those to folders, stay among the files.
+    copyIf([](const PaneRow &row) {
+        return row.kind != ItemKind::FolderClose && row.kind != ItemKind::Cdup;
+    });
+    return result;
+}
+
+QList<PaneRow> sortRows(QList<PaneRow> rows, int column, Qt::SortOrder order)
+{
+    // A key is made once a row; comparing two keys is far cheaper than comparing two texts.
+    std::vector<QCollatorSortKey> keys;
+    keys.reserve(static_cast<std::size_t>(rows.size()));
+    const QCollator collator = textOrder();
+    for (const PaneRow &row : std::as_const(rows)) {
+        keys.push_back(collator.sortKey(cellText(row, column)));
+    }
+    QList<PaneRow> result;
+    result.reserve(rows.size());
+    for (const int row : sortedOrder(keys, order)) {
+        result.append(std::move(rows[row]));
+    }
+    return result;
+}
+
+PaneModel::PaneModel(const QStringList &headers, QObject *parent)
+    : QAbstractTableModel(parent)
+    , m_headers(headers)
+{
+}
+
+int PaneModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+int PaneModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_headers.size());
+}
+
+QVariant PaneModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
+        return {};
+    }
+    const PaneRow &row = m_rows.at(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return cellText(row, index.column());
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(Qt::Alignment(
+            Qt::AlignVCenter | (index.column() == ColumnSize ? Qt::AlignRight : Qt::AlignLeft)));
+    case Qt::ForegroundRole:
+        return row.marked ? QVariant(markedColour()) : QVariant();
+    default:
+        return index.column() == ColumnName ? nameData(row, role) : QVariant();
+    }
+}
+
+QVariant PaneModel::nameData(const PaneRow &row, int role)
+{
+    const bool up = row.kind == ItemKind::Cdup;
+    switch (role) {
+    case Qt::DecorationRole:
+        return row.marked ? Icons::ghosted(row.kind) : Icons::icon(row.kind);
+    case Qt::AccessibleTextRole:
+        return up ? QStringLiteral("Übergeordneter Ordner") : row.name;
+    case KindRole:
+        return row.kind;
+    case TagRole:
+        return row.tag;
+    case KeyRole:
+        return up ? ItemKind::Cdup : QString();
+    case GhostedRole:
+        return row.marked;
+    default:
+        return {};
+    }
+}
+
+QVariant PaneModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || section < 0 || section >= m_headers.size()) {
+        return {};
+    }
+    if (role == Qt::TextAlignmentRole) {
+        return QVariant::fromValue(Qt::Alignment(
+            Qt::AlignVCenter | (section == ColumnSize ? Qt::AlignRight : Qt::AlignLeft)));
+    }
+    return role == Qt::DisplayRole ? QVariant(m_headers.at(section)) : QVariant();
+}
+
+Qt::ItemFlags PaneModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid()) {
+        return Qt::NoItemFlags;
+    }
+    Qt::ItemFlags result = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled
+        | Qt::ItemNeverHasChildren;
+    result.setFlag(Qt::ItemIsEditable,
+                   index.column() == ColumnName && m_rows.at(index.row()).kind != ItemKind::Cdup);
+    return result;
+}
+
+QHash<int, QByteArray> PaneModel::roleNames() const
+{
+    QHash<int, QByteArray> names = QAbstractTableModel::roleNames();
+    names.insert(KindRole, "kind");
+    names.insert(TagRole, "tag");
+    names.insert(KeyRole, "key");
+    names.insert(GhostedRole, "ghosted");
+    return names;
+}
+
+bool PaneModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || !flags(index).testFlag(Qt::ItemIsEditable)) {
+        return false;
+    }
+    const QString text = value.toString();
+    if (!text.isEmpty() && text != m_rows.at(index.row()).name) {
+        Q_EMIT captionEdited(index.row(), text);
+    }
+    return false; // the caption follows only when the rename has succeeded
+}
+
+void PaneModel::setRows(QList<PaneRow> rows)
+{
+    beginResetModel();
+    m_rows = std::move(rows);
+    endResetModel();
+}
+
+int PaneModel::appendRow(const PaneRow &row)
+{
+    const int at = rowCount();
+    beginInsertRows({}, at, at);
+    m_rows.append(row);
+    endInsertRows();
+    return at;
+}
+
+void PaneModel::removeRowAt(int index)
+{
+    beginRemoveRows({}, index, index);
+    m_rows.removeAt(index);
+    endRemoveRows();
+}
+
+void PaneModel::changeRow(int index, const PaneRow &row)
+{
+    m_rows[index] = row;
+    rowsChanged(index, index);
+}
+
+void PaneModel::setMarked(int index, bool marked)
+{
+    if (m_rows.at(index).marked != marked) {
+        m_rows[index].marked = marked;
+        rowsChanged(index, index);
+    }
+}
+
+void PaneModel::unmarkAll()
+{
+    int first = -1;
+    int last = -1;
+    for (int index = 0; index < rowCount(); ++index) {
+        if (m_rows.at(index).marked) {
+            m_rows[index].marked = false;
+            first = first < 0 ? index : first;
+            last = index;
+        }
+    }
+    if (first >= 0) {
+        rowsChanged(first, last);
+    }
+}
+
+int PaneModel::findRow(const QString &name) const
+{
+    const auto found = std::find_if(m_rows.begin(), m_rows.end(),
+                                    [&name](const PaneRow &row) { return row.name == name; });
+    return found == m_rows.end() ? -1 : static_cast<int>(found - m_rows.begin());
+}
+
+void PaneModel::rowsChanged(int first, int last)
+{
+    Q_EMIT dataChanged(index(first, 0), index(last, columnCount() - 1));
+}

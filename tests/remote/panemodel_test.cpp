@@ -1,0 +1,203 @@
+#include "remote/itemkind.h"
+#include "remote/panemodel.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace {
+
+PaneRow makeRow(const char *name, const QString &kind = ItemKind::File, const char *size = "")
+{
+    PaneRow row;
+    row.name = QString::fromUtf8(name);
+    row.kind = kind;
+    row.size = QString::fromUtf8(size);
+    row.date = QStringLiteral("2026-11-20 10:00");
+    row.permissions = QStringLiteral("644");
+    row.tag = QStringLiteral("/pub/") + row.name;
+    return row;
+}
+
+std::string names(const QList<PaneRow> &rows)
+{
+    QStringList list;
+    for (const PaneRow &row : rows) {
+        list << (row.kind == ItemKind::Cdup ? QStringLiteral("<up>") : row.name);
+    }
+    return list.join(u'|').toStdString();
+}
+
+QStringList fourHeaders()
+{
+    return { QStringLiteral("Name"), QStringLiteral("Size"), QStringLiteral("Date"),
+             QStringLiteral("Permission") };
+}
+
+QList<PaneRow> sample()
+{
+    return { upRow(), makeRow("cgi-bin", ItemKind::FolderClose),
+             makeRow("index.html", ItemKind::File, "512"), makeRow("current", ItemKind::Link) };
+}
+
+} // namespace
+
+TEST(RegroupRows, UpRowThenFoldersThenTheRestInTheirOrder)
+{
+    const QList<PaneRow> sorted { makeRow("a.txt", ItemKind::TextFile),
+                                  makeRow("b", ItemKind::FolderClose),
+                                  upRow(),
+                                  makeRow("c", ItemKind::Link),
+                                  makeRow("d", ItemKind::FolderLink),
+                                  makeRow("a", ItemKind::FolderClose) };
+    const QList<PaneRow> rows = RegroupRows(sorted);
+    EXPECT_EQ(names(rows), "<up>|b|a|a.txt|c|d");
+    EXPECT_EQ(rows.at(3).tag, QStringLiteral("/pub/a.txt"));
+    EXPECT_EQ(rows.at(3).permissions, QStringLiteral("644"));
+}
+
+TEST(RegroupRows, AnEmptyPaneGetsItsUpRow) { EXPECT_EQ(names(RegroupRows({})), "<up>"); }
+
+TEST(SortRows, NamesIgnoreCaseAndFollowTheLocale)
+{
+    const QList<PaneRow> rows { makeRow("zebra"), makeRow("Öl"), makeRow("apfel"), makeRow("Ofen"),
+                                makeRow("Birne") };
+    EXPECT_EQ(names(sortRows(rows, ColumnName, Qt::AscendingOrder)), "apfel|Birne|Ofen|Öl|zebra");
+}
+
+TEST(SortRows, NumbersCompareAsText)
+{
+    const QList<PaneRow> rows { makeRow("9"), makeRow("10"), makeRow("1") };
+    EXPECT_EQ(names(sortRows(rows, ColumnName, Qt::AscendingOrder)), "1|10|9");
+    const QList<PaneRow> sizes { makeRow("a", ItemKind::File, "10"),
+                                 makeRow("b", ItemKind::File, "9"),
+                                 makeRow("c", ItemKind::File, "") };
+    EXPECT_EQ(names(sortRows(sizes, ColumnSize, Qt::DescendingOrder)), "b|a|c");
+}
+
+TEST(SortRows, EqualTextsKeepTheirOrderInBothDirections)
+{
+    const QList<PaneRow> rows { makeRow("b", ItemKind::File, "1"),
+                                makeRow("a", ItemKind::File, "1"),
+                                makeRow("c", ItemKind::File, "1") };
+    EXPECT_EQ(names(sortRows(rows, ColumnSize, Qt::AscendingOrder)), "b|a|c");
+    EXPECT_EQ(names(sortRows(rows, ColumnSize, Qt::DescendingOrder)), "b|a|c");
+}
+
+TEST(SortRows, WithoutALanguageNamesStillIgnoreCase)
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale::c());
+    const std::string sorted
+        = names(sortRows({ makeRow("Z"), makeRow("a"), makeRow("ä"), makeRow("b") }, ColumnName,
+                         Qt::AscendingOrder));
+    QLocale::setDefault(before);
+    EXPECT_EQ(sorted, "a|ä|b|Z");
+}
+
+TEST(PaneModel, KeepsTheRulesOfAModel)
+{
+    PaneModel model(fourHeaders());
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    model.setRows(sample());
+    EXPECT_EQ(model.appendRow(makeRow("neu")), 4);
+    model.setMarked(2, true);
+    model.removeRowAt(1);
+    model.changeRow(1, makeRow("anders"));
+    model.unmarkAll();
+    EXPECT_EQ(names(model.rows()), "<up>|anders|current|neu");
+    model.clear();
+    EXPECT_EQ(model.rowCount(), 0);
+}
+
+TEST(PaneModel, ShowsTheTextsOfItsRows)
+{
+    PaneModel model(fourHeaders());
+    model.setRows(sample());
+    EXPECT_EQ(model.columnCount(), 4);
+    EXPECT_EQ(model.headerData(3, Qt::Horizontal).toString(), QStringLiteral("Permission"));
+    const QStringList expected { QStringLiteral("index.html"), QStringLiteral("512"),
+                                 QStringLiteral("2026-11-20 10:00"), QStringLiteral("644") };
+    for (int column = 0; column < 4; ++column) {
+        EXPECT_EQ(model.index(2, column).data().toString(), expected.at(column));
+        EXPECT_TRUE(model.index(0, column).data().toString().isEmpty())
+            << "the up row has no texts";
+    }
+    EXPECT_EQ(model.index(2, ColumnSize).data(Qt::TextAlignmentRole).value<Qt::Alignment>(),
+              Qt::AlignRight | Qt::AlignVCenter);
+}
+
+TEST(PaneModel, NamedRolesTellKindTagKeyAndGhost)
+{
+    PaneModel model(fourHeaders());
+    model.setRows(sample());
+    const auto role = [&model](int row, const char *name) {
+        return model.index(row, 0).data(model.roleNames().key(name, -1));
+    };
+    EXPECT_EQ(role(0, "kind").toString(), QStringLiteral("Cdup"));
+    EXPECT_EQ(role(0, "key").toString(), QStringLiteral("Cdup"));
+    EXPECT_TRUE(role(0, "tag").toString().isEmpty());
+    EXPECT_EQ(role(1, "kind").toString(), QStringLiteral("FolderClose"));
+    EXPECT_TRUE(role(1, "key").toString().isEmpty());
+    EXPECT_EQ(role(1, "tag").toString(), QStringLiteral("/pub/cgi-bin"));
+    EXPECT_FALSE(role(1, "ghosted").toBool());
+    model.setMarked(1, true);
+    EXPECT_TRUE(role(1, "ghosted").toBool());
+}
+
+TEST(PaneModel, MarkedRowsAreColouredAndUnmarkedOnesTakeThePalette)
+{
+    PaneModel model(fourHeaders());
+    model.setRows(sample());
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    model.setMarked(1, true);
+    EXPECT_TRUE(model.index(1, 2).data(Qt::ForegroundRole).isValid());
+    EXPECT_FALSE(model.index(2, 2).data(Qt::ForegroundRole).isValid());
+    model.setMarked(3, true);
+    EXPECT_EQ(changed.count(), 2);
+    model.unmarkAll();
+    EXPECT_EQ(changed.count(), 3) << "one notice for all rows";
+    EXPECT_FALSE(model.index(1, 2).data(Qt::ForegroundRole).isValid());
+    EXPECT_FALSE(model.row(3).marked);
+    model.unmarkAll();
+    EXPECT_EQ(changed.count(), 3) << "nothing marked, nothing to tell";
+}
+
+TEST(PaneModel, SetRowsResetsOnce)
+{
+    PaneModel model(fourHeaders());
+    QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    model.setRows(sample());
+    EXPECT_EQ(reset.count(), 1);
+    EXPECT_EQ(inserted.count(), 0);
+}
+
+TEST(PaneModel, FindRowComparesWholeNamesExactly)
+{
+    PaneModel model(fourHeaders());
+    model.setRows(sample());
+    EXPECT_EQ(model.findRow(QStringLiteral("index.html")), 2);
+    EXPECT_EQ(model.findRow(QStringLiteral("Index.html")), -1);
+    EXPECT_EQ(model.findRow(QStringLiteral("index")), -1);
+}
+
+TEST(PaneModel, ACaptionEditOnlyReports)
+{
+    PaneModel model(fourHeaders());
+    model.setRows(sample());
+    QSignalSpy edited(&model, &PaneModel::captionEdited);
+    model.setData(model.index(2, 0), QStringLiteral("neu.html"));
+    ASSERT_EQ(edited.count(), 1);
+    EXPECT_EQ(edited.at(0).at(0).toInt(), 2);
+    EXPECT_EQ(edited.at(0).at(1).toString(), QStringLiteral("neu.html"));
+    EXPECT_EQ(model.row(2).name, QStringLiteral("index.html")) << "the rename may still fail";
+
+    model.setData(model.index(2, 0), QStringLiteral("index.html"));
+    model.setData(model.index(2, 0), QString());
+    model.setData(model.index(2, 1), QStringLiteral("9"));
+    model.setData(model.index(0, 0), QStringLiteral("auf"));
+    EXPECT_EQ(edited.count(), 1) << "unchanged, empty, other columns and the up row send nothing";
+    EXPECT_FALSE(model.flags(model.index(0, 0)).testFlag(Qt::ItemIsEditable));
+    EXPECT_TRUE(model.flags(model.index(1, 0)).testFlag(Qt::ItemIsEditable));
+}
