@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ftp/ftptypes.h"
+
+/// What panes, transfers and file operations ask of the session; FtpControl is the real one. The
+/// calls block their caller as FtpControl's do: events arrive and clicks run during a call.
+class FtpOperations {
+public:
+    enum State { Closed = 0, Connecting = 1, Connected = 2 };
+
+    virtual ~FtpOperations() = default;
+
+    [[nodiscard]] virtual int state() const = 0; ///< Connected only when logged in
+    [[nodiscard]] virtual bool isBusy() const = 0; ///< an operation runs
+    virtual void close() = 0; ///< drops the connection at once
+
+    virtual void setTransferType(int type) = 0; ///< FtpTransferType of the next transfer or listing
+    [[nodiscard]] virtual int transferType() const = 0;
+    virtual void setStoreMode(int mode) = 0; ///< FtpStoreMode of the next put
+
+    /// The server's working folder as last told by it.
+    [[nodiscard]] virtual QString currentFolder() const = 0;
+    virtual FtpStatus setCurrentFolder(const QString &folder) = 0;
+    virtual FtpStatus changeToParentFolder() = 0;
+
+    /// Lists the current folder; the result is in listing().
+    virtual FtpStatus list() = 0;
+    [[nodiscard]] virtual const RemoteListing &listing() const = 0;
+
+    /// @param offset  bytes of localPath to keep; 0 afterwards when the engine had to start anew
+    virtual FtpStatus getFile(const QString &remotePath, const QString &localPath, qint64 &offset) = 0;
+    virtual FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset) = 0;
+    virtual FtpStatus getMultiple(const QString &pattern, const QString &localFolder) = 0;
+    virtual FtpStatus putMultiple(const QString &pattern, const QString &remoteFolder) = 0;
+
+    virtual FtpStatus makeFolder(const QString &name) = 0;
+    virtual FtpStatus removeFolder(const QString &path) = 0;
+    virtual FtpStatus deleteFile(const QString &path) = 0;
+    virtual FtpStatus rename(const QString &oldName, const QString &newName) = 0;
+    virtual FtpStatus sendRaw(const QString &command) = 0;
+    virtual FtpStatus removeTree(const QString &folder) = 0;
+};
+
+/// Whether a command may start: a session stands and nothing runs. Commands that may not start do
+/// and say nothing.
+[[nodiscard]] inline bool mayStart(const FtpOperations &ftp)
+{
+    return ftp.state() == FtpOperations::Connected && !ftp.isBusy();
+}
