@@ -1,0 +1,19 @@
+#pragma once
+
+#include "common/globals.h"
+#include "common/prompts.h"
+#include "common/shell.h"
+#include "ftp/ftpoperations.h"
+#include "remote/pane.h"
+#include "remote/panemodel.h"
+
+/// Everything that file operations and transfers work with; the main window fills it. The members
+/// live as long as the window.
+struct Workplace {
+    FtpOperations &ftp;
+    Globals &globals;
+    Prompts &prompts;
+    Shell &shell;
+    Pane &local;
+    Pane &remote;
+};

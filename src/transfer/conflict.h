@@ -1,0 +1,54 @@
+#pragma once
+
+#include "common/globals.h"
+#include "fileops/workplace.h"
+
+#include <optional>
+
+class QWidget;
+
+/// What frmTransfer shows.
+struct ConflictQuestion {
+    QString caption, message;
+    bool mayResume = false;
+};
+
+enum class ConflictAnswer { Skip, Overwrite, Resume, Rename };
+
+/// How frmTransfer was left.
+struct ConflictReply {
+    ConflictAnswer answer = ConflictAnswer::Skip;
+    bool applyToAll = false; ///< the box "Alle"
+};
+
+/// The two dialogs of a conflict; tests script them.
+class ConflictDialogs {
+public:
+    virtual ~ConflictDialogs() = default;
+
+    [[nodiscard]] virtual ConflictReply askTransfer(const ConflictQuestion &question) = 0;
+    /// The new name of the existing file, never empty, without blanks at its ends; nothing when
+    /// cancelled.
+    [[nodiscard]] virtual std::optional<QString> askNewName(const QString &existing) = 0;
+};
+
+/// The real dialogs over a window.
+class WindowConflictDialogs : public ConflictDialogs {
+public:
+    WindowConflictDialogs(Prompts &prompts, QWidget *window)
+        : m_prompts(prompts)
+        , m_window(window)
+    {
+    }
+
+    [[nodiscard]] ConflictReply askTransfer(const ConflictQuestion &question) override;
+    [[nodiscard]] std::optional<QString> askNewName(const QString &existing) override;
+
+private:
+    Prompts &m_prompts;
+    QWidget *m_window;
+};
+
+/// Asks about the item in Globals::transfer and sets its flags; renames the existing file when
+/// that is wanted and then asks again, with the same sizes.
+void askConflict(const Workplace &work, ConflictDialogs &dialogs);

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "transfer/queuemodel.h"
+
+#include <QTreeView>
+
+class Prompts;
+
+/// lvwStatus: the queue with its delete key, column sort and context menu.
+class QueueView : public QTreeView {
+    Q_OBJECT
+
+public:
+    QueueView(QueueModel &model, Prompts &prompts, QWidget *parent = nullptr);
+
+    /// Appends a row and scrolls to it.
+    void AddQueueRow(const QueueRow &row);
+    /// Asks, also with nothing selected, and removes the selected rows.
+    void DeleteSelectedQueueRows();
+    [[nodiscard]] QList<int> selectedRows() const; ///< ascending
+
+Q_SIGNALS:
+    /// "Fehlgeschlagene erneut übertragen": rows for Retry::RetryTransfers.
+    void retryRequested(const QList<QueueRow> &rows);
+    /// "Lokalen Ordner öffnen": a folder for vorschau.
+    void openFolderRequested(const QString &folder);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void showMenu(const QPoint &position);
+    void copyRow(int row) const;
+
+    QueueModel &m_model;
+    Prompts &m_prompts;
+};
