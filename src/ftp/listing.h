@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ftp/civiltime.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ftp {
+
+/// One entry of a listing, as the server gave it. "." and ".." of a LIST are entries like others.
+struct Entry {
+    /// How exactly the listing told the time.
+    enum class Precision { Second, Minute, Day };
+
+    std::string name; ///< raw bytes as received, to be sent back unchanged; never empty, may be unsafe
+    char type = '-'; ///< 'd' folder, 'l' link, '-' anything else
+    std::int64_t size = 0; ///< bytes, 0 where the dialect gives none, saturated at 2^63-1
+    std::optional<CivilTime> time; ///< as printed; nothing when absent or impossible
+    Precision precision = Precision::Second; ///< of time
+    bool utc = false; ///< time is UTC (MLSD, EPLF), else the server's unknown clock
+    bool yearInferred = false; ///< the listing gave no year
+    int permissions = -1; ///< 0 to 07777, -1 when the dialect has none
+    std::string target; ///< raw target of a link, empty when unknown
+    char letter = '-'; ///< the type letter as received, for example 'c', 'p', 's'
+    std::size_t line = 0; ///< number of the line that completed the entry, from 1
+};
+
+/// What became of a listing's text.
+struct Listing {
+    std::vector<Entry> entries; ///< in the order of the lines
+    /// The text is of a known dialect, even without any entry; false for a blank text and for one
+    /// of which no line was understood.
+    bool understood = false;
+};
+
+/// Reads the text of LIST in any known dialect: Unix ls with its many columns and languages,
+/// MS-DOS, NetWare, EPLF, VMS, MVS, OS/400, OS/2, VxWorks, Mac OS. Lines end with CR LF or LF; lines
+/// that are no entries are passed over.
+/// @param now  the time in the server's clock, for dates without a year.
+[[nodiscard]] Listing parseList(std::string_view bytes, const CivilTime &now);
+
+/// Reads the text of MLSD (RFC 3659, section 7); the entries cdir and pdir are passed over.
+[[nodiscard]] Listing parseMlsd(std::string_view bytes);
+
+} // namespace ftp
