@@ -1,22 +1,12 @@
 #pragma once
 
-#include "ftp/ftpoperations.h"
+#include "ftp/ftpconnection.h"
 
 #include <QByteArray>
 #include <QObject>
 #include <QString>
 #include <functional>
 #include <memory>
-
-/// Proxy or firewall between us and the server; the types are those of ConnectionProfile.
-struct FtpProxy {
-    int type = 0; ///< 0 none, 1 SOCKS4, 2 SOCKS5, 3 SITE, 4 user login, 5 user no login, 6 OPEN, 7 pipe
-    QString host, user, password;
-    int port = 0;
-};
-
-/// Whether the control connection is encrypted.
-enum class FtpEncryption { Automatic, Always, Never };
 
 /// A server certificate that could not be verified.
 struct FtpCertificate {
@@ -35,7 +25,7 @@ enum class FtpTrust { Reject, Once, Always };
 /// Every operation blocks its caller in a nested event loop, so that the window keeps painting and
 /// any click may run inside it. A second operation meanwhile fails with ErrorKind::Busy. Events
 /// arrive on the caller's thread during the call.
-class FtpControl : public QObject, public FtpOperations {
+class FtpControl : public QObject, public FtpConnection {
     Q_OBJECT
 
 public:
@@ -45,28 +35,28 @@ public:
     [[nodiscard]] int state() const override; ///< Connected only when logged in
     [[nodiscard]] bool isBusy() const override; ///< an operation runs
 
-    void setTimeout(int milliseconds); ///< limit of inactivity for each wait
-    void setPassiveMode(bool passive);
+    void setTimeout(int milliseconds) override; ///< limit of inactivity for each wait
+    void setPassiveMode(bool passive) override;
     void setTransferType(int type) override; ///< FtpTransferType, used by the next transfer or listing
     [[nodiscard]] int transferType() const override;
     void setStoreMode(int mode) override; ///< FtpStoreMode, used by the next put
-    void setProxy(const FtpProxy &proxy); ///< used by the next connect
-    void setEncryption(FtpEncryption encryption); ///< used by the next connect
-    void setSessionLimit(int sessions); ///< most connections of a folder transfer, 1 or more
+    void setProxy(const FtpProxy &proxy) override; ///< used by the next connect
+    void setEncryption(FtpEncryption encryption) override; ///< used by the next connect
+    void setSessionLimit(int sessions) override; ///< most connections of a folder transfer, 1 or more
     void setTrustFile(const QString &path); ///< where trusted certificates are kept
     /// Asked on this thread when a certificate is not trusted; without a question it is rejected.
     void setCertificateQuestion(std::function<FtpTrust(const FtpCertificate &)> question);
 
     FtpStatus connectAndLogin(const QString &server, const QString &user, const QString &password,
-                              const QString &account, int port);
+                              const QString &account, int port) override;
     /// Ends the session politely; the state is Closed afterwards unless an error is returned.
-    FtpStatus logout();
+    FtpStatus logout() override;
     /// Drops the connection at once, also from inside a running operation, which then fails with
     /// ErrorKind::Aborted. Never fails.
     void close() override;
 
     /// Whether transfers may be restarted at an offset; asked from the server once per session.
-    FtpResult<bool> resumeSupport();
+    FtpResult<bool> resumeSupport() override;
     /// The server's working folder as last told by it.
     [[nodiscard]] QString currentFolder() const override;
     FtpStatus setCurrentFolder(const QString &folder) override;

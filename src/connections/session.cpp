@@ -1,0 +1,234 @@
+#include "connections/session.h"
+
+#include "common/globals.h"
+#include "common/prompts.h"
+#include "common/shell.h"
+#include "connections/advice.h"
+#include "connections/host.h"
+#include "connections/loginmessage.h"
+#include "remote/pane.h"
+#include "remote/panemodel.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString lineBreak = QStringLiteral("\r\n");
+
+FtpStatus failure(ftp::ErrorKind kind, const QString &text)
+{
+    return tl::unexpected<FtpError>(FtpError { kind, 0, text });
+}
+
+FtpEncryption encryptionOf(const Globals &globals)
+{
+    const int own = globals.connection.encryption;
+    switch (own < 0 ? globals.settings.encryption : own) {
+    case 1:
+        return FtpEncryption::Always;
+    case 2:
+        return FtpEncryption::Never;
+    default:
+        return FtpEncryption::Automatic;
+    }
+}
+
+} // namespace
+
+Session::Session(FtpControl &control, Globals &globals, Prompts &prompts, Shell &shell, Pane &remote,
+                 QObject *parent)
+    : QObject(parent)
+    , m_control(control)
+    , m_globals(globals)
+    , m_prompts(prompts)
+    , m_shell(shell)
+    , m_remote(remote)
+{
+    connect(&control, &FtpControl::stateChanged, this, &Session::onStateChanged);
+    connect(&control, &FtpControl::replyEvent, this, &Session::onReplyEvent);
+}
+
+void Session::SetFtpProperties()
+{
+    if (const FtpStatus handed = applyProperties(); !handed) {
+        m_shell.AppendLog(lineBreak + handed.error().text + lineBreak);
+    }
+}
+
+FtpStatus Session::applyProperties()
+{
+    const int milliseconds = timeoutMilliseconds(m_globals.connection.Timeout);
+    if (milliseconds < 0) {
+        return failure(ftp::ErrorKind::BadArgument, u"Overflow: the time-out is too large"_s);
+    }
+    m_control.setTimeout(milliseconds);
+    m_control.setPassiveMode(m_globals.connection.Passive);
+    return {};
+}
+
+FtpStatus Session::connectAndLogin()
+{
+    if (const FtpStatus handed = applyProperties(); !handed) {
+        return handed;
+    }
+    // A copy: a click during the call may change the current connection.
+    const ConnectionProfile connection = m_globals.connection;
+    if (!isPort(connection.RemotePort)) {
+        return failure(ftp::ErrorKind::BadArgument, u"The port is not a number from 1 to 65535"_s);
+    }
+    m_control.setEncryption(encryptionOf(m_globals));
+    m_control.setSessionLimit(m_globals.settings.connections);
+    return m_control.connectAndLogin(cleanHost(connection.RemoteHost), connection.UserName,
+                                     connection.Password, connection.Account, connection.RemotePort);
+}
+
+void Session::ConnectSequence()
+{
+    m_globals.session.ConnectionLost = false;
+    Q_EMIT logToBeCleared();
+    m_remote.model().clear();
+    m_shell.SetCommandsEnabled(false, false, false, false, false);
+    m_shell.AppendLog(u"Connecting ..."_s + lineBreak);
+    if (const FtpStatus connected = connectAndLogin(); !connected) {
+        LoginErrorMessage(connected.error());
+        return;
+    }
+    afterLogin();
+}
+
+void Session::afterLogin()
+{
+    const FtpResult<bool> resume = m_control.resumeSupport();
+    m_globals.session.ResumeSupport = resume.value_or(false);
+    if (m_control.state() != FtpControl::Connected) {
+        return; // dropped or closed meanwhile; the state event has shown it
+    }
+    if (!resume) {
+        // Intended: an error of that question, and nothing else, moves the start folder.
+        m_globals.connection.RemoteDir = m_control.currentFolder();
+    }
+    m_globals.session.RemoteHome = m_globals.connection.RemoteDir;
+    m_shell.DoRemoteRefresh(m_control.currentFolder());
+    if (m_control.state() == FtpControl::Connected) {
+        m_shell.SetCommandsEnabled(false, true, false, true, true);
+        m_shell.UpdateRemoteCommandStates();
+        m_shell.UpdateLocalCommandStates();
+    }
+}
+
+void Session::LoginErrorMessage(const FtpError &error)
+{
+    const LoginMessage message = loginMessageFor(error.text, error.number(), m_globals.settings.ErrorMsg);
+    if (!message.failed) {
+        return;
+    }
+    // Who closed the window or the connection meanwhile knows why it failed.
+    if (!message.box.isEmpty() && error.kind != ftp::ErrorKind::Aborted) {
+        m_prompts.message(message.box);
+    }
+    m_shell.AppendLog(error.text + lineBreak);
+    if (const QString advice = adviceFor(error.kind); !m_globals.settings.ErrorMsg && !advice.isEmpty()) {
+        m_shell.AppendLog(advice + lineBreak);
+    }
+    m_control.close();
+    m_globals.session.ConnectionLost = true;
+    showDisconnected();
+}
+
+void Session::LogoutSequence()
+{
+    m_shell.AppendLog(u"Logging out ..."_s + lineBreak);
+    SetFtpProperties();
+    if (const FtpStatus out = m_control.logout(); !out) {
+        LoginErrorMessage(out.error());
+    }
+}
+
+void Session::logoutCommand()
+{
+    if (m_control.state() == FtpControl::Connected) {
+        if (m_control.isBusy() || !m_prompts.question(u"Möchten Sie die Verbindung trennen?"_s)) {
+            return;
+        }
+        LogoutSequence();
+    }
+    m_remote.setFolderText({});
+    m_shell.UpdateRemoteCommandStates();
+    m_shell.UpdateLocalCommandStates();
+}
+
+void Session::abortTransfer()
+{
+    if (!m_prompts.confirm(u"Beim Abbrechen wird die Verbindung getrennt."_s, u"Abbrechen"_s)) {
+        return;
+    }
+    m_globals.session.ConnectionLost = true;
+    m_control.close();
+    m_shell.SetAbortEnabled(false);
+    showDisconnected();
+}
+
+void Session::showDisconnected()
+{
+    m_shell.SetCommandsEnabled(true, false, false, true, true);
+    m_shell.UpdateRemoteCommandStates();
+    m_shell.UpdateLocalCommandStates();
+}
+
+void Session::onStateChanged(int state)
+{
+    if (state == FtpControl::Connected) {
+        const QString server = cleanHost(m_globals.connection.RemoteHost);
+        Q_EMIT captionChanged(windowCaption(server));
+        m_shell.AppendLog(u"Connected to: "_s + server + lineBreak);
+    } else if (state == FtpControl::Closed) {
+        Q_EMIT captionChanged(windowCaption({}));
+        m_shell.AppendLog(u"Connection Closed"_s + lineBreak);
+        m_globals.session.ConnectionLost = true;
+        showDisconnected();
+        m_remote.model().clear();
+    }
+}
+
+void Session::onReplyEvent(const FtpEvent &event)
+{
+    if (event.status == FtpEvent::InProgress) {
+        if (event.operation >= OpGetFile && event.operation <= OpPutFile) {
+            Q_EMIT progress(event);
+        }
+    } else {
+        noteNewFolder(event);
+        m_shell.SetAbortEnabled(false);
+        m_shell.AppendLog(event.text);
+    }
+    explainFullDisk(event);
+}
+
+void Session::noteNewFolder(const FtpEvent &event)
+{
+    if (event.operation != OpMakeFolder) {
+        return;
+    }
+    if (event.status == FtpEvent::Completed) {
+        m_globals.newFolder = { true, true };
+    } else if (!event.text.toUpper().contains("EXISTS"_L1)) {
+        // A name that is taken leaves both flags alone: the next name is tried.
+        m_globals.newFolder = { true, false };
+    }
+}
+
+void Session::explainFullDisk(const FtpEvent &event)
+{
+    if (event.text.startsWith("451"_L1)) {
+        const QString text
+            = u"Der Platzbedarf auf Ihrem Server ist verbraucht.\r\n"
+              // Intended: the doubled "wir".
+              "Wir empfehlen wir Ihnen daher, ein Upgrade auf ein höherwertiges KALMAR-Paket "
+              "durchzuführen.\r\n"
+              "Bitte löschen Sie nicht benötigte Dateien, bevor Sie das Uploaden fortsetzen."_s;
+        m_shell.AppendLog(text + lineBreak);
+        m_prompts.message(QString(text).remove(u'\r'));
+    } else if (event.text.startsWith("452"_L1) || event.text.startsWith("552"_L1)) {
+        m_shell.AppendLog(u"Auf dem Server ist kein Speicherplatz mehr frei."_s + lineBreak);
+    }
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ftp/ftpoperations.h"
+
+/// Proxy or firewall between us and the server; the types are those of ConnectionProfile.
+struct FtpProxy {
+    int type
+        = 0; ///< 0 none, 1 SOCKS4, 2 SOCKS5, 3 SITE, 4 user login, 5 user no login, 6 OPEN, 7 pipe
+    QString host, user, password;
+    int port = 0;
+};
+
+/// Whether the control connection is encrypted.
+enum class FtpEncryption { Automatic, Always, Never };
+
+/// What the login and logout side asks of the session; FtpControl is the real one.
+class FtpConnection : public FtpOperations {
+public:
+    virtual void setTimeout(int milliseconds) = 0; ///< limit of inactivity for each wait
+    virtual void setPassiveMode(bool passive) = 0;
+    virtual void setProxy(const FtpProxy &proxy) = 0; ///< used by the next connect
+    virtual void setEncryption(FtpEncryption encryption) = 0; ///< used by the next connect
+    virtual void setSessionLimit(int sessions)
+        = 0; ///< most connections of a folder transfer, 1 or more
+
+    virtual FtpStatus connectAndLogin(const QString &server, const QString &user,
+                                      const QString &password, const QString &account, int port)
+        = 0;
+    /// Ends the session politely; the state is Closed afterwards unless an error is returned.
+    virtual FtpStatus logout() = 0;
+    /// Whether transfers may be restarted at an offset; asked from the server once per session.
+    virtual FtpResult<bool> resumeSupport() = 0;
+};
