@@ -21,7 +21,10 @@ public:
              QStringLiteral("%1 %2 %3 %4").arg(login).arg(logout).arg(commands).arg(toolbars));
     }
     void SetToolbarsEnabled(bool enabled) override { note("SetToolbarsEnabled", number(enabled)); }
-    void SetFolderBoxesEnabled(bool enabled) override { note("SetFolderBoxesEnabled", number(enabled)); }
+    void SetFolderBoxesEnabled(bool enabled) override
+    {
+        note("SetFolderBoxesEnabled", number(enabled));
+    }
     void SetAbortEnabled(bool enabled) override { note("SetAbortEnabled", number(enabled)); }
     void UpdateRemoteCommandStates() override { note("UpdateRemoteCommandStates"); }
     void UpdateLocalCommandStates() override { note("UpdateLocalCommandStates"); }

@@ -18,7 +18,8 @@ public:
         EXPECT_TRUE(finished()) << "never asked: " << m_script.value(0).text.toStdString();
     }
 
-    ScriptedPrompts &expectMessage(const QString &text, const QString &title = {}, Icon icon = Icon::None)
+    ScriptedPrompts &expectMessage(const QString &text, const QString &title = {},
+                                   Icon icon = Icon::None)
     {
         return add({ Kind::Message, text, title, icon, {}, {}, false, {}, {} });
     }
