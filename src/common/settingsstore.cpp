@@ -93,7 +93,8 @@ SettingsError SettingsStore::error(const QString &section, const QString &key) c
     return { m_file, section + u'/' + key, text(section, key) };
 }
 
-QString SettingsStore::text(const QString &section, const QString &key, const QString &byDefault) const
+QString SettingsStore::text(const QString &section, const QString &key,
+                            const QString &byDefault) const
 {
     const QVariant value = m_settings.value(path(section, key));
     if (!value.isValid()) {
@@ -143,10 +144,7 @@ QByteArray SettingsStore::bytes(const QString &section, const QString &key) cons
     return m_settings.value(path(section, key)).toByteArray();
 }
 
-QString SettingsStore::fromBoolean(bool value)
-{
-    return value ? u"True"_s : u"False"_s;
-}
+QString SettingsStore::fromBoolean(bool value) { return value ? u"True"_s : u"False"_s; }
 
 void SettingsStore::setText(const QString &section, const QString &key, const QString &value)
 {
