@@ -33,8 +33,8 @@ bool write(const QString &path, const QString &text)
     QSaveFile file(path);
     const QByteArray bytes = CodePage::encodeFile(text + u"\r\n"_s);
     return file.open(QIODevice::WriteOnly)
-        && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) && file.write(bytes) == bytes.size()
-        && file.commit();
+        && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
+        && file.write(bytes) == bytes.size() && file.commit();
 }
 
 } // namespace LogFile

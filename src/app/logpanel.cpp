@@ -19,7 +19,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QToolButton *addButton(QHBoxLayout *row, const QString &name, const QString &text, const QString &toolTip)
+QToolButton *addButton(QHBoxLayout *row, const QString &name, const QString &text,
+                       const QString &toolTip)
 {
     auto *button = new QToolButton;
     button->setObjectName(name);
@@ -114,7 +115,8 @@ void LogPanel::saveLog()
     const QString folder = m_settings.LogFolder + LocalSeparator;
     std::optional<QString> name;
     if (m_settings.LogName) {
-        name = LogFile::nextName([&](const QString &taken) { return QFileInfo::exists(folder + taken); });
+        name = LogFile::nextName(
+            [&](const QString &taken) { return QFileInfo::exists(folder + taken); });
     } else {
         const auto typed = m_prompts.input(u"Geben Sie einen Dateinamen für das LOG-Protokol an."_s,
                                            u"log.txt"_s);

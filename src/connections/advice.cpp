@@ -7,13 +7,15 @@ QString adviceFor(ftp::ErrorKind kind)
     using ftp::ErrorKind;
     switch (kind) {
     case ErrorKind::LoginRefused:
-        return u"Bitte geben Sie Username und Passwort noch einmal ein und achten Sie auf Groß- und "
+        return u"Bitte geben Sie Username und Passwort noch einmal ein und achten Sie auf Groß- "
+               u"und "
                "Kleinschreibung."_s;
     case ErrorKind::UnknownHost:
         return u"Bitte prüfen Sie die Schreibweise des Servernamens und ob Ihr Computer mit dem "
                "Internet verbunden ist."_s;
     case ErrorKind::ConnectRefused:
-        return u"Bitte prüfen Sie Servername und Port (üblich ist 21); an dieser Adresse nimmt kein "
+        return u"Bitte prüfen Sie Servername und Port (üblich ist 21); an dieser Adresse nimmt "
+               u"kein "
                "FTP-Server Verbindungen an."_s;
     case ErrorKind::Unreachable:
         return u"Der Server ist von hier aus nicht erreichbar; bitte prüfen Sie Ihre "
@@ -25,7 +27,8 @@ QString adviceFor(ftp::ErrorKind kind)
         return u"Der Server verlangt eine verschlüsselte Verbindung; bitte stellen Sie die "
                "Verschlüsselung auf \"Automatisch\" oder \"Immer\"."_s;
     case ErrorKind::TlsFailed:
-        return u"Die verschlüsselte Verbindung kam nicht zustande; bitte fragen Sie den Betreiber des "
+        return u"Die verschlüsselte Verbindung kam nicht zustande; bitte fragen Sie den Betreiber "
+               u"des "
                "Servers oder prüfen Sie die Einstellung der Verschlüsselung."_s;
     case ErrorKind::CertificateRejected:
         return u"Dem Zertifikat des Servers wurde nicht vertraut; bitte vergleichen Sie den "
@@ -58,7 +61,8 @@ QString adviceFor(ftp::ErrorKind kind)
     case ErrorKind::Truncated:
         return u"Die Übertragung war nicht vollständig; bitte übertragen Sie die Datei noch einmal."_s;
     case ErrorKind::UnsafeName:
-        return u"Der Server nennt einen Namen, der auf diesem Computer Schaden anrichten könnte; die "
+        return u"Der Server nennt einen Namen, der auf diesem Computer Schaden anrichten könnte; "
+               u"die "
                "Datei wurde ausgelassen."_s;
     case ErrorKind::Aborted:
     case ErrorKind::Busy:

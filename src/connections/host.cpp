@@ -18,7 +18,4 @@ QString cleanHost(const QString &typed)
     return trimBlanks(host);
 }
 
-bool isPort(int port)
-{
-    return port >= 1 && port <= 65535;
-}
+bool isPort(int port) { return port >= 1 && port <= 65535; }

@@ -35,8 +35,16 @@ FtpEncryption encryptionOf(const Globals &globals)
 
 } // namespace
 
-Session::Session(FtpControl &control, Globals &globals, Prompts &prompts, Shell &shell, Pane &remote,
-                 QObject *parent)
+Session::Session(FtpControl &control, Globals &globals, Prompts &prompts, Shell &shell,
+                 Pane &remote, QObject *parent)
+    : Session(static_cast<FtpConnection &>(control), globals, prompts, shell, remote, parent)
+{
+    connect(&control, &FtpControl::stateChanged, this, &Session::onStateChanged);
+    connect(&control, &FtpControl::replyEvent, this, &Session::onReplyEvent);
+}
+
+Session::Session(FtpConnection &control, Globals &globals, Prompts &prompts, Shell &shell,
+                 Pane &remote, QObject *parent)
     : QObject(parent)
     , m_control(control)
     , m_globals(globals)
@@ -44,8 +52,6 @@ Session::Session(FtpControl &control, Globals &globals, Prompts &prompts, Shell 
     , m_shell(shell)
     , m_remote(remote)
 {
-    connect(&control, &FtpControl::stateChanged, this, &Session::onStateChanged);
-    connect(&control, &FtpControl::replyEvent, this, &Session::onReplyEvent);
 }
 
 void Session::SetFtpProperties()
@@ -79,7 +85,8 @@ FtpStatus Session::connectAndLogin()
     m_control.setEncryption(encryptionOf(m_globals));
     m_control.setSessionLimit(m_globals.settings.connections);
     return m_control.connectAndLogin(cleanHost(connection.RemoteHost), connection.UserName,
-                                     connection.Password, connection.Account, connection.RemotePort);
+                                     connection.Password, connection.Account,
+                                     connection.RemotePort);
 }
 
 void Session::ConnectSequence()
@@ -118,7 +125,8 @@ void Session::afterLogin()
 
 void Session::LoginErrorMessage(const FtpError &error)
 {
-    const LoginMessage message = loginMessageFor(error.text, error.number(), m_globals.settings.ErrorMsg);
+    const LoginMessage message
+        = loginMessageFor(error.text, error.number(), m_globals.settings.ErrorMsg);
     if (!message.failed) {
         return;
     }
@@ -127,7 +135,8 @@ void Session::LoginErrorMessage(const FtpError &error)
         m_prompts.message(message.box);
     }
     m_shell.AppendLog(error.text + lineBreak);
-    if (const QString advice = adviceFor(error.kind); !m_globals.settings.ErrorMsg && !advice.isEmpty()) {
+    if (const QString advice = adviceFor(error.kind);
+        !m_globals.settings.ErrorMsg && !advice.isEmpty()) {
         m_shell.AppendLog(advice + lineBreak);
     }
     m_control.close();
@@ -201,7 +210,7 @@ void Session::onReplyEvent(const FtpEvent &event)
         m_shell.SetAbortEnabled(false);
         m_shell.AppendLog(event.text);
     }
-    explainFullDisk(event);
+    Q_EMIT replied(event);
 }
 
 void Session::noteNewFolder(const FtpEvent &event)
@@ -214,21 +223,5 @@ void Session::noteNewFolder(const FtpEvent &event)
     } else if (!event.text.toUpper().contains("EXISTS"_L1)) {
         // A name that is taken leaves both flags alone: the next name is tried.
         m_globals.newFolder = { true, false };
-    }
-}
-
-void Session::explainFullDisk(const FtpEvent &event)
-{
-    if (event.text.startsWith("451"_L1)) {
-        const QString text
-            = u"Der Platzbedarf auf Ihrem Server ist verbraucht.\r\n"
-              // Intended: the doubled "wir".
-              "Wir empfehlen wir Ihnen daher, ein Upgrade auf ein höherwertiges KALMAR-Paket "
-              "durchzuführen.\r\n"
-              "Bitte löschen Sie nicht benötigte Dateien, bevor Sie das Uploaden fortsetzen."_s;
-        m_shell.AppendLog(text + lineBreak);
-        m_prompts.message(QString(text).remove(u'\r'));
-    } else if (event.text.startsWith("452"_L1) || event.text.startsWith("552"_L1)) {
-        m_shell.AppendLog(u"Auf dem Server ist kein Speicherplatz mehr frei."_s + lineBreak);
     }
 }

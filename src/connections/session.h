@@ -18,6 +18,9 @@ public:
     /// Everything is kept by reference and must outlive the session. @param remote  the server pane
     Session(FtpControl &control, Globals &globals, Prompts &prompts, Shell &shell, Pane &remote,
             QObject *parent = nullptr);
+    /// The same without a control's events: onStateChanged and onReplyEvent are called directly.
+    Session(FtpConnection &control, Globals &globals, Prompts &prompts, Shell &shell, Pane &remote,
+            QObject *parent = nullptr);
 
     /// Hands time-out and passive mode of the current connection to the control; called before
     /// every connect, logout and command. A time-out that does not fit is a log line.
@@ -40,17 +43,20 @@ Q_SIGNALS:
     void captionChanged(const QString &caption); ///< of the main window
     /// Bytes of a running transfer, for the progress display.
     void progress(const FtpEvent &event);
+    /// Any event of the control, after it was handled here; for explanations of replies.
+    void replied(const FtpEvent &event);
+
+public Q_SLOTS:
+    void onStateChanged(int state);
+    void onReplyEvent(const FtpEvent &event);
 
 private:
     [[nodiscard]] FtpStatus applyProperties();
     [[nodiscard]] FtpStatus connectAndLogin();
     void afterLogin();
-    void onStateChanged(int state);
-    void onReplyEvent(const FtpEvent &event);
     void noteNewFolder(const FtpEvent &event);
-    void explainFullDisk(const FtpEvent &event);
 
-    FtpControl &m_control;
+    FtpConnection &m_control;
     Globals &m_globals;
     Prompts &m_prompts;
     Shell &m_shell;
