@@ -1,0 +1,123 @@
+#include "dialogs/frm_hilfe.h"
+
+#include "dialogs/helppages.h"
+
+#include <QBoxLayout>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSplitter>
+#include <QTextBrowser>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr int PageRole = Qt::UserRole;
+}
+
+frm_hilfe::frm_hilfe(QWidget *parent)
+    : QWidget(parent, Qt::Window)
+{
+    setObjectName(u"frm_hilfe"_s);
+    setWindowTitle(u"Tarvelo FTP - Hilfe"_s);
+    resize(900, 624);
+    buildLayout();
+    fillList({});
+
+    connect(m_back, &QPushButton::clicked, m_page, &QTextBrowser::backward);
+    connect(m_page, &QTextBrowser::backwardAvailable, m_back, &QWidget::setEnabled);
+    connect(m_start, &QPushButton::clicked, this, [this] { openPage(contentsPage()); });
+    connect(m_search, &QLineEdit::textChanged, this, &frm_hilfe::fillList);
+    connect(m_list, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem *item) {
+        if (item) {
+            openPage(item->data(PageRole).toString());
+        }
+    });
+    connect(m_page, &QTextBrowser::sourceChanged, this, &frm_hilfe::followCurrentPage);
+    connect(new QShortcut(QKeySequence::Back, this), &QShortcut::activated, m_page,
+            &QTextBrowser::backward);
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_search,
+            qOverload<>(&QWidget::setFocus));
+    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
+            &QWidget::close);
+    openPage(contentsPage());
+}
+
+void frm_hilfe::buildLayout()
+{
+    m_back = new QPushButton(u"Zurück"_s);
+    m_back->setObjectName(u"cmd_zurueck"_s);
+    m_back->setEnabled(false);
+    m_start = new QPushButton(u"Inhalt"_s);
+    m_start->setObjectName(u"cmd_inhalt"_s);
+    m_search = new QLineEdit;
+    m_search->setObjectName(u"tx_suche"_s);
+    m_search->setPlaceholderText(u"In der Hilfe suchen"_s);
+    m_search->setAccessibleName(u"In der Hilfe suchen"_s);
+    m_search->setClearButtonEnabled(true);
+    m_search->setMaximumWidth(300);
+    auto *top = new QHBoxLayout;
+    top->setSpacing(6);
+    top->addWidget(m_back);
+    top->addWidget(m_start);
+    top->addStretch();
+    top->addWidget(m_search, 1);
+
+    m_list = new QListWidget;
+    m_list->setObjectName(u"lst_inhalt"_s);
+    m_list->setAccessibleName(u"Inhalt"_s);
+    m_page = new QTextBrowser;
+    m_page->setObjectName(u"tx_seite"_s);
+    m_page->setAccessibleName(u"Seite"_s);
+    m_page->document()->setDocumentMargin(18);
+    auto *splitter = new QSplitter;
+    splitter->addWidget(m_list);
+    splitter->addWidget(m_page);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({ 252, 636 });
+    splitter->setChildrenCollapsible(false);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(12, 12, 12, 12);
+    layout->setSpacing(12);
+    layout->addLayout(top);
+    layout->addWidget(splitter, 1);
+}
+
+void frm_hilfe::openPage(const QString &page)
+{
+    const QString file = helpFile(page);
+    const QUrl source(u"qrc"_s + (file.isEmpty() ? helpFile(contentsPage()) : file));
+    if (m_page->source() != source) {
+        m_page->setSource(source);
+    }
+}
+
+QString frm_hilfe::currentPage() const
+{
+    return QFileInfo(m_page->source().path()).completeBaseName();
+}
+
+void frm_hilfe::fillList(const QString &search)
+{
+    const QSignalBlocker quiet(m_list); // the page stays while the list changes
+    m_list->clear();
+    for (const HelpPage &page : searchHelp(search)) {
+        auto *item = new QListWidgetItem(page.title, m_list);
+        item->setData(PageRole, page.name);
+    }
+    followCurrentPage();
+}
+
+void frm_hilfe::followCurrentPage()
+{
+    const QSignalBlocker quiet(m_list);
+    m_list->setCurrentItem(nullptr);
+    for (int row = 0; row < m_list->count(); ++row) {
+        if (m_list->item(row)->data(PageRole) == currentPage()) {
+            m_list->setCurrentRow(row);
+        }
+    }
+}
