@@ -2,10 +2,32 @@
 
 #include "ftp/listing_dialects.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
 
 namespace ftp {
 namespace dialects {
+
+Text takeToken(Text line, std::size_t &at)
+{
+    while (at < line.size() && isBlank(line[at])) {
+        ++at;
+    }
+    const std::size_t begin = at;
+    while (at < line.size() && !isBlank(line[at])) {
+        ++at;
+    }
+    return line.substr(begin, at - begin);
+}
+
+Text withoutBlanks(Text line, std::size_t at, std::size_t most)
+{
+    for (; most > 0 && at < line.size() && line[at] == ' '; --most) {
+        ++at;
+    }
+    return line.substr(std::min(at, line.size()));
+}
 
 std::optional<std::int64_t> readSize(Text text)
 {
@@ -38,13 +60,88 @@ int readOctal(Text text)
 
 } // namespace dialects
 
-Listing parseList(std::string_view bytes, const CivilTime & /*now*/)
+namespace {
+
+using namespace dialects;
+
+enum class Dialect { Unix, MsDos, NetWare, Eplf, Vms, Mvs, Os400, Os2, VxWorks };
+
+/// Gives each line to the dialect of the line before, and to the others only when that one does not
+/// know it: a wrong guess at the first line then costs nothing.
+class ListReader {
+public:
+    explicit ListReader(const CivilTime &now)
+        : m_now(now)
+    {
+    }
+
+    Verdict read(Text line, std::size_t number, Entry &entry)
+    {
+        const Dialect last = m_dialect;
+        Verdict verdict = readAs(last, line, number, entry);
+        for (const Dialect dialect : all) {
+            if (verdict != Verdict::Foreign) {
+                break;
+            }
+            if (dialect != last) {
+                entry = Entry();
+                m_dialect = dialect;
+                verdict = readAs(dialect, line, number, entry);
+            }
+        }
+        if (verdict == Verdict::Foreign) {
+            m_dialect = last;
+        }
+        return verdict;
+    }
+
+private:
+    static constexpr std::array all { Dialect::Unix, Dialect::MsDos, Dialect::NetWare,
+                                      Dialect::Eplf, Dialect::Vms, Dialect::Mvs,
+                                      Dialect::Os400, Dialect::Os2, Dialect::VxWorks };
+
+    Verdict readAs(Dialect dialect, Text line, std::size_t number, Entry &entry)
+    {
+        switch (dialect) {
+        case Dialect::Unix:
+            return parseUnix(line, m_now, entry);
+        case Dialect::MsDos:
+            return parseMsDos(line, entry);
+        case Dialect::NetWare:
+            return parseNetWare(line, m_now, entry);
+        case Dialect::Eplf:
+            return parseEplf(line, entry);
+        case Dialect::Vms:
+            return m_vms.parse(line, number, entry);
+        case Dialect::Mvs:
+            return m_mvs.parse(line, entry);
+        case Dialect::Os400:
+            return parseOs400(line, entry);
+        case Dialect::Os2:
+            return parseOs2(line, entry);
+        case Dialect::VxWorks:
+            return parseVxWorks(line, entry);
+        }
+        return Verdict::Foreign;
+    }
+
+    CivilTime m_now;
+    Dialect m_dialect = Dialect::Unix;
+    VmsReader m_vms;
+    MvsReader m_mvs;
+};
+
+} // namespace
+
+Listing parseList(std::string_view bytes, const CivilTime &now)
 {
-    using namespace dialects;
+    constexpr std::size_t usualLine = 64;
     Listing listing;
+    listing.entries.reserve(bytes.size() / usualLine);
+    ListReader reader(now);
     forEachLine(bytes, [&](Text line, std::size_t number) {
         Entry entry;
-        const Verdict verdict = parseEplf(line, entry);
+        const Verdict verdict = reader.read(line, number, entry);
         listing.understood = listing.understood || verdict != Verdict::Foreign;
         if (verdict == Verdict::Entry) {
             entry.line = number;
