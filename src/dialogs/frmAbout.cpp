@@ -48,7 +48,8 @@ frmAbout::frmAbout(const NetworkInfo &info, QWidget *parent)
     addresses->setObjectName(u"lbxAddress"_s);
     addresses->setAccessibleName(u"Local Address(es):"_s);
     addresses->addItems(info.addresses);
-    addresses->setMinimumSize(300, 96);
+    addresses->setMinimumSize(300, 90);
+    addresses->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     addRow(1, u"Local Address(es):"_s, addresses);
     addRow(2, u"Winsock Version:"_s,
            valueLabel(u"lblVersion"_s, info.version, u"Winsock Version:"_s));
@@ -60,6 +61,7 @@ frmAbout::frmAbout(const NetworkInfo &info, QWidget *parent)
     QPushButton *ok = buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"cmdOk"_s);
     ok->setDefault(true);
+    ok->setMinimumHeight(30);
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
 
     auto *layout = new QVBoxLayout(this);
@@ -67,5 +69,6 @@ frmAbout::frmAbout(const NetworkInfo &info, QWidget *parent)
     layout->setSpacing(12);
     layout->addLayout(grid);
     layout->addWidget(buttons);
+    resize(420, 270);
     ok->setFocus();
 }

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QShowEvent>
 #include <QVBoxLayout>
@@ -22,6 +23,24 @@ constexpr std::chrono::milliseconds TickLength { 200 };
 bool isEscapeOrSpace(const QKeyEvent *event)
 {
     return event->key() == Qt::Key_Escape || event->key() == Qt::Key_Space;
+}
+
+/// A plain cross in the given colour.
+QIcon closeIcon(const QColor &colour)
+{
+    QIcon icon;
+    for (const int size : { 16, 32 }) {
+        QPixmap picture(size, size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(size / 16.0, size / 16.0);
+        painter.setPen(QPen(colour, 1.5, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QLineF(4.5, 4.5, 11.5, 11.5));
+        painter.drawLine(QLineF(11.5, 4.5, 4.5, 11.5));
+        icon.addPixmap(picture);
+    }
+    return icon;
 }
 
 } // namespace
@@ -75,7 +94,8 @@ void frm_info::buildLayout()
     // Intended: 4 and 5 only stop the timer; 5 stands for Esc and Space. Nobody can press them.
     addButton(4, {}, {})->hide();
     addButton(5, {}, {})->hide();
-    QWidget *close = addButton(6, {}, {});
+    QPushButton *close = addButton(6, {}, {});
+    close->setIcon(closeIcon(palette().color(QPalette::ButtonText)));
     close->setAccessibleName(u"Schließen"_s);
     buttons->addWidget(close);
     close->setFocus();
@@ -89,12 +109,13 @@ void frm_info::buildLayout()
     layout->addLayout(buttons);
 }
 
-QWidget *frm_info::addButton(int index, const QString &caption, const QString &toolTip)
+QPushButton *frm_info::addButton(int index, const QString &caption, const QString &toolTip)
 {
     auto *button = new QPushButton(caption, this);
     button->setObjectName(u"cmd_auswahl_"_s + QString::number(index));
     button->setToolTip(toolTip);
     button->setAutoDefault(false);
+    button->setMinimumSize(button->sizeHint().width() + (caption.isEmpty() ? 0 : 18), 30);
     button->installEventFilter(this);
     connect(button, &QPushButton::clicked, this, [this, index] { cmd_auswahl_Click(index); });
     return button;

@@ -8,7 +8,7 @@
 #include <functional>
 
 class Prompts;
-class QHBoxLayout;
+class QPushButton;
 
 /// The info screen: splash at start (show) and "&Info" of the help menu (exec). Loading it sets
 /// Globals::ProgramVersion. It closes by its picture, its close button, the window frame and by
@@ -31,7 +31,7 @@ protected:
 
 private:
     void buildLayout();
-    QWidget *addButton(int index, const QString &caption, const QString &toolTip);
+    QPushButton *addButton(int index, const QString &caption, const QString &toolTip);
     void cmd_auswahl_Click(int index);
     void Timer1_Timer();
 
