@@ -64,6 +64,11 @@ SettingsStore::SettingsStore(const QString &file)
     : m_file(preparedFile(file))
     , m_settings(m_file, QSettings::IniFormat)
 {
+    (void)m_settings.allKeys(); // sections are only parsed when somebody asks
+    if (m_settings.status() == QSettings::FormatError) {
+        // The next save drops the lines that are no entries; whoever wrote them finds them here.
+        QFile::copy(m_file, m_file + u".defekt"_s);
+    }
 }
 
 SettingsResult<void> SettingsStore::readable() const
@@ -177,5 +182,5 @@ bool SettingsStore::save(const QString &section, const SettingsValues &values)
 bool SettingsStore::sync()
 {
     m_settings.sync();
-    return m_settings.status() == QSettings::NoError;
+    return m_settings.status() != QSettings::AccessError;
 }

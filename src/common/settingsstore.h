@@ -26,7 +26,8 @@ using SettingsValues = QList<QPair<QString, QString>>;
 /// Sections and keys match without regard to case; text comes back exactly as it was saved. The
 /// program's own two sections are "Settings" (current connection) and "Properties" (program
 /// settings); window geometry and the like go into further ones. Nothing is ever deleted or
-/// repaired. The file is readable for its owner only and replaced as a whole.
+/// repaired; a file with lines that are no entries is copied to ".defekt" beside it before anything
+/// is saved. The file is readable for its owner only and replaced as a whole.
 class SettingsStore {
 public:
     /// $XDG_CONFIG_HOME/Tarvelo FTP/Tarvelo FTP.ini
