@@ -1,0 +1,106 @@
+#include "dialogs/qtprompts.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString titleOr(const QString &title) { return title.isEmpty() ? u"Tarvelo FTP"_s : title; }
+
+/// Boxes break lines at LF alone.
+QString boxText(QString text) { return text.replace("\r\n"_L1, "\n"_L1); }
+
+/// The button and its text, which Qt would take from its own translations; Alt and its first letter
+/// press it.
+void addButton(QMessageBox &box, QMessageBox::StandardButton button, const QString &text)
+{
+    QPushButton *added = box.addButton(button);
+    added->setText(text);
+    added->setShortcut(QKeySequence(Qt::ALT | static_cast<Qt::Key>(text.at(0).unicode())));
+}
+
+/// Texts hold names from servers, which must not be taken for markup.
+void showPlainTexts(QWidget &box)
+{
+    for (auto *label : box.findChildren<QLabel *>()) {
+        label->setTextFormat(Qt::PlainText);
+    }
+}
+
+} // namespace
+
+QtPrompts::QtPrompts(QWidget *window)
+    : m_window(window)
+{
+}
+
+QWidget *QtPrompts::parent() const
+{
+    QWidget *active = QApplication::activeModalWidget();
+    active = active != nullptr ? active : QApplication::activeWindow();
+    return active != nullptr ? active : m_window.data();
+}
+
+void QtPrompts::prepare(QMessageBox &box, const QString &text, const QString &title,
+                        const QString &details) const
+{
+    box.setWindowTitle(titleOr(title));
+    box.setText(boxText(text));
+    box.setInformativeText(boxText(details));
+    showPlainTexts(box);
+}
+
+void QtPrompts::message(const QString &text, const QString &title, Icon icon)
+{
+    QMessageBox box(parent());
+    prepare(box, text, title);
+    if (icon == Icon::Exclamation) {
+        box.setIcon(QMessageBox::Warning);
+    }
+    addButton(box, QMessageBox::Ok, u"OK"_s);
+    box.exec();
+}
+
+bool QtPrompts::confirm(const QString &text, const QString &title, const QString &details)
+{
+    QMessageBox box(parent());
+    prepare(box, text, title, details);
+    addButton(box, QMessageBox::Ok, u"OK"_s);
+    addButton(box, QMessageBox::Cancel, u"Abbrechen"_s);
+    box.setDefaultButton(QMessageBox::Ok);
+    box.setEscapeButton(QMessageBox::Cancel);
+    return box.exec() == QMessageBox::Ok;
+}
+
+bool QtPrompts::question(const QString &text, const QString &title)
+{
+    QMessageBox box(parent());
+    prepare(box, text, title);
+    addButton(box, QMessageBox::Yes, u"Ja"_s);
+    addButton(box, QMessageBox::No, u"Nein"_s);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+std::optional<QString> QtPrompts::input(const QString &text, const QString &proposal,
+                                        const QString &title)
+{
+    QInputDialog box(parent());
+    box.setWindowTitle(titleOr(title));
+    box.setInputMode(QInputDialog::TextInput);
+    box.setLabelText(boxText(text));
+    box.setTextValue(proposal);
+    box.setOkButtonText(u"OK"_s);
+    box.setCancelButtonText(u"Abbrechen"_s);
+    box.ensurePolished();
+    showPlainTexts(box);
+    if (box.exec() != QDialog::Accepted) {
+        return std::nullopt;
+    }
+    return box.textValue();
+}
