@@ -1,7 +1,6 @@
 #include "common/settingsstore.h"
 
 #include "common/codepage.h"
-#include "support/qtprinters.h"
 
 #include <QFile>
 #include <QFileInfo>

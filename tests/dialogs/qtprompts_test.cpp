@@ -1,7 +1,6 @@
 #include "dialogs/qtprompts.h"
 
 #include "support/modalbox.h"
-#include "support/qtprinters.h"
 
 #include <QInputDialog>
 #include <QLabel>
