@@ -14,7 +14,7 @@ public:
     {
         QObject::connect(&m_timer, &QTimer::timeout, [this, action] {
             auto *window = qobject_cast<Window *>(QApplication::activeModalWidget());
-            if (window != nullptr && window->isVisible()) {
+            if (window != nullptr && window->isActiveWindow()) {
                 m_timer.stop();
                 m_opened = true;
                 action(*window);
