@@ -1,0 +1,330 @@
+#include "support/fakeftp.h"
+
+#include "common/mo_standard.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+FtpError refusal(const QString &text)
+{
+    return { ftp::ErrorKind::Refused, text.left(3).toInt(), text };
+}
+
+/// A pattern without its quotes and its wildcard.
+QString folderOf(QString pattern)
+{
+    if (pattern.startsWith(u'"') && pattern.endsWith(u'"')) {
+        pattern = pattern.mid(1, pattern.size() - 2);
+    }
+    return pattern.endsWith(QStringLiteral("/*")) ? pattern.chopped(2) : pattern;
+}
+
+QString parentOf(const QString &path)
+{
+    return path.lastIndexOf(u'/') <= 0 ? QStringLiteral("/") : path.left(path.lastIndexOf(u'/'));
+}
+
+bool writeFile(const QString &path, const QByteArray &content, qint64 offset)
+{
+    QFile file(path);
+    const auto mode = offset > 0 ? QIODevice::ReadWrite : QIODevice::WriteOnly;
+    return file.open(mode) && file.seek(offset) && file.write(content.mid(offset)) >= 0
+        && file.resize(content.size());
+}
+
+} // namespace
+
+FakeFtp::FakeFtp()
+{
+    nodes.insert(QStringLiteral("/"), {});
+}
+
+void FakeFtp::addFolder(const QString &path)
+{
+    if (!nodes.contains(path)) {
+        addFolder(parentOf(path));
+        nodes.insert(path, {});
+    }
+}
+
+void FakeFtp::addFile(const QString &path, const QByteArray &content)
+{
+    addFolder(parentOf(path));
+    nodes.insert(path, { QStringLiteral("-"), content, {} });
+}
+
+void FakeFtp::addLink(const QString &path, const QString &target)
+{
+    addFolder(parentOf(path));
+    nodes.insert(path, { QStringLiteral("l"), {}, target });
+}
+
+QStringList FakeFtp::commandsOf(const QString &word) const
+{
+    return commands.filter(QRegularExpression(u"^" + QRegularExpression::escape(word) + u"\\b"));
+}
+
+void FakeFtp::refuseAll(const QString &part, const QString &reply, ftp::ErrorKind kind)
+{
+    refuse = [part, reply, kind](const QString &command) -> std::optional<FtpError> {
+        if (!command.contains(part)) {
+            return std::nullopt;
+        }
+        return FtpError { kind, reply.left(3).toInt(), reply };
+    };
+}
+
+QString FakeFtp::absolute(const QString &path) const
+{
+    const QString whole = path.startsWith(u'/') ? path : joinPath(current, path);
+    return QDir::cleanPath(whole);
+}
+
+QStringList FakeFtp::below(const QString &folder) const
+{
+    QStringList result;
+    for (auto it = nodes.begin(); it != nodes.end(); ++it) {
+        if (it.key().startsWith(withSeparator(folder, u'/')) && it.key() != u"/") {
+            result.append(it.key());
+        }
+    }
+    return result;
+}
+
+void FakeFtp::reply(int operation, int status, const QString &text) const
+{
+    if (onEvent) {
+        onEvent({ operation, status, text + QStringLiteral("\r\n"), 0, 0 });
+    }
+}
+
+void FakeFtp::progress(int operation, qint64 bytes, qint64 total) const
+{
+    if (onEvent) {
+        onEvent({ operation, FtpEvent::InProgress, {}, bytes, total });
+    }
+}
+
+FtpStatus FakeFtp::run(int operation, const QString &command, const Work &work)
+{
+    if (connectionState != Connected) {
+        return tl::unexpected(
+            FtpError { ftp::ErrorKind::NotConnected, 0, QStringLiteral("Not connected") });
+    }
+    if (busy) {
+        return tl::unexpected(FtpError { ftp::ErrorKind::Busy, 0, QStringLiteral("Busy") });
+    }
+    busy = true;
+    commands.append(command);
+    std::optional<FtpError> error = refuse ? refuse(command) : std::nullopt;
+    if (!error && during) {
+        during(command);
+    }
+    if (!error && connectionState != Connected) {
+        error = FtpError { ftp::ErrorKind::Aborted, 0, QStringLiteral("Aborted") };
+    }
+    error = error ? error : work();
+    reply(operation, error ? FtpEvent::Failed : FtpEvent::Completed,
+          error ? error->text : QStringLiteral("250 Ok"));
+    busy = false;
+    return error ? FtpStatus(tl::unexpected(*error)) : FtpStatus();
+}
+
+FtpStatus FakeFtp::setCurrentFolder(const QString &folder)
+{
+    return run(OpChangeFolder, u"CWD " + folder, [&]() -> std::optional<FtpError> {
+        const QString path = absolute(folder);
+        const Node node = nodes.value(path, { QStringLiteral("-"), {}, {} });
+        const QString real = node.type == u"l" ? node.target : path;
+        if (nodes.value(real, { QStringLiteral("-"), {}, {} }).type != u"d") {
+            return refusal(QStringLiteral("550 No such folder."));
+        }
+        current = real;
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::changeToParentFolder()
+{
+    return setCurrentFolder(parentOf(current));
+}
+
+FtpStatus FakeFtp::list()
+{
+    return run(OpList, QStringLiteral("LIST"), [&]() -> std::optional<FtpError> {
+        m_listing = {};
+        m_listing.format = 1;
+        for (const QString &path : below(current)) {
+            if (parentOf(path) == current) {
+                const Node &node = nodes[path];
+                m_listing.entries.append({ path.mid(path.lastIndexOf(u'/') + 1), node.type,
+                                           node.type == u"d" ? 4096 : node.content.size(),
+                                           QStringLiteral("2026-01-02 03:04"), 644, node.target });
+            }
+        }
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::getFile(const QString &remotePath, const QString &localPath, qint64 &offset)
+{
+    const QString command
+        = QStringLiteral("GET %1 %2 @%3 [%4]").arg(remotePath, localPath).arg(offset).arg(m_type);
+    return run(OpGetFile, command, [&]() -> std::optional<FtpError> {
+        if (nodes.value(absolute(remotePath)).type != u"-") {
+            return refusal(QStringLiteral("550 No such file."));
+        }
+        const QByteArray content = nodes.value(absolute(remotePath)).content;
+        progress(OpGetFile, 0);
+        if (!writeFile(localPath, content, offset)) {
+            return FtpError { ftp::ErrorKind::LocalFile, 0, QStringLiteral("Cannot write") };
+        }
+        progress(OpGetFile, content.size() - offset);
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
+{
+    const QString command = QStringLiteral("PUT %1 %2 @%3 mode %4 [%5]")
+                                .arg(localPath, remotePath)
+                                .arg(offset)
+                                .arg(m_storeMode)
+                                .arg(m_type);
+    return run(OpPutFile, command, [&]() -> std::optional<FtpError> {
+        QFile file(localPath);
+        if (!file.open(QIODevice::ReadOnly)) {
+            return FtpError { ftp::ErrorKind::LocalFile, 0, QStringLiteral("Cannot read") };
+        }
+        if (!nodes.contains(parentOf(absolute(remotePath)))) {
+            return refusal(QStringLiteral("553 No such folder."));
+        }
+        progress(OpPutFile, 0);
+        const QByteArray bytes = file.readAll();
+        const QByteArray kept = m_storeMode == StoreContinue ? content(absolute(remotePath)) : "";
+        nodes.insert(absolute(remotePath),
+                     { QStringLiteral("-"), kept.left(offset) + bytes.mid(offset), {} });
+        progress(OpPutFile, bytes.size() - offset);
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::getMultiple(const QString &pattern, const QString &localFolder)
+{
+    return run(OpGetMultiple, u"MGET " + pattern + u" " + localFolder, [&]() -> std::optional<FtpError> {
+        const QString folder = absolute(folderOf(pattern));
+        if (nodes.value(folder, { QStringLiteral("-"), {}, {} }).type != u"d") {
+            return refusal(QStringLiteral("550 No such folder."));
+        }
+        qint64 bytes = 0;
+        for (const QString &path : below(folder)) {
+            const QString target = localFolder + path.mid(withSeparator(folder, u'/').size() - 1);
+            if (nodes[path].type == u"d") {
+                QDir().mkpath(target);
+            } else if (!writeFile(target, nodes[path].content, 0)) {
+                return FtpError { ftp::ErrorKind::LocalFile, 0, QStringLiteral("Cannot write") };
+            }
+            progress(OpGetMultiple, bytes += nodes[path].content.size());
+        }
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::putMultiple(const QString &pattern, const QString &remoteFolder)
+{
+    return run(OpPutMultiple, u"MPUT " + pattern + u" " + remoteFolder, [&]() -> std::optional<FtpError> {
+        if (nodes.value(absolute(remoteFolder), { QStringLiteral("-"), {}, {} }).type != u"d") {
+            return refusal(QStringLiteral("550 No such folder."));
+        }
+        const QString folder = folderOf(pattern);
+        QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString target = absolute(remoteFolder) + it.next().mid(folder.size());
+            QFile file(it.filePath());
+            if (it.fileInfo().isDir()) {
+                addFolder(target);
+            } else if (file.open(QIODevice::ReadOnly)) {
+                addFile(target, file.readAll());
+            }
+        }
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::makeFolder(const QString &name)
+{
+    return run(OpMakeFolder, u"MKD " + name, [&]() -> std::optional<FtpError> {
+        if (nodes.contains(absolute(name))) {
+            return refusal(QStringLiteral("550 File exists."));
+        }
+        nodes.insert(absolute(name), {});
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::removeFolder(const QString &path)
+{
+    return run(OpRemoveFolder, u"RMD " + path, [&]() -> std::optional<FtpError> {
+        if (!below(absolute(path)).isEmpty() || nodes.value(absolute(path)).type != u"d"
+            || nodes.remove(absolute(path)) == 0) {
+            return refusal(QStringLiteral("550 Cannot remove."));
+        }
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::deleteFile(const QString &path)
+{
+    return run(OpDelete, u"DELE " + path, [&]() -> std::optional<FtpError> {
+        if (!nodes.contains(absolute(path)) || nodes[absolute(path)].type == u"d") {
+            return refusal(QStringLiteral("550 Cannot delete."));
+        }
+        nodes.remove(absolute(path));
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::rename(const QString &oldName, const QString &newName)
+{
+    const QString command = u"RENAME " + oldName + u" " + newName;
+    return run(OpRename, command, [&]() -> std::optional<FtpError> {
+        const QString from = absolute(oldName);
+        if (!nodes.contains(from)) {
+            return refusal(QStringLiteral("550 No such file."));
+        }
+        for (const QString &path : below(from) + QStringList { from }) {
+            nodes.insert(absolute(newName) + path.mid(from.size()), nodes.take(path));
+        }
+        return std::nullopt;
+    });
+}
+
+FtpStatus FakeFtp::sendRaw(const QString &command)
+{
+    return run(OpRawCommand, u"RAW " + command, [] { return std::optional<FtpError>(); });
+}
+
+FtpStatus FakeFtp::removeTree(const QString &folder)
+{
+    return run(OpRemoveFolder, u"RMTREE " + folder, [&]() -> std::optional<FtpError> {
+        bool linkLeft = false;
+        for (const QString &path : below(absolute(folder))) {
+            linkLeft = linkLeft || nodes[path].type == u"l";
+            if (nodes[path].type == u"-") {
+                nodes.remove(path);
+            }
+        }
+        if (linkLeft || !nodes.contains(absolute(folder))) {
+            return refusal(QStringLiteral("550 Directory not empty."));
+        }
+        for (const QString &path : below(absolute(folder)) + QStringList { absolute(folder) }) {
+            nodes.remove(path);
+        }
+        return std::nullopt;
+    });
+}
