@@ -1,22 +1,22 @@
 #pragma once
 
-#include "fileops/localtree.h"
 #include "fileops/workplace.h"
 
-#include <QObject>
 #include <atomic>
 #include <functional>
+#include <optional>
 
 /// Deletes the selected rows of a pane, whole trees included, after one question.
-class DeleteCommand : public QObject {
-    Q_OBJECT
-
+class DeleteCommand {
 public:
-    explicit DeleteCommand(const Workplace &work, QObject *parent = nullptr);
+    explicit DeleteCommand(const Workplace &work)
+        : m_work(work)
+    {
+    }
 
     /// Works on the remote pane; needs an idle session.
     void DeleteRemoteItems();
-    /// Works on the local pane. The window keeps running meanwhile.
+    /// Works on the local pane; not while the session is busy. The window lives meanwhile.
     void DeleteLocalItems();
 
     /// Whether a deletion is under way.
@@ -25,12 +25,17 @@ public:
     void stop() { m_stop = true; }
 
 private:
-    [[nodiscard]] bool confirmed(const QString &details);
-    void deleteMarked(Pane &pane, const std::function<void(const MarkedItem &)> &one);
+    using Reason = std::optional<QString>; ///< why something was left standing; nothing on success
+
+    void deleteMarked(Pane &pane, const MarkedItemList &items,
+                      const std::function<void(const MarkedItem &)> &one);
+    [[nodiscard]] bool confirmed(int count, const QString &details);
+    [[nodiscard]] QString localDetails(const MarkedItemList &items) const;
     void deleteRemoteItem(const MarkedItem &item);
     void deleteLocalItem(const MarkedItem &item);
-    [[nodiscard]] FtpStatus removeRemote(const MarkedItem &item, const QString &path);
-    void refused(Pane &pane, const MarkedItem &item, const QString &description);
+    [[nodiscard]] Reason removeRemote(const MarkedItem &item, const QString &path);
+    [[nodiscard]] Reason removeLocal(const MarkedItem &item, const QString &path);
+    void refuse(Pane &pane, const MarkedItem &item, const QString &reason);
 
     Workplace m_work;
     bool m_running = false;

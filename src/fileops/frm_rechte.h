@@ -2,10 +2,13 @@
 
 #include "common/globals.h"
 
-#include <QCheckBox>
 #include <QDialog>
-#include <QLabel>
 #include <array>
+
+class QCheckBox;
+class QGroupBox;
+class QLabel;
+class QPushButton;
 
 /// "Dateirechte einstellen (Unix chmod)": nine boxes; the answer goes into a PermissionChoice.
 class frm_rechte : public QDialog {
@@ -18,12 +21,17 @@ public:
     void rechte_aktu();
 
 private:
+    using Boxes = std::array<QCheckBox *, 3>; ///< read, write, run
+
     void build();
-    void loadMode(int mode);
+    [[nodiscard]] QGroupBox *buildGroup(int number, const QString &title);
+    [[nodiscard]] QPushButton *addButton(const QString &name, const QString &caption);
+    void setBoxes(int mode);
     void cmd_ok_Click();
-    void applyPreset(int mode);
+    void cmd_chmod_Click();
+    void cmd_hilfe_Click();
 
     PermissionChoice &m_choice;
-    std::array<std::array<QCheckBox *, 3>, 3> m_boxes {}; ///< owner, group, others; read, write, run
+    std::array<Boxes, 3> m_boxes {}; ///< owner, group, others
     QLabel *lbl_rechte = nullptr;
 };

@@ -24,6 +24,3 @@ private:
 
     Workplace m_work;
 };
-
-/// Keeps the two answers of the make-folder operation up to date; to be called for every event.
-void noteMakeFolderEvent(const FtpEvent &event, NewFolderState &state);

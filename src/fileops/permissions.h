@@ -3,6 +3,7 @@
 #include "fileops/workplace.h"
 
 #include <functional>
+#include <optional>
 
 /// The nine permission bits as three digits 0..7.
 struct PermissionDigits {
@@ -29,6 +30,8 @@ public:
     void mnu_rechte_Click();
 
 private:
+    [[nodiscard]] std::optional<QString> setMode(const MarkedItem &item, const QString &mode);
+
     Workplace m_work;
     std::function<void()> m_dialog;
 };

@@ -27,6 +27,8 @@ public:
     void ViewLocalFile(int row);
 
 private:
+    [[nodiscard]] bool fetch(const PaneRow &entry);
+
     Workplace m_work;
     ProgressDisplay &m_progress;
 };

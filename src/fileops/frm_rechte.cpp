@@ -1,0 +1,146 @@
+#include "fileops/frm_rechte.h"
+
+#include "common/mo_standard.h"
+#include "fileops/permissions.h"
+
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr std::array<int, 3> weights { 4, 2, 1 }; // read, write, run
+
+int digitOf(const std::array<QCheckBox *, 3> &boxes)
+{
+    int digit = 0;
+    for (std::size_t index = 0; index < boxes.size(); ++index) {
+        digit += boxes.at(index)->isChecked() ? weights.at(index) : 0;
+    }
+    return digit;
+}
+
+} // namespace
+
+frm_rechte::frm_rechte(PermissionChoice &choice, QWidget *parent)
+    : QDialog(parent)
+    , m_choice(choice)
+{
+    setObjectName(QStringLiteral("frm_rechte"));
+    setWindowTitle(QStringLiteral("Dateirechte einstellen (Unix chmod)"));
+    build();
+    m_choice.PermissionsConfirmed = false;
+    setBoxes(m_choice.PermissionMode);
+    rechte_aktu();
+}
+
+void frm_rechte::build()
+{
+    auto *groups = new QHBoxLayout;
+    groups->setSpacing(12);
+    groups->addWidget(buildGroup(1, QStringLiteral("Besitzer")));
+    groups->addWidget(buildGroup(2, QStringLiteral("Benutzergruppe")));
+    groups->addWidget(buildGroup(3, QStringLiteral("Andere")));
+
+    lbl_rechte = new QLabel(this);
+    lbl_rechte->setObjectName(QStringLiteral("lbl_rechte"));
+    QFont bold = lbl_rechte->font();
+    bold.setBold(true);
+    lbl_rechte->setFont(bold);
+    QPushButton *chmod = addButton(QStringLiteral("cmd_chmod"), QStringLiteral("chmod 755"));
+    chmod->setToolTip(QStringLiteral("Wird häufig für Dateien im cgi-bin Ordner benötigt"));
+    connect(chmod, &QPushButton::clicked, this, &frm_rechte::cmd_chmod_Click);
+    auto *number = new QHBoxLayout;
+    number->setSpacing(6);
+    number->addWidget(new QLabel(QStringLiteral("Gewählte Unix Dateirechte:"), this));
+    number->addWidget(lbl_rechte, 1);
+    number->addWidget(chmod);
+
+    QPushButton *ok = addButton(QStringLiteral("cmd_ok"), QStringLiteral("&Ok"));
+    ok->setDefault(true);
+    connect(ok, &QPushButton::clicked, this, &frm_rechte::cmd_ok_Click);
+    QPushButton *cancel = addButton(QStringLiteral("cmd_abbrechen"), QStringLiteral("&Abbrechen"));
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    QPushButton *help = addButton(QStringLiteral("cmd_hilfe"), QStringLiteral("Hilfe"));
+    connect(help, &QPushButton::clicked, this, &frm_rechte::cmd_hilfe_Click);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(6);
+    buttons->addWidget(help);
+    buttons->addStretch();
+    buttons->addWidget(ok);
+    buttons->addWidget(cancel);
+
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(12, 12, 12, 12);
+    whole->setSpacing(12);
+    whole->addLayout(groups);
+    whole->addLayout(number);
+    whole->addLayout(buttons);
+}
+
+QGroupBox *frm_rechte::buildGroup(int number, const QString &title)
+{
+    static const std::array<QString, 3> captions { QStringLiteral("lesen"),
+                                                   QStringLiteral("schreiben"),
+                                                   QStringLiteral("ausführen") };
+    auto *group = new QGroupBox(title, this);
+    auto *column = new QVBoxLayout(group);
+    column->setSpacing(6);
+    for (std::size_t index = 0; index < captions.size(); ++index) {
+        auto *box = new QCheckBox(captions.at(index), group);
+        box->setObjectName(QStringLiteral("chk_rechte%1_%2").arg(number).arg(index));
+        column->addWidget(box);
+        connect(box, &QCheckBox::toggled, this, &frm_rechte::rechte_aktu);
+        m_boxes.at(static_cast<std::size_t>(number - 1)).at(index) = box;
+    }
+    return group;
+}
+
+QPushButton *frm_rechte::addButton(const QString &name, const QString &caption)
+{
+    auto *button = new QPushButton(caption, this);
+    button->setObjectName(name);
+    button->setAutoDefault(false);
+    return button;
+}
+
+void frm_rechte::rechte_aktu()
+{
+    const PermissionDigits digits { digitOf(m_boxes[0]), digitOf(m_boxes[1]), digitOf(m_boxes[2]) };
+    lbl_rechte->setText(QString::number(modeOf(digits)));
+}
+
+void frm_rechte::setBoxes(int mode)
+{
+    const PermissionDigits digits = digitsOf(mode);
+    const std::array<int, 3> values { digits.owner, digits.group, digits.others };
+    for (std::size_t group = 0; group < m_boxes.size(); ++group) {
+        for (std::size_t index = weights.size(); index-- > 0;) {
+            m_boxes.at(group).at(index)->setChecked((values.at(group) & weights.at(index)) != 0);
+        }
+    }
+}
+
+void frm_rechte::cmd_ok_Click()
+{
+    m_choice.PermissionMode = clampMode(lenientInteger(lbl_rechte->text()));
+    m_choice.PermissionsConfirmed = true;
+    accept();
+}
+
+void frm_rechte::cmd_chmod_Click()
+{
+    setBoxes(755);
+    cmd_ok_Click();
+}
+
+void frm_rechte::cmd_hilfe_Click()
+{
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier);
+    QCoreApplication::sendEvent(this, &press);
+}

@@ -1,0 +1,68 @@
+#include "fileops/permissions.h"
+
+#include "fileops/marking.h"
+
+#include <algorithm>
+
+PermissionDigits digitsOf(int mode)
+{
+    const int value = std::max(mode, 0);
+    return { value / 100 % 10, value / 10 % 10, value % 10 };
+}
+
+int modeOf(const PermissionDigits &digits)
+{
+    return digits.owner * 100 + digits.group * 10 + digits.others;
+}
+
+int clampMode(qint64 mode)
+{
+    return static_cast<int>(std::clamp<qint64>(mode, 0, 777));
+}
+
+void PermissionCommand::mnu_rechte_Click()
+{
+    Globals &globals = m_work.globals;
+    if (!mayStart(m_work.ftp)) {
+        return;
+    }
+    m_dialog();
+    if (!globals.permissions.PermissionsConfirmed || !mayStart(m_work.ftp)) {
+        return;
+    }
+    const QString mode = QString::number(globals.permissions.PermissionMode);
+    QueueRow record { QStringLiteral("Dateirechte"), QStringLiteral("setzen auf"), mode,
+                      QStringLiteral(">"), m_work.remote.folder(), globals.connection.RemoteHost,
+                      {}, false };
+    MarkSelectedRemote(m_work.remote, globals, false);
+    const MarkedItemList items = globals.marked;
+    QStringList refusals;
+    for (int slot = 1; slot < items.MarkedCount; ++slot) {
+        const MarkedItem &item = items.MarkedItems.at(slot);
+        if (const auto refusal = setMode(item, mode)) {
+            refusals.append(item.name + QStringLiteral(": ") + *refusal);
+        }
+    }
+    record.failed = !refusals.isEmpty();
+    record.detail = refusals.join(u'\n');
+    m_work.shell.AddQueueRow(record);
+}
+
+std::optional<QString> PermissionCommand::setMode(const MarkedItem &item, const QString &mode)
+{
+    // The reply completes the line.
+    m_work.shell.AppendLog(item.name + QStringLiteral(" > "));
+    const FtpStatus sent
+        = m_work.ftp.sendRaw(QStringLiteral("SITE chmod ") + mode + u' ' + item.name);
+    if (const int row = rowOf(m_work.remote, item); row >= 0) {
+        PaneRow entry = m_work.remote.model().row(row);
+        entry.marked = false;
+        // Intended: also after a refusal; the log tells.
+        entry.permissions = mode;
+        m_work.remote.model().changeRow(row, entry);
+    }
+    if (!sent) {
+        return sent.error().text;
+    }
+    return std::nullopt;
+}
