@@ -5,8 +5,6 @@
 
 #include <optional>
 
-class QWidget;
-
 /// What frmTransfer shows.
 struct ConflictQuestion {
     QString caption, message;
@@ -30,23 +28,6 @@ public:
     /// The new name of the existing file, never empty, without blanks at its ends; nothing when
     /// cancelled.
     [[nodiscard]] virtual std::optional<QString> askNewName(const QString &existing) = 0;
-};
-
-/// The real dialogs over a window.
-class WindowConflictDialogs : public ConflictDialogs {
-public:
-    WindowConflictDialogs(Prompts &prompts, QWidget *window)
-        : m_prompts(prompts)
-        , m_window(window)
-    {
-    }
-
-    [[nodiscard]] ConflictReply askTransfer(const ConflictQuestion &question) override;
-    [[nodiscard]] std::optional<QString> askNewName(const QString &existing) override;
-
-private:
-    Prompts &m_prompts;
-    QWidget *m_window;
 };
 
 /// Asks about the item in Globals::transfer and sets its flags; renames the existing file when

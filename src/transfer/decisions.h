@@ -3,18 +3,20 @@
 #include "common/globals.h"
 #include "transfer/conflict.h"
 
-/// What frmTransfer's load does to the flags.
+/// Captions, message and whether resuming is offered.
+[[nodiscard]] ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport);
+/// What frmTransfer's load does to the flags: leaving it by its frame skips the item.
 void loadConflict(TransferState &state);
 /// What the four buttons and "Alle" do to the flags.
 void applyReply(TransferState &state, const ConflictReply &reply);
-/// Captions, message and whether resuming is offered.
-[[nodiscard]] ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport);
 
-/// Whether an existing file is asked about (sizes as in the state). Decisions that "Alle" made
-/// before are then applied to the state by decideAgain.
+/// Whether a file of the same name stands at the target; an empty one does not count.
+[[nodiscard]] bool fileConflict(const TransferState &state);
+/// Whether a file's conflict is asked about; otherwise "Alle" has decided it.
 [[nodiscard]] bool asksForFile(const TransferState &state);
-[[nodiscard]] bool asksForFolder(const TransferState &state, bool targetExists);
-/// A conflict that "Alle" has decided already.
+/// Whether a folder that stands at the target is asked about.
+[[nodiscard]] bool asksForFolder(const TransferState &state);
+/// Decides a file's conflict by the earlier answer.
 void decideAgain(TransferState &state);
 /// After the dialog: an overwritten target starts at 0.
 void applyOverwrite(TransferState &state);

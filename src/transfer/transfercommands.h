@@ -1,8 +1,7 @@
 #pragma once
 
 #include "common/shell.h"
-#include "transfer/download.h"
-#include "transfer/upload.h"
+#include "transfer/tools.h"
 
 /// The commands that start a transfer: buttons, double clicks, drops and the queue's repeat.
 /// Each does and says nothing unless the session is idle.
@@ -29,5 +28,9 @@ public:
     void RetryTransfers(const QList<QueueRow> &rows);
 
 private:
+    [[nodiscard]] QString localTarget() const;
+    [[nodiscard]] QString remoteTarget() const;
+    [[nodiscard]] bool dropConfirmed(Pane &source, const QString &text, const QString &title);
+
     TransferTools m_tools;
 };

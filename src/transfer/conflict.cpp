@@ -1,0 +1,73 @@
+#include "transfer/conflict.h"
+
+#include "common/mo_standard.h"
+#include "fileops/rename.h"
+#include "transfer/decisions.h"
+
+namespace {
+
+const QString lineBreak = QStringLiteral("\r\n");
+
+bool paneHolds(Pane &pane, const QString &folder, const QString &name)
+{
+    return withSeparator(pane.folder(), folder.back()) == folder && pane.model().findRow(name) >= 0;
+}
+
+void renameRemote(const Workplace &work, const QString &name)
+{
+    const TransferState &item = work.globals.transfer;
+    if (work.remote.model().findRow(name) >= 0) {
+        return;
+    }
+    const FtpResult<bool> taken = remoteNameTaken(work.ftp, name);
+    if (!taken || *taken) {
+        work.shell.AppendLog(name + QStringLiteral(": Der Name ist schon vergeben.") + lineBreak);
+        return;
+    }
+    ignoreError(work.ftp.rename(item.RemoteDir + item.RemoteName, item.RemoteDir + name),
+                "the reply is in the log, and the question comes back");
+    work.remote.listFolder(item.RemoteDir);
+}
+
+void renameLocalFile(const Workplace &work, const QString &name)
+{
+    const TransferState &item = work.globals.transfer;
+    if (paneHolds(work.local, item.LocalDir, name)) {
+        return;
+    }
+    if (const auto failed = renameLocal(item.LocalDir + item.LocalName, item.LocalDir + name)) {
+        work.shell.AppendLog(lineBreak + *failed + lineBreak);
+    }
+}
+
+void renameExisting(const Workplace &work, const QString &name)
+{
+    if (work.globals.transfer.IsUpload) {
+        renameRemote(work, name);
+    } else {
+        renameLocalFile(work, name);
+    }
+}
+
+} // namespace
+
+void askConflict(const Workplace &work, ConflictDialogs &dialogs)
+{
+    TransferState &item = work.globals.transfer;
+    for (;;) {
+        loadConflict(item);
+        // Intended: after a rename the question comes back with the sizes of the first one.
+        const ConflictReply reply
+            = dialogs.askTransfer(conflictQuestion(item, work.globals.session.ResumeSupport));
+        applyReply(item, reply);
+        if (reply.answer != ConflictAnswer::Rename) {
+            return;
+        }
+        const auto name = dialogs.askNewName(item.IsUpload ? item.RemoteName : item.LocalName);
+        if (!name) {
+            item.SkipCurrent = true;
+            return;
+        }
+        renameExisting(work, *name);
+    }
+}

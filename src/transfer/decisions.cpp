@@ -1,0 +1,99 @@
+#include "transfer/decisions.h"
+
+namespace {
+
+/// Size of the file that would be overwritten; the resume offset later on.
+qint64 &targetSize(TransferState &state)
+{
+    return state.IsUpload ? state.RemoteSize : state.LocalSize;
+}
+
+/// Intended: no blank between path and parenthesis.
+QString described(const QString &path, qint64 size)
+{
+    return path + u'(' + QString::number(size) + u')';
+}
+
+} // namespace
+
+ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport)
+{
+    const QString local = described(state.LocalDir + state.LocalName, state.LocalSize);
+    const QString remote = described(state.RemoteDir + state.RemoteName, state.RemoteSize);
+    const auto message = [](const QString &target, const QString &source) {
+        return QStringLiteral("Überschreiben ") + target + QStringLiteral(" mit ") + source;
+    };
+    if (state.IsUpload) {
+        return { QStringLiteral("Dateiupload..."), message(remote, local),
+                 state.RemoteSize < state.LocalSize };
+    }
+    // Intended: the caption speaks of an upload for downloads, too.
+    return { QStringLiteral("Dateiupload fortsetzen..."), message(local, remote),
+             state.LocalSize < state.RemoteSize && resumeSupport };
+}
+
+void loadConflict(TransferState &state)
+{
+    state.SkipCurrent = true;
+    state.RenameChosen = false;
+    state.ApplyToAll = 0;
+}
+
+void applyReply(TransferState &state, const ConflictReply &reply)
+{
+    state.ApplyToAll = reply.applyToAll ? 1 : 0;
+    state.RenameChosen = reply.answer == ConflictAnswer::Rename;
+    if (reply.answer == ConflictAnswer::Overwrite || reply.answer == ConflictAnswer::Resume) {
+        state.SkipCurrent = false;
+        state.OverwriteChosen = reply.answer == ConflictAnswer::Overwrite;
+    } else if (reply.answer == ConflictAnswer::Skip) {
+        state.SkipCurrent = true;
+    }
+}
+
+bool fileConflict(const TransferState &state)
+{
+    return (state.IsUpload ? state.RemoteSize : state.LocalSize) > 0;
+}
+
+bool asksForFile(const TransferState &state)
+{
+    if (state.ApplyToAll != 1) {
+        return true;
+    }
+    return state.IsUpload && state.RenameChosen;
+}
+
+bool asksForFolder(const TransferState &state)
+{
+    return state.ApplyToAll != 1 || state.RenameChosen;
+}
+
+void decideAgain(TransferState &state)
+{
+    // Intended: "Alle" overwrites downloads even when the earlier answer was to resume, while
+    // uploads repeat that answer.
+    if (!state.IsUpload || state.OverwriteChosen) {
+        targetSize(state) = 0;
+    }
+}
+
+void applyOverwrite(TransferState &state)
+{
+    if (state.OverwriteChosen) {
+        targetSize(state) = 0;
+    }
+}
+
+void FinishTransferItem(TransferState &state)
+{
+    if (state.ApplyToAll != 1) {
+        state.SkipCurrent = false;
+    }
+}
+
+QString multiplePattern(const QString &folder, QChar separator)
+{
+    const QString pattern = folder + separator + u'*';
+    return folder.contains(u' ') ? u'"' + pattern + u'"' : pattern;
+}

@@ -1,0 +1,80 @@
+#include "transfer/progressmodel.h"
+
+#include "common/mo_standard.h"
+
+#include <algorithm>
+
+namespace {
+constexpr qsizetype LongestItemText = 15;
+}
+
+void ProgressModel::setMaximumFor(qint64 size)
+{
+    if (size > 0) {
+        m_maximum = size;
+        Q_EMIT changed();
+    }
+}
+
+void ProgressModel::setValue(qint64 value)
+{
+    m_value = std::clamp<qint64>(value, 0, m_maximum);
+    Q_EMIT changed();
+}
+
+void ProgressModel::finish()
+{
+    m_value = 0;
+    m_rate.clear();
+    Q_EMIT changed();
+}
+
+bool ProgressModel::report(const FtpEvent &event, const TransferState &state)
+{
+    if (event.status != FtpEvent::InProgress) {
+        return false;
+    }
+    switch (event.operation) {
+    case OpGetFile:
+        advance(state.LocalSize + event.bytes);
+        break;
+    case OpPutFile:
+        advance(state.RemoteSize + event.bytes);
+        break;
+    case OpGetMultiple:
+    case OpPutMultiple:
+        m_maximum = event.total > 0 ? event.total : m_maximum;
+        advance(event.bytes);
+        break;
+    default:
+        return false;
+    }
+    m_rate = FormatSize(m_value);
+    Q_EMIT changed();
+    return true;
+}
+
+void ProgressModel::advance(qint64 done)
+{
+    if (done <= m_maximum) {
+        m_value = std::max<qint64>(done, 0);
+        return;
+    }
+    // The listing's size was too small: the bar is full for a moment and then gets room again.
+    m_value = m_maximum;
+    m_maximum = done + done / 10;
+}
+
+void ProgressModel::ShowTransferItem(const QString &text, const QString &sizeText)
+{
+    m_file = text.size() > LongestItemText ? text.left(LongestItemText) + QStringLiteral("...") : text;
+    m_rate = sizeText.isEmpty() ? QString() : QStringLiteral("0 Bytes");
+    m_size = sizeText.isEmpty() ? QString()
+                                : QStringLiteral("von ") + FormatSize(lenientInteger(sizeText));
+    Q_EMIT changed();
+}
+
+int ProgressModel::percent() const
+{
+    return static_cast<int>(static_cast<double>(m_value) * 100.0 / static_cast<double>(m_maximum));
+}

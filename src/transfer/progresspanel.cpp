@@ -1,0 +1,85 @@
+#include "transfer/progresspanel.h"
+
+#include "transfer/progressmodel.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <limits>
+
+namespace {
+
+/// A label of fixed width: nothing moves when its text changes.
+QLabel *addLabel(QWidget *parent, const QString &name, const QString &widest, Qt::Alignment alignment)
+{
+    auto *label = new QLabel(parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(alignment | Qt::AlignVCenter);
+    label->setFixedWidth(label->fontMetrics().horizontalAdvance(widest));
+    return label;
+}
+
+/// The bar counts in 31 bits: larger amounts are shown in units of a power of two.
+int unitShift(qint64 maximum)
+{
+    int shift = 0;
+    while ((maximum >> shift) > std::numeric_limits<int>::max()) {
+        ++shift;
+    }
+    return shift;
+}
+
+} // namespace
+
+ProgressPanel::ProgressPanel(ProgressModel &model, QWidget *parent)
+    : QFrame(parent)
+    , m_model(model)
+{
+    setObjectName(QStringLiteral("frame_transfer"));
+    build();
+    connect(&model, &ProgressModel::changed, this, &ProgressPanel::showModel);
+    showModel();
+}
+
+void ProgressPanel::setAbortEnabled(bool enabled)
+{
+    cmdAbort->setEnabled(enabled);
+}
+
+void ProgressPanel::build()
+{
+    lblFileName = addLabel(this, QStringLiteral("lblFileName"), QStringLiteral("Ordner: MMMMMMM..."),
+                           Qt::AlignLeft);
+    Progress = new QProgressBar(this);
+    Progress->setObjectName(QStringLiteral("Progress"));
+    Progress->setAccessibleName(QStringLiteral("Fortschritt"));
+    Progress->setTextVisible(false);
+    lblRate = addLabel(this, QStringLiteral("lblRate"), QStringLiteral("99999,9 MB"), Qt::AlignRight);
+    lblFileSize = addLabel(this, QStringLiteral("lblFileSize"), QStringLiteral("von 99999,9 MB"),
+                           Qt::AlignLeft);
+    cmdAbort = new QPushButton(QStringLiteral("Abbrechen"), this);
+    cmdAbort->setObjectName(QStringLiteral("cmdAbort"));
+    cmdAbort->setEnabled(false);
+    connect(cmdAbort, &QPushButton::clicked, this, &ProgressPanel::abortClicked);
+
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(6);
+    row->addWidget(lblFileName);
+    row->addWidget(Progress, 1);
+    row->addWidget(lblRate);
+    row->addWidget(lblFileSize);
+    row->addWidget(cmdAbort);
+}
+
+void ProgressPanel::showModel()
+{
+    const int shift = unitShift(m_model.maximum());
+    Progress->setMaximum(static_cast<int>(m_model.maximum() >> shift));
+    Progress->setValue(static_cast<int>(m_model.value() >> shift));
+    lblFileName->setText(m_model.fileText());
+    lblRate->setText(m_model.rateText());
+    lblFileSize->setText(m_model.sizeText());
+}

@@ -1,0 +1,171 @@
+#include "transfer/queuemodel.h"
+
+#include <QCollator>
+#include <QStyle>
+#include <QApplication>
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+QString cellText(const QueueRow &row, int column)
+{
+    switch (column) {
+    case QueueModel::Status:
+        return row.status;
+    case QueueModel::Local:
+        return row.local;
+    case QueueModel::Size:
+        return row.size;
+    case QueueModel::Direction:
+        return row.direction;
+    case QueueModel::Remote:
+        return row.remote;
+    case QueueModel::Server:
+        return row.server;
+    default:
+        return {};
+    }
+}
+
+/// Directions stand only in rows of downloads and uploads.
+bool isFailedTransfer(const QueueRow &row)
+{
+    return row.failed
+        && (row.direction == QStringLiteral("<--") || row.direction == QStringLiteral("-->"));
+}
+
+QVariant statusIcon(const QueueRow &row)
+{
+    return QApplication::style()->standardIcon(row.failed ? QStyle::SP_MessageBoxWarning
+                                                          : QStyle::SP_DialogApplyButton);
+}
+
+QString toolTip(const QueueRow &row, int column)
+{
+    return column == QueueModel::Status && !row.detail.isEmpty() ? row.detail
+                                                                 : cellText(row, column);
+}
+
+} // namespace
+
+int QueueModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+int QueueModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant QueueModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
+        return {};
+    }
+    const QueueRow &row = m_rows.at(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+        return cellText(row, index.column());
+    case Qt::ToolTipRole:
+        return toolTip(row, index.column());
+    case Qt::DecorationRole:
+        return index.column() == Status ? statusIcon(row) : QVariant();
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(Qt::Alignment(
+            Qt::AlignVCenter | (index.column() == Size ? Qt::AlignRight : Qt::AlignLeft)));
+    case FailedRole:
+        return row.failed;
+    case DetailRole:
+        return row.detail;
+    default:
+        return {};
+    }
+}
+
+QVariant QueueModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    static const QStringList headers {
+        QStringLiteral("Status"),   QStringLiteral("Lokal"),
+        QStringLiteral("Größe"),    QStringLiteral("Richtung"),
+        QStringLiteral("Server Verzeichnis"), QStringLiteral("Server"),
+    };
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
+        return {};
+    }
+    return headers.value(section);
+}
+
+QHash<int, QByteArray> QueueModel::roleNames() const
+{
+    QHash<int, QByteArray> names = QAbstractTableModel::roleNames();
+    names.insert(FailedRole, "failed");
+    names.insert(DetailRole, "detail");
+    return names;
+}
+
+void QueueModel::sort(int column, Qt::SortOrder /*order*/)
+{
+    QCollator collator;
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    Q_EMIT layoutAboutToBeChanged();
+    // Intended: always ascending; a second click does not turn the order round.
+    QList<int> order(m_rows.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
+        return collator.compare(cellText(m_rows.at(a), column), cellText(m_rows.at(b), column)) < 0;
+    });
+    QList<QueueRow> sorted;
+    sorted.reserve(m_rows.size());
+    QList<int> placeOf(m_rows.size());
+    for (const int row : std::as_const(order)) {
+        placeOf[row] = static_cast<int>(sorted.size());
+        sorted.append(m_rows.at(row));
+    }
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    for (const QModelIndex &old : before) {
+        after.append(index(placeOf.at(old.row()), old.column()));
+    }
+    m_rows = sorted;
+    changePersistentIndexList(before, after);
+    Q_EMIT layoutChanged();
+}
+
+void QueueModel::append(const QueueRow &row)
+{
+    const int at = rowCount();
+    beginInsertRows({}, at, at);
+    m_rows.append(row);
+    endInsertRows();
+}
+
+void QueueModel::removeRowsAt(const QList<int> &rows)
+{
+    // Every removal moves the later rows up by one.
+    for (int done = 0; done < rows.size(); ++done) {
+        const int at = rows.at(done) - done;
+        beginRemoveRows({}, at, at);
+        m_rows.removeAt(at);
+        endRemoveRows();
+    }
+}
+
+QList<QueueRow> QueueModel::takeFailedTransfers()
+{
+    QList<QueueRow> result;
+    for (int row = 0; row < m_rows.size(); ++row) {
+        if (isFailedTransfer(m_rows.at(row))) {
+            result.append(m_rows.at(row));
+            m_rows[row].failed = false;
+            Q_EMIT dataChanged(index(row, 0), index(row, ColumnCount - 1));
+        }
+    }
+    return result;
+}
+
+bool QueueModel::hasFailedTransfers() const
+{
+    return std::any_of(m_rows.begin(), m_rows.end(), isFailedTransfer);
+}

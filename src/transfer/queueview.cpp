@@ -1,0 +1,93 @@
+#include "transfer/queueview.h"
+
+#include "common/prompts.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+#include <algorithm>
+
+QueueView::QueueView(QueueModel &model, Prompts &prompts, QWidget *parent)
+    : QTreeView(parent)
+    , m_model(model)
+    , m_prompts(prompts)
+{
+    setObjectName(QStringLiteral("lvwStatus"));
+    setAccessibleName(QStringLiteral("Übertragungen"));
+    setModel(&model);
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setSelectionMode(ExtendedSelection);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    header()->setSectionsClickable(true);
+    connect(header(), &QHeaderView::sectionClicked, this,
+            [this](int column) { m_model.sort(column); });
+    connect(this, &QWidget::customContextMenuRequested, this, &QueueView::showMenu);
+}
+
+void QueueView::AddQueueRow(const QueueRow &row)
+{
+    m_model.append(row);
+    scrollTo(m_model.index(m_model.rowCount() - 1, 0));
+}
+
+void QueueView::DeleteSelectedQueueRows()
+{
+    // Intended: the question comes also with nothing selected.
+    if (m_prompts.confirm(QStringLiteral("Delete queue items selected?"),
+                          QStringLiteral("Confirm Delete Queue Items"))) {
+        m_model.removeRowsAt(selectedRows());
+    }
+}
+
+QList<int> QueueView::selectedRows() const
+{
+    QList<int> rows;
+    for (const QModelIndex &index : selectionModel()->selectedRows()) {
+        rows.append(index.row());
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+void QueueView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Delete) {
+        DeleteSelectedQueueRows();
+    } else {
+        QTreeView::keyPressEvent(event);
+    }
+}
+
+void QueueView::showMenu(const QPoint &position)
+{
+    const QModelIndex at = indexAt(position);
+    QMenu menu(this);
+    QAction *retry = menu.addAction(QStringLiteral("Fehlgeschlagene erneut übertragen"));
+    retry->setEnabled(m_model.hasFailedTransfers());
+    QAction *open = menu.addAction(QStringLiteral("Lokalen Ordner öffnen"));
+    open->setEnabled(at.isValid() && m_model.row(at.row()).local.startsWith(u'/'));
+    QAction *copy = menu.addAction(QStringLiteral("Zeile kopieren"));
+    copy->setEnabled(at.isValid());
+    const QAction *chosen = menu.exec(viewport()->mapToGlobal(position));
+    if (chosen == retry) {
+        Q_EMIT retryRequested(m_model.takeFailedTransfers());
+    } else if (chosen == open) {
+        const QString local = m_model.row(at.row()).local;
+        Q_EMIT openFolderRequested(local.left(local.lastIndexOf(u'/') + 1));
+    } else if (chosen == copy) {
+        copyRow(at.row());
+    }
+}
+
+void QueueView::copyRow(int row) const
+{
+    QStringList cells;
+    for (int column = 0; column < QueueModel::ColumnCount; ++column) {
+        cells.append(m_model.index(row, column).data().toString());
+    }
+    QGuiApplication::clipboard()->setText(cells.join(u'\t'));
+}

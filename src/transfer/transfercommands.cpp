@@ -1,0 +1,140 @@
+#include "transfer/transfercommands.h"
+
+#include "common/mo_standard.h"
+#include "fileops/marking.h"
+#include "remote/itemkind.h"
+#include "transfer/download.h"
+#include "transfer/upload.h"
+
+#include <QFileInfo>
+
+namespace {
+
+/// Folder that a drop goes to: the folder row under the pointer, else the folder of the pane.
+QString dropTarget(Pane &pane, int row, const QString &folder, QChar separator)
+{
+    if (row >= 0 && row < pane.model().rowCount()) {
+        const PaneRow &entry = pane.model().row(row);
+        if (ItemKind::isFolderLike(entry.kind)) {
+            return folder + entry.name + separator;
+        }
+    }
+    return folder;
+}
+
+/// One batch of the queue's repeat: rows of one direction between the same two folders.
+struct Retry {
+    bool upload = false;
+    QString source, target;
+    [[nodiscard]] bool operator==(const Retry &) const = default;
+};
+
+QString folderOf(const QString &path)
+{
+    return path.left(path.lastIndexOf(u'/') + 1);
+}
+
+Retry retryOf(const QueueRow &row)
+{
+    const bool upload = row.direction == QStringLiteral("-->");
+    return { upload, folderOf(upload ? row.local : row.remote),
+             folderOf(upload ? row.remote : row.local) };
+}
+
+MarkedItem itemOf(const QueueRow &row)
+{
+    // Only folders have no size in the queue.
+    return { row.local.mid(row.local.lastIndexOf(u'/') + 1), retryOf(row).source,
+             row.size.isEmpty() ? ItemKind::FolderClose : ItemKind::File, row.size, -1 };
+}
+
+} // namespace
+
+QString TransferCommands::localTarget() const
+{
+    QString text = m_tools.work.local.folder();
+    // A folder that has brackets in its name is no annotation of another one.
+    return QFileInfo(text).isDir() ? withSeparator(text, LocalSeparator)
+                                   : NormalizeFolderPath(text, LocalSeparator);
+}
+
+QString TransferCommands::remoteTarget() const
+{
+    QString text = m_tools.work.remote.folder();
+    const QString literal = withSeparator(text, u'/');
+    return literal == withSeparator(m_tools.work.ftp.currentFolder(), u'/')
+        ? literal
+        : NormalizeFolderPath(text, u'/');
+}
+
+void TransferCommands::cmd_download_Click()
+{
+    if (!mayStart(m_tools.work.ftp) || m_tools.work.remote.model().rowCount() < 1) {
+        return;
+    }
+    if (MarkSelectedRemote(m_tools.work.remote, m_tools.work.globals, false) > 0) {
+        Download(m_tools).DownloadSelection(localTarget());
+    }
+}
+
+void TransferCommands::cmd_upload_Click()
+{
+    if (!mayStart(m_tools.work.ftp)) {
+        return;
+    }
+    if (MarkSelectedLocal(m_tools.work.local, m_tools.work.globals, false) > 0) {
+        Upload(m_tools).UploadSelection(remoteTarget());
+    }
+}
+
+void TransferCommands::dropOnLocal(int row)
+{
+    const QString target = dropTarget(m_tools.work.local, row, localTarget(), LocalSeparator);
+    if (dropConfirmed(m_tools.work.remote, QStringLiteral(" Dateien oder Ordner Downloaden?"),
+                      QStringLiteral("Retrieve..."))) {
+        Download(m_tools).DownloadSelection(target);
+    }
+}
+
+void TransferCommands::dropOnRemote(int row)
+{
+    const QString target = dropTarget(m_tools.work.remote, row, remoteTarget(), u'/');
+    if (dropConfirmed(m_tools.work.local, QStringLiteral(" Dateien oder Ordner Uploaden?"),
+                      QStringLiteral("Store..."))) {
+        Upload(m_tools).UploadSelection(target);
+    }
+}
+
+bool TransferCommands::dropConfirmed(Pane &source, const QString &text, const QString &title)
+{
+    const int count = m_tools.work.globals.marked.count();
+    if (count > 0 && mayStart(m_tools.work.ftp)
+        && m_tools.work.prompts.confirm(QString::number(count) + text, title)) {
+        return true;
+    }
+    UnmarkAll(source, m_tools.work.globals);
+    return false;
+}
+
+void TransferCommands::RetryTransfers(const QList<QueueRow> &rows)
+{
+    Globals &globals = m_tools.work.globals;
+    for (qsizetype at = 0; at < rows.size();) {
+        if (!mayStart(m_tools.work.ftp)) {
+            return;
+        }
+        const Retry batch = retryOf(rows.at(at));
+        globals.marked = {};
+        for (; at < rows.size() && retryOf(rows.at(at)) == batch; ++at) {
+            if (rows.at(at).server == globals.connection.RemoteHost) {
+                globals.marked.MarkedItems.append(itemOf(rows.at(at)));
+                ++globals.marked.MarkedCount;
+            }
+        }
+        if (globals.marked.count() > 0 && batch.upload) {
+            Upload(m_tools).UploadSelection(batch.target);
+        } else if (globals.marked.count() > 0) {
+            Download(m_tools).DownloadSelection(batch.target);
+        }
+    }
+}

@@ -1,0 +1,160 @@
+#include "transfer/progressmodel.h"
+#include "transfer/progresspanel.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr qint64 GiB = 1024LL * 1024 * 1024;
+
+FtpEvent bytes(int operation, qint64 count, qint64 total = 0)
+{
+    return { operation, FtpEvent::InProgress, {}, count, total };
+}
+
+QString labelText(const QWidget &panel, const char *name)
+{
+    return panel.findChild<QLabel *>(QLatin1String(name))->text();
+}
+
+} // namespace
+
+TEST(ProgressModel, CountsFromTheOffsetOfItsDirection)
+{
+    TransferState state;
+    state.LocalSize = 100;
+    state.RemoteSize = 1000;
+    ProgressModel model;
+    model.setMaximumFor(10000);
+    EXPECT_TRUE(model.report(bytes(14, 5), state));
+    EXPECT_EQ(model.value(), 105);
+    EXPECT_TRUE(model.report(bytes(15, 7), state));
+    EXPECT_EQ(model.value(), 7);
+    EXPECT_TRUE(model.report(bytes(16, 8), state));
+    EXPECT_EQ(model.value(), 8);
+    EXPECT_TRUE(model.report(bytes(17, 9), state));
+    EXPECT_EQ(model.value(), 1009);
+    EXPECT_EQ(model.rateText(), QStringLiteral("1,0 KB"));
+}
+
+TEST(ProgressModel, LeavesTheBarAloneForOtherEvents)
+{
+    ProgressModel model;
+    model.setMaximumFor(100);
+    model.setValue(40);
+    EXPECT_FALSE(model.report(bytes(13, 5), {}));
+    EXPECT_FALSE(model.report(bytes(18, 5), {}));
+    EXPECT_FALSE(model.report({ 14, FtpEvent::Completed, {}, 5, 0 }, {}));
+    EXPECT_EQ(model.value(), 40);
+    EXPECT_EQ(model.rateText(), QString());
+}
+
+TEST(ProgressModel, RaisesAMaximumThatWasTooSmall)
+{
+    ProgressModel model;
+    model.setMaximumFor(1000);
+    ASSERT_TRUE(model.report(bytes(14, 2000), {}));
+    EXPECT_EQ(model.value(), 1000);
+    EXPECT_EQ(model.maximum(), 2200);
+    EXPECT_EQ(model.rateText(), QStringLiteral("1000 B"));
+    ASSERT_TRUE(model.report(bytes(14, 2200), {}));
+    EXPECT_EQ(model.value(), 2200);
+    EXPECT_EQ(model.maximum(), 2200);
+}
+
+TEST(ProgressModel, ASizeOfZeroLeavesTheMaximum)
+{
+    ProgressModel model;
+    EXPECT_EQ(model.maximum(), 100);
+    model.setMaximumFor(777);
+    model.setMaximumFor(0);
+    EXPECT_EQ(model.maximum(), 777);
+}
+
+TEST(ProgressModel, CountsBeyondThirtyTwoBits)
+{
+    TransferState state;
+    state.LocalSize = 4 * GiB + GiB / 2;
+    ProgressModel model;
+    model.setMaximumFor(5 * GiB);
+    ASSERT_TRUE(model.report(bytes(14, GiB / 4), state));
+    EXPECT_EQ(model.value(), 4 * GiB + GiB * 3 / 4);
+    EXPECT_EQ(model.percent(), 95);
+    ASSERT_TRUE(model.report(bytes(14, 20 * GiB), {}));
+    EXPECT_EQ(model.maximum(), 22 * GiB);
+}
+
+TEST(ProgressModel, FollowsTheKnownTotalOfATree)
+{
+    ProgressModel model;
+    model.setMaximumFor(100);
+    ASSERT_TRUE(model.report(bytes(15, 500, 4000), {}));
+    EXPECT_EQ(model.value(), 500);
+    EXPECT_EQ(model.maximum(), 4000);
+    ASSERT_TRUE(model.report(bytes(15, 600, 6000), {}));
+    EXPECT_EQ(model.maximum(), 6000);
+}
+
+TEST(ProgressModel, FinishingEmptiesBarAndRate)
+{
+    ProgressModel model;
+    model.setMaximumFor(10);
+    ASSERT_TRUE(model.report(bytes(17, 10), {}));
+    model.finish();
+    EXPECT_EQ(model.value(), 0);
+    EXPECT_EQ(model.rateText(), QString());
+    EXPECT_EQ(model.maximum(), 10);
+}
+
+TEST(ShowTransferItem, CutsTextsOfSixteenCharacters)
+{
+    ProgressModel model;
+    model.ShowTransferItem(QStringLiteral("Datei: 12345678"), QStringLiteral("2048"));
+    EXPECT_EQ(model.fileText(), QStringLiteral("Datei: 12345678"));
+    EXPECT_EQ(model.rateText(), QStringLiteral("0 Bytes"));
+    EXPECT_EQ(model.sizeText(), QStringLiteral("von 2,0 KB"));
+    model.ShowTransferItem(QStringLiteral("Datei: 123456789"), {});
+    EXPECT_EQ(model.fileText(), QStringLiteral("Datei: 12345678..."));
+    EXPECT_EQ(model.rateText(), QString());
+    EXPECT_EQ(model.sizeText(), QString());
+    model.ShowTransferItem({}, {});
+    EXPECT_EQ(model.fileText(), QString());
+}
+
+TEST(ProgressPanel, ShowsTheModel)
+{
+    ProgressModel model;
+    ProgressPanel panel(model);
+    EXPECT_EQ(panel.objectName(), QStringLiteral("frame_transfer"));
+    const auto *bar = panel.findChild<QProgressBar *>(QStringLiteral("Progress"));
+    ASSERT_NE(bar, nullptr);
+    model.ShowTransferItem(QStringLiteral("Datei: index.html"), QStringLiteral("3000"));
+    model.setMaximumFor(3000);
+    ASSERT_TRUE(model.report(bytes(14, 1500), {}));
+    EXPECT_EQ(bar->maximum(), 3000);
+    EXPECT_EQ(bar->value(), 1500);
+    EXPECT_EQ(labelText(panel, "lblFileName"), QStringLiteral("Datei: index.ht..."));
+    EXPECT_EQ(labelText(panel, "lblRate"), QStringLiteral("1,5 KB"));
+    EXPECT_EQ(labelText(panel, "lblFileSize"), QStringLiteral("von 2,9 KB"));
+    model.setMaximumFor(8 * GiB);
+    ASSERT_TRUE(model.report(bytes(15, 2 * GiB), {}));
+    EXPECT_NEAR(static_cast<double>(bar->value()) / bar->maximum(), 0.25, 1e-6);
+}
+
+TEST(ProgressPanel, AbortIsOffUntilItIsSwitchedOn)
+{
+    ProgressModel model;
+    ProgressPanel panel(model);
+    auto *abort = panel.findChild<QPushButton *>(QStringLiteral("cmdAbort"));
+    ASSERT_NE(abort, nullptr);
+    EXPECT_EQ(abort->text(), QStringLiteral("Abbrechen"));
+    EXPECT_FALSE(abort->isEnabled());
+    int clicks = 0;
+    QObject::connect(&panel, &ProgressPanel::abortClicked, [&clicks] { ++clicks; });
+    panel.setAbortEnabled(true);
+    abort->click();
+    EXPECT_EQ(clicks, 1);
+}
