@@ -6,6 +6,9 @@
 #include <QPainter>
 #include <QPixmap>
 
+/// The icons lie in a static library, whose resources nobody would link without being asked.
+static void initialiseIcons() { Q_INIT_RESOURCE(icons); }
+
 namespace {
 
 /// Draws another icon at half strength, at whatever size is asked for.
@@ -47,6 +50,8 @@ QHash<QString, QIcon> &cache(bool ghosted)
 
 QIcon Icons::icon(const QString &name)
 {
+    static const bool initialised = (initialiseIcons(), true);
+    Q_UNUSED(initialised);
     QIcon &entry = cache(false)[name];
     if (entry.isNull()) {
         if (const QString file = QStringLiteral(":/icons/") + name + QStringLiteral(".svg");

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "remote/filepane.h"
+#include "remote/panemodel.h"
+
+#include <atomic>
+
+/// What is to be listed.
+struct LocalRequest {
+    QString path; ///< as the box or the program gives it
+    FolderSource source = FolderSource::Box;
+    bool hiddenFile = false; ///< hidden and system entries too
+};
+
+/// One local folder, ready to be shown.
+struct LocalListing {
+    QString folder; ///< folder that was listed; ends in the separator
+    bool readable = false;
+    QList<PaneRow> rows; ///< up row, folders, files; each group by name
+};
+
+/// The folder that a request means: a folder that exists under the very text of the box is taken
+/// as it stands, everything else from a box is normalised. Asks the disk.
+[[nodiscard]] QString localFolderOf(const LocalRequest &request);
+
+/// Reads a folder. May take long and may hang on a dead mount, so it runs beside the window; it
+/// touches nothing but the disk. Errors are passed over step by step.
+/// @param stop  ends the reading early; the result is then of no use
+[[nodiscard]] LocalListing readLocalFolder(const LocalRequest &request,
+                                           const std::atomic_bool &stop);
+
+/// Date and time of a file in the user's locale: short date with four-digit year, and seconds.
+class LocalDates {
+public:
+    LocalDates();
+    [[nodiscard]] QString text(qint64 secondsSinceEpoch);
+
+private:
+    QLocale m_locale;
+    QString m_dateFormat, m_timeFormat;
+    qint64 m_day = -1; ///< day of m_dayText
+    QString m_dayText;
+};

@@ -1,0 +1,168 @@
+#include "local/locallisting.h"
+#include "remote/itemkind.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+class LocalListingTest : public testing::Test {
+protected:
+    QTemporaryDir m_root;
+
+    QString path(const char *name) const { return m_root.filePath(QString::fromUtf8(name)); }
+    void folder(const char *name) const { ASSERT_TRUE(QDir().mkpath(path(name))); }
+    void file(const char *name, int size = 0) const
+    {
+        QFile made(path(name));
+        ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+        made.write(QByteArray(size, 'x'));
+    }
+    LocalListing read(bool hidden = false) const
+    {
+        return readLocalFolder({ m_root.path(), FolderSource::Derived, hidden }, false);
+    }
+    static std::string shape(const LocalListing &listing)
+    {
+        QStringList texts;
+        for (const PaneRow &row : listing.rows) {
+            texts << row.kind + u':' + row.name;
+        }
+        return texts.join(u' ').toStdString();
+    }
+};
+
+} // namespace
+
+TEST_F(LocalListingTest, UpRowThenFoldersThenFilesEachByName)
+{
+    folder("x.txt");
+    folder("Alpha");
+    file("b.txt");
+    file("A.zip");
+    file("10");
+    file("9");
+    EXPECT_EQ(
+        shape(read()),
+        "Cdup: FolderClose:Alpha FolderClose:x.txt File:10 File:9 ZipFile:A.zip TextFile:b.txt");
+}
+
+TEST_F(LocalListingTest, RowsCarrySizeDateAndFullPath)
+{
+    file("seite.html", 1234);
+    ASSERT_EQ(truncate(QFile::encodeName(path("seite.html")).constData(), 5368709120), 0);
+    QFile made(path("seite.html"));
+    ASSERT_TRUE(made.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(
+        made.setFileTime(QDateTime({ 2026, 3, 9 }, { 8, 7, 6 }), QFile::FileModificationTime));
+    const LocalListing listing = read();
+    ASSERT_EQ(listing.rows.size(), 2);
+    EXPECT_EQ(listing.rows.at(1).size, QStringLiteral("5368709120"));
+    EXPECT_EQ(listing.rows.at(1).date, QStringLiteral("09.03.2026 08:07:06"));
+    EXPECT_EQ(listing.rows.at(1).tag, m_root.path() + QStringLiteral("/seite.html"));
+    EXPECT_EQ(listing.folder, m_root.path() + u'/');
+}
+
+TEST_F(LocalListingTest, HiddenAndSystemEntriesNeedTheSetting)
+{
+    file(".htaccess");
+    folder(".git");
+    ASSERT_EQ(mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
+    ASSERT_TRUE(QFile::link(path("nirgends"), path("kaputt")));
+    file("offen");
+    EXPECT_EQ(shape(read(false)), "Cdup: File:offen");
+    EXPECT_EQ(shape(read(true)),
+              "Cdup: FolderClose:.git File:.htaccess File:kaputt File:offen File:pipe");
+}
+
+TEST_F(LocalListingTest, ALinkIsWhatItLeadsTo)
+{
+    folder("ziel");
+    file("datei.txt", 3);
+    ASSERT_TRUE(QFile::link(path("ziel"), path("l1")));
+    ASSERT_TRUE(QFile::link(path("datei.txt"), path("l2.txt")));
+    const LocalListing listing = read();
+    EXPECT_EQ(shape(listing),
+              "Cdup: FolderClose:l1 FolderClose:ziel TextFile:datei.txt TextFile:l2.txt");
+    EXPECT_EQ(listing.rows.at(4).size, QStringLiteral("3"));
+}
+
+TEST_F(LocalListingTest, WildcardsAreOrdinaryCharacters)
+{
+    folder("a*");
+    file("a*/nur hier");
+    folder("ab");
+    file("ab/nicht hier");
+    const LocalListing listing = readLocalFolder({ path("a*"), FolderSource::Box, false }, false);
+    EXPECT_EQ(shape(listing), "Cdup: File:nur hier");
+}
+
+TEST_F(LocalListingTest, AMissingFolderShowsTheUpRow)
+{
+    const LocalListing listing = readLocalFolder({ path("weg"), FolderSource::Box, false }, false);
+    EXPECT_EQ(shape(listing), "Cdup:");
+    EXPECT_FALSE(listing.readable);
+}
+
+TEST_F(LocalListingTest, AFolderWithoutPermissionShowsTheUpRow)
+{
+    if (geteuid() == 0) {
+        // The superuser may read everything; a file in place of the folder fails the same way.
+        file("zu");
+    } else {
+        folder("zu");
+        ASSERT_EQ(chmod(QFile::encodeName(path("zu")).constData(), 0), 0);
+    }
+    const LocalListing listing
+        = readLocalFolder({ path("zu"), FolderSource::Derived, false }, false);
+    EXPECT_EQ(shape(listing), "Cdup:");
+    EXPECT_FALSE(listing.readable);
+}
+
+TEST_F(LocalListingTest, TextOfTheBoxIsNormalisedUnlessSuchAFolderExists)
+{
+    folder("Fotos [2020]");
+    folder("Fotos");
+    folder("blank ");
+    const auto of = [&](const QString &text, FolderSource source) {
+        return localFolderOf({ text, source, false });
+    };
+    EXPECT_EQ(of(path("Fotos [2020]"), FolderSource::Box), path("Fotos [2020]/"));
+    EXPECT_EQ(of(path("Fotos [alt]"), FolderSource::Box), path("Fotos/"));
+    EXPECT_EQ(of(path("Fotos [alt]"), FolderSource::Derived), path("Fotos [alt]/"));
+    EXPECT_EQ(of(path("blank "), FolderSource::Box), path("blank /"));
+    EXPECT_EQ(of(path("Fotos "), FolderSource::Box), path("Fotos/"));
+    EXPECT_EQ(of({}, FolderSource::Box), QStringLiteral("/"));
+}
+
+TEST_F(LocalListingTest, StoppedReadingEndsAtOnce)
+{
+    file("a");
+    EXPECT_EQ(shape(readLocalFolder({ m_root.path(), FolderSource::Derived, false }, true)),
+              "Cdup:");
+}
+
+TEST(LocalDatesTest, FollowTheLocaleWithFourDigitYearAndSeconds)
+{
+    const QLocale before;
+    struct Case {
+        QLocale locale;
+        QString text;
+    };
+    for (const Case &one : { Case { QLocale(QLocale::German, QLocale::Germany),
+                                    QStringLiteral("01.02.2026 03:04:05") },
+                             Case { QLocale(QLocale::English, QLocale::UnitedKingdom),
+                                    QStringLiteral("01/02/2026 03:04:05") } }) {
+        QLocale::setDefault(one.locale);
+        LocalDates dates;
+        const QDateTime when({ 2026, 2, 1 }, { 3, 4, 5 });
+        EXPECT_EQ(dates.text(when.toSecsSinceEpoch()), one.text);
+        EXPECT_EQ(dates.text(when.toSecsSinceEpoch()), one.text) << "also from memory";
+    }
+    QLocale::setDefault(before);
+}
