@@ -1,0 +1,309 @@
+#include "app/frm_tarvelo.h"
+
+#include "app/commands.h"
+#include "app/logpanel.h"
+#include "app/transfercolumn.h"
+#include "app/windowmemory.h"
+#include "common/globals.h"
+#include "common/settingsstore.h"
+#include "common/workingfolders.h"
+#include "connections/session.h"
+#include "dialogs/frmAbout.h"
+#include "dialogs/frm_info.h"
+#include "dialogs/helpkeyfilter.h"
+#include "dialogs/helpmenu.h"
+#include "ftp/ftpcontrol.h"
+#include "local/localpane.h"
+#include "remote/icons.h"
+#include "remote/paneview.h"
+#include "remote/remotepane.h"
+
+#include <QCloseEvent>
+#include <QDir>
+#include <QMenuBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+DecidingRow decidingRow(FilePane &pane)
+{
+    const int row = pane.decidingRow();
+    if (row < 0) {
+        return {};
+    }
+    return { true, pane.model().row(row).name, pane.model().row(row).kind };
+}
+
+} // namespace
+
+frm_tarvelo::frm_tarvelo(const WindowServices &services)
+    : m_services(services)
+    , m_globals(services.globals)
+    , m_menu(*menuBar())
+    , m_localBar(u"tbToolBar"_s, u"Werkzeuge für diesen Computer"_s, this)
+    , m_remoteBar(u"tbToolBar_rem"_s, u"Werkzeuge für den Server"_s, this)
+{
+    setObjectName(u"frm_tarvelo"_s);
+    setWindowTitle(u"Tarvelo FTP"_s);
+    setWindowIcon(Icons::icon(u"tarvelo-ftp"_s));
+    setMinimumSize(667, 467);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    buildPanes();
+    m_session = std::make_unique<Session>(m_services.ftp, m_globals, m_services.prompts, *this,
+                                          *m_remote);
+    buildLayout();
+    connectMenu();
+    connectLocalBar();
+    connectRemoteBar();
+    connectPanes();
+    connectColumn();
+    connectSession();
+    m_session->showDisconnected();
+    m_local->addDrives(drives());
+    m_local->refresh();
+    UpdateLocalCommandStates();
+    m_local->view().setFocus();
+    m_globals.active = {}; // a list counts as used only once the user has been in it
+    WindowMemory(m_services.store).restore(*this, *m_layout, *m_local, *m_remote);
+}
+
+frm_tarvelo::~frm_tarvelo()
+{
+    WindowMemory(m_services.store).save(*this, *m_layout, *m_local, *m_remote);
+}
+
+void frm_tarvelo::buildPanes()
+{
+    m_local = new LocalPane(m_globals, this);
+    m_remote = new RemotePane(m_services.ftp, m_globals, *this, this);
+    m_local->setToolBar(m_localBar.bar);
+    m_remote->setToolBar(m_remoteBar.bar);
+    m_rememberLocal = addRememberButton(*m_local, u"cmd_dir_merken_lokal"_s,
+                                        u"Lokales Verzeichnis in der Verbindung merken"_s);
+    m_rememberRemote = addRememberButton(*m_remote, u"cmd_dir_merken_remote"_s,
+                                         u"Server-Verzeichnis in der Verbindung merken"_s);
+    m_log = new LogPanel(m_globals.settings, m_services.prompts, this);
+    m_column = new TransferColumn(this);
+    m_column->setTransferType(m_globals.connection.TransferType);
+}
+
+QToolButton *frm_tarvelo::addRememberButton(FilePane &pane, const QString &name,
+                                            const QString &toolTip)
+{
+    auto *button = new QToolButton(this);
+    button->setObjectName(name);
+    button->setIcon(Icons::icon(u"merken"_s));
+    button->setToolTip(toolTip);
+    button->setAccessibleName(toolTip);
+    button->setFocusPolicy(Qt::TabFocus);
+    pane.addBoxButton(button);
+    return button;
+}
+
+void frm_tarvelo::buildLayout()
+{
+    m_layout = std::make_unique<MainLayout>(
+        *this, MainLayoutParts { m_local, m_column, m_remote, new QWidget, new QWidget, m_log });
+    auto *logo = new QToolButton(menuBar());
+    logo->setObjectName(u"img_logo_rechts"_s);
+    logo->setIcon(Icons::icon(u"tarvelo-ftp"_s));
+    logo->setAutoRaise(true);
+    logo->setFocusPolicy(Qt::NoFocus);
+    logo->setToolTip(u"Morlanda Homepage"_s);
+    logo->setAccessibleName(logo->toolTip());
+    connect(logo, &QToolButton::clicked, this, [this] { vorschau(m_services.addresses.homePage); });
+    menuBar()->setCornerWidget(logo, Qt::TopRightCorner);
+}
+
+bool frm_tarvelo::isBusy() const { return m_services.ftp.isBusy() || m_remote->isWorking(); }
+
+template <class Command> void frm_tarvelo::onTrigger(QAction *action, Command command)
+{
+    connect(action, &QAction::triggered, this, [this, command] {
+        if (!isBusy()) {
+            command();
+        }
+    });
+}
+
+void frm_tarvelo::connectMenu()
+{
+    connect(m_menu.mnuExit, &QAction::triggered, this, &QWidget::close);
+    onTrigger(m_menu.mnuLogout, [this] { m_session->logoutCommand(); });
+    onTrigger(m_menu.mnuRefresh, [this] { refreshActive(); });
+    onTrigger(m_menu.mnuSelectall, [this] { selectAllActive(); });
+    HelpMenu::Actions actions;
+    actions.sendF1 = sendHelpKey;
+    actions.showInfo = [this] {
+        frm_info info(
+            m_globals, m_services.addresses, m_services.prompts,
+            [this](const QString &path) { return vorschau(path); }, this);
+        info.exec();
+    };
+    actions.showAbout = [this] { frmAbout(readNetworkInfo(), this).exec(); };
+    actions.vorschau = [this](const QString &path) { return vorschau(path); };
+    new HelpMenu(*m_menu.mnuHelp, m_globals, m_services.addresses, m_services.prompts, actions);
+}
+
+void frm_tarvelo::connectLocalBar()
+{
+    onTrigger(m_localBar.Refresh, [this] { refreshLocal(); });
+    onTrigger(m_localBar.SelectAll, [this] { m_local->selectAll(); });
+    onTrigger(m_localBar.Cdup, [this] { m_local->goUp(); });
+}
+
+void frm_tarvelo::connectRemoteBar()
+{
+    onTrigger(m_remoteBar.Refresh, [this] { refreshRemote(); });
+    onTrigger(m_remoteBar.SelectAll, [this] { m_remote->selectAll(); });
+    onTrigger(m_remoteBar.Cdup, [this] { m_remote->GoUpRemote(); });
+}
+
+void frm_tarvelo::connectPanes()
+{
+    connectPane(*m_local, *m_remote);
+    connectPane(*m_remote, *m_local);
+    connect(&m_local->view(), &PaneView::gotFocus, this,
+            [this] { m_globals.active = { .LocalListActive = true }; });
+    connect(&m_remote->view(), &PaneView::gotFocus, this,
+            [this] { m_globals.active = { .RemoteListActive = true }; });
+    connect(&m_local->view(), &PaneView::selectionMoved, this,
+            [this] { isBusy() ? void() : UpdateLocalCommandStates(); });
+    connect(&m_remote->view(), &PaneView::selectionMoved, this,
+            [this] { isBusy() ? void() : UpdateRemoteCommandStates(); });
+    connect(&m_local->view(), &PaneView::upPressed, this, [this] { goUp(false); });
+    connect(&m_remote->view(), &PaneView::upPressed, this, [this] { goUp(true); });
+}
+
+void frm_tarvelo::connectPane(FilePane &pane, FilePane &other)
+{
+    connect(&pane.view(), &PaneView::otherPaneWanted, this,
+            [&other] { other.view().setFocus(Qt::TabFocusReason); });
+}
+
+void frm_tarvelo::connectSession()
+{
+    connect(m_session.get(), &Session::logToBeCleared, m_log, &LogPanel::clear);
+    connect(m_session.get(), &Session::captionChanged, this, &QWidget::setWindowTitle);
+}
+
+void frm_tarvelo::connectColumn()
+{
+    connect(m_column, &TransferColumn::greenClicked, m_menu.mnuLogout, [this] {
+        m_menu.mnuLogout->trigger(); // does nothing when it is disabled
+    });
+    connect(m_column, &TransferColumn::redClicked, m_menu.mnuLogin,
+            [this] { m_menu.mnuLogin->trigger(); });
+    connect(m_column, &TransferColumn::transferTypeChosen, this,
+            [this](int type) { m_globals.connection.TransferType = type; });
+}
+
+int frm_tarvelo::vorschau(const QString & /*path*/) { return 0; }
+
+void frm_tarvelo::SetFtpProperties() { m_session->SetFtpProperties(); }
+
+void frm_tarvelo::DoRemoteRefresh(const QString &folder) { m_remote->DoRemoteRefresh(folder); }
+
+int frm_tarvelo::RemoteItem(int index) const { return m_remote->RemoteItem(index); }
+
+void frm_tarvelo::AppendLog(const QString &text) { m_log->AppendLog(text); }
+
+void frm_tarvelo::SetCommandsEnabled(bool login, bool logout, bool /*unused*/, bool commands,
+                                     bool toolbars)
+{
+    m_menu.mnuLogin->setEnabled(login);
+    m_menu.mnuLogout->setEnabled(logout);
+    m_column->setGreen(lightFor(login, m_services.ftp.state()) == Light::Green);
+    m_menu.mnuActions->menuAction()->setEnabled(commands);
+    SetToolbarsEnabled(toolbars);
+}
+
+void frm_tarvelo::SetToolbarsEnabled(bool enabled)
+{
+    m_localBar.setEnabled(enabled);
+    m_remoteBar.setEnabled(enabled);
+}
+
+void frm_tarvelo::SetFolderBoxesEnabled(bool enabled)
+{
+    m_local->box().setEnabled(enabled);
+    m_remote->box().setEnabled(enabled);
+}
+
+void frm_tarvelo::SetAbortEnabled(bool /*enabled*/) { }
+
+void frm_tarvelo::UpdateRemoteCommandStates()
+{
+    const PaneCommands commands
+        = remoteCommands(m_services.ftp.state() == FtpControl::Connected, decidingRow(*m_remote));
+    m_menu.apply(commands);
+    m_remoteBar.apply(commands);
+}
+
+void frm_tarvelo::UpdateLocalCommandStates()
+{
+    const PaneCommands commands = localCommands(decidingRow(*m_local));
+    m_menu.apply(commands);
+    m_localBar.apply(commands);
+}
+
+void frm_tarvelo::AddQueueRow(const QueueRow & /*row*/) { }
+
+void frm_tarvelo::ShowTransferItem(const QString & /*text*/, const QString & /*sizeText*/) { }
+
+void frm_tarvelo::refreshLocal()
+{
+    m_local->refresh();
+    UpdateLocalCommandStates();
+}
+
+void frm_tarvelo::refreshRemote()
+{
+    m_remote->DoRemoteRefresh(m_services.ftp.currentFolder());
+    UpdateRemoteCommandStates();
+}
+
+void frm_tarvelo::refreshActive()
+{
+    // Intended: the queue counts as the local pane here.
+    m_globals.active.RemoteListActive ? refreshRemote() : refreshLocal();
+}
+
+void frm_tarvelo::selectAllActive()
+{
+    m_globals.active.RemoteListActive ? m_remote->selectAll() : m_local->selectAll();
+}
+
+void frm_tarvelo::goUp(bool remote)
+{
+    if (isBusy()) {
+        return;
+    }
+    remote ? m_remote->GoUpRemote() : m_local->goUp();
+}
+
+void frm_tarvelo::closeEvent(QCloseEvent *event)
+{
+    if (isBusy()) {
+        // What runs has to come back to its callers first; they are on the stack below.
+        event->ignore();
+        m_globals.session.ConnectionLost = true;
+        m_services.ftp.close();
+        if (!m_unwinding) {
+            m_unwinding = true;
+            QTimer::singleShot(20, this, [this] {
+                m_unwinding = false;
+                close();
+            });
+        }
+        return;
+    }
+    if (m_services.ftp.state() == FtpControl::Connected) {
+        m_services.ftp.close();
+    }
+    event->accept();
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "app/mainlayout.h"
+#include "app/mainmenu.h"
+#include "common/addresses.h"
+#include "common/shell.h"
+
+#include <QMainWindow>
+#include <memory>
+
+class FtpControl;
+class FilePane;
+class LocalPane;
+class LogPanel;
+class PaneView;
+class Prompts;
+class QToolButton;
+class RemotePane;
+class Session;
+class SettingsStore;
+class TransferColumn;
+struct Globals;
+
+/// What the main window works with; everything outlives it.
+struct WindowServices {
+    Globals &globals;
+    FtpControl &ftp;
+    Prompts &prompts;
+    SettingsStore &store;
+    Addresses addresses;
+};
+
+/// The main window: builds its controls, owns what the features share, and forwards.
+class frm_tarvelo : public QMainWindow, public Shell {
+    Q_OBJECT
+
+public:
+    explicit frm_tarvelo(const WindowServices &services);
+    ~frm_tarvelo() override;
+
+    // The public operations, in their fixed order.
+    int vorschau(const QString &path) override;
+    void SetFtpProperties() override;
+    void DoRemoteRefresh(const QString &folder) override;
+    [[nodiscard]] int RemoteItem(int index) const; ///< row of a marked entry, -1 for none
+
+    void AppendLog(const QString &text) override;
+    void SetCommandsEnabled(bool login, bool logout, bool unused, bool commands,
+                            bool toolbars) override;
+    void SetToolbarsEnabled(bool enabled) override;
+    void SetFolderBoxesEnabled(bool enabled) override;
+    void SetAbortEnabled(bool enabled) override;
+    void UpdateRemoteCommandStates() override;
+    void UpdateLocalCommandStates() override;
+    void AddQueueRow(const QueueRow &row) override;
+    void ShowTransferItem(const QString &text, const QString &sizeText) override;
+
+    [[nodiscard]] LocalPane &localPane() { return *m_local; }
+    [[nodiscard]] RemotePane &remotePane() { return *m_remote; }
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildPanes();
+    void buildLayout();
+    QToolButton *addRememberButton(FilePane &pane, const QString &name, const QString &toolTip);
+    void connectMenu();
+    void connectLocalBar();
+    void connectRemoteBar();
+    void connectPanes();
+    void connectPane(FilePane &pane, FilePane &other);
+    void connectSession();
+    void connectColumn();
+    /// Runs a command unless something runs that it could disturb.
+    template <class Command> void onTrigger(QAction *action, Command command);
+
+    [[nodiscard]] bool isBusy() const; ///< something runs that commands must not disturb
+    void refreshActive();
+    void selectAllActive();
+    void goUp(bool remote);
+    void refreshRemote();
+    void refreshLocal();
+
+    WindowServices m_services;
+    Globals &m_globals;
+    MainMenu m_menu;
+    PaneToolBar m_localBar, m_remoteBar;
+    LocalPane *m_local = nullptr;
+    RemotePane *m_remote = nullptr;
+    TransferColumn *m_column = nullptr;
+    LogPanel *m_log = nullptr;
+    QToolButton *m_rememberLocal = nullptr;
+    QToolButton *m_rememberRemote = nullptr;
+    std::unique_ptr<Session> m_session;
+    std::unique_ptr<MainLayout> m_layout;
+    bool m_unwinding = false; ///< the window closes as soon as what runs has come to its end
+};
