@@ -1,52 +1,392 @@
 #include "ftp/ftpcontrol.h"
 
-struct FtpControl::Private {
-    RemoteListing listing;
-    int transferType = TypeBinary;
-};
+#include "ftp/engine_thread.h"
+#include "ftp/ftpbridge.h"
+#include "ftp/ftpconvert.h"
+#include "ftp/tree.h"
+
+#include <QEventLoop>
+#include <QScopeGuard>
+#include <asio/co_spawn.hpp>
+#include <asio/detached.hpp>
+#include <asio/post.hpp>
+
+using ftp::Awaitable;
+using ftp::Client;
+using ftp::ErrorKind;
 
 namespace {
-tl::unexpected<FtpError> notConnected()
+
+tl::unexpected<FtpError> failure(ErrorKind kind, const char *text)
 {
-    return tl::unexpected<FtpError>(
-        FtpError { ftp::ErrorKind::NotConnected, 0, QStringLiteral("Not connected") });
+    return tl::unexpected<FtpError>(FtpError { kind, 0, QString::fromLatin1(text) });
 }
+
+/// A client is used and destroyed on the engine's thread only.
+std::shared_ptr<Client> ownedByEngine(Client *client)
+{
+    return { client, [](Client *last) {
+                asio::co_spawn(
+                    ftp::EngineThread::executor(),
+                    [](std::unique_ptr<Client> owned) -> Awaitable<void> {
+                        owned->abort();
+                        co_await owned->stopWatching();
+                    }(std::unique_ptr<Client>(last)),
+                    asio::detached);
+            } };
+}
+
+/// What an operation left behind.
+template <class T> struct Outcome {
+    ftp::Result<T> result;
+    bool usable = false;
+    QString folder;
+};
+
 } // namespace
+
+struct FtpControl::Private {
+    explicit Private(FtpControl *control)
+        : q(control)
+        , bridge(std::make_shared<FtpBridge>(control))
+    {
+    }
+
+    /// Runs an operation on the engine's thread while this one keeps handling events.
+    template <class T, class Work> FtpResult<T> run(int code, Work work);
+    FtpStatus simple(int code, std::function<Awaitable<ftp::Status>(Client &)> work);
+    template <class T> void finish(const std::shared_ptr<Client> &used, const Outcome<T> &outcome);
+    void setState(int value);
+    void lost(const Client *which);
+
+    FtpControl *q;
+    std::shared_ptr<FtpBridge> bridge;
+    std::shared_ptr<Client> client;
+    ftp::LoginData login;
+    std::string trustFile;
+    RemoteListing listing;
+    QString folder;
+    int state = FtpControl::Closed;
+    int transferType = TypeBinary;
+    int storeMode = StoreReplace;
+    int sessionLimit = 4;
+    bool busy = false;
+};
+
+template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, Work work)
+{
+    if (busy) {
+        return failure(ErrorKind::Busy, "Another operation is running");
+    }
+    if (!client) {
+        return failure(ErrorKind::NotConnected, "Not connected");
+    }
+    busy = true;
+    bridge->operation = code;
+    const auto idle = qScopeGuard([this] { busy = false; });
+    struct Waiting {
+        QEventLoop loop;
+        std::optional<Outcome<T>> outcome;
+    };
+    const auto waiting = std::make_shared<Waiting>();
+    const std::shared_ptr<Client> used = client;
+    const auto report = bridge;
+    auto watchLost = [this, report, which = used.get()] { report->post([this, which] { lost(which); }); };
+    asio::co_spawn(
+        ftp::EngineThread::executor(),
+        [](std::shared_ptr<Client> on, Work step, auto whenLost) -> Awaitable<Outcome<T>> {
+            co_await on->stopWatching();
+            Outcome<T> outcome;
+            outcome.result = co_await step(*on);
+            outcome.usable = on->usable();
+            outcome.folder = QString::fromStdString(on->folder());
+            if (outcome.usable) {
+                on->watchIdle(whenLost);
+            }
+            co_return outcome;
+        }(used, std::move(work), std::move(watchLost)),
+        [waiting, report](const std::exception_ptr &, Outcome<T> outcome) {
+            report->post([waiting, outcome = std::move(outcome)]() mutable {
+                waiting->outcome = std::move(outcome);
+                waiting->loop.quit();
+            });
+        });
+    waiting->loop.exec();
+    if (!waiting->outcome) { // the program ends
+        q->close();
+        return failure(ErrorKind::Aborted, "Aborted");
+    }
+    finish(used, *waiting->outcome);
+    auto &result = waiting->outcome->result;
+    if (!result) {
+        return tl::unexpected<FtpError>(ftpError(result.error()));
+    }
+    if constexpr (std::is_void_v<T>) {
+        return {};
+    } else {
+        return std::move(*result);
+    }
+}
+
+template <class T>
+void FtpControl::Private::finish(const std::shared_ptr<Client> &used, const Outcome<T> &outcome)
+{
+    if (client != used) {
+        return; // closed meanwhile
+    }
+    if (outcome.usable) {
+        folder = outcome.folder;
+    } else if (state == FtpControl::Connected) {
+        q->close();
+    }
+}
+
+FtpStatus FtpControl::Private::simple(int code, std::function<Awaitable<ftp::Status>(Client &)> work)
+{
+    return run<void>(code, std::move(work));
+}
+
+void FtpControl::Private::setState(int value)
+{
+    if (std::exchange(state, value) != value) {
+        Q_EMIT q->stateChanged(value);
+    }
+}
+
+void FtpControl::Private::lost(const Client *which)
+{
+    if (client.get() == which && !busy) {
+        q->close();
+    }
+}
 
 FtpControl::FtpControl(QObject *parent)
     : QObject(parent)
-    , d(std::make_unique<Private>())
+    , d(std::make_unique<Private>(this))
 {
 }
-FtpControl::~FtpControl() = default;
-int FtpControl::state() const { return Closed; }
-bool FtpControl::isBusy() const { return false; }
-void FtpControl::setTimeout(int) { }
-void FtpControl::setPassiveMode(bool) { }
-void FtpControl::setTransferType(int type) { d->transferType = type; }
-int FtpControl::transferType() const { return d->transferType; }
-void FtpControl::setStoreMode(int) { }
-void FtpControl::setProxy(const FtpProxy &) { }
-void FtpControl::setEncryption(FtpEncryption) { }
-void FtpControl::setSessionLimit(int) { }
-void FtpControl::setTrustFile(const QString &) { }
-void FtpControl::setCertificateQuestion(std::function<FtpTrust(const FtpCertificate &)>) { }
-FtpStatus FtpControl::connectAndLogin(const QString &, const QString &, const QString &, const QString &, int) { return notConnected(); }
-FtpStatus FtpControl::logout() { return notConnected(); }
-void FtpControl::close() { }
-FtpResult<bool> FtpControl::resumeSupport() { return notConnected(); }
-QString FtpControl::currentFolder() const { return {}; }
-FtpStatus FtpControl::setCurrentFolder(const QString &) { return notConnected(); }
-FtpStatus FtpControl::changeToParentFolder() { return notConnected(); }
-FtpStatus FtpControl::list() { return notConnected(); }
-const RemoteListing &FtpControl::listing() const { return d->listing; }
-FtpStatus FtpControl::getFile(const QString &, const QString &, qint64 &) { return notConnected(); }
-FtpStatus FtpControl::putFile(const QString &, const QString &, qint64 &) { return notConnected(); }
-FtpStatus FtpControl::getMultiple(const QString &, const QString &) { return notConnected(); }
-FtpStatus FtpControl::putMultiple(const QString &, const QString &) { return notConnected(); }
-FtpStatus FtpControl::makeFolder(const QString &) { return notConnected(); }
-FtpStatus FtpControl::removeFolder(const QString &) { return notConnected(); }
-FtpStatus FtpControl::deleteFile(const QString &) { return notConnected(); }
-FtpStatus FtpControl::rename(const QString &, const QString &) { return notConnected(); }
-FtpStatus FtpControl::sendRaw(const QString &) { return notConnected(); }
-FtpStatus FtpControl::removeTree(const QString &) { return notConnected(); }
+
+FtpControl::~FtpControl()
+{
+    d->bridge->detach();
+}
+
+int FtpControl::state() const
+{
+    return d->state;
+}
+
+bool FtpControl::isBusy() const
+{
+    return d->busy;
+}
+
+void FtpControl::setTimeout(int milliseconds)
+{
+    d->login.timeout = ftp::Milliseconds(milliseconds);
+}
+
+void FtpControl::setPassiveMode(bool passive)
+{
+    d->login.passive = passive;
+}
+
+void FtpControl::setTransferType(int type)
+{
+    d->transferType = type;
+}
+
+int FtpControl::transferType() const
+{
+    return d->transferType;
+}
+
+void FtpControl::setStoreMode(int mode)
+{
+    d->storeMode = mode;
+}
+
+void FtpControl::setProxy(const FtpProxy &proxy)
+{
+    d->login.proxy = engineProxy(proxy);
+}
+
+void FtpControl::setEncryption(FtpEncryption encryption)
+{
+    d->login.encryption = static_cast<ftp::Encryption>(encryption);
+}
+
+void FtpControl::setSessionLimit(int sessions)
+{
+    d->sessionLimit = sessions;
+}
+
+void FtpControl::setTrustFile(const QString &path)
+{
+    d->trustFile = path.toStdString();
+}
+
+void FtpControl::setCertificateQuestion(std::function<FtpTrust(const FtpCertificate &)> question)
+{
+    d->bridge->question = std::move(question);
+}
+
+FtpStatus FtpControl::connectAndLogin(const QString &server, const QString &user, const QString &password,
+                                      const QString &account, int port)
+{
+    if (d->busy) {
+        return failure(ErrorKind::Busy, "Another operation is running");
+    }
+    d->client = nullptr;
+    d->setState(Connecting);
+    if (port < 1 || port > 65535) {
+        return failure(ErrorKind::BadArgument, "The port must lie between 1 and 65535");
+    }
+    ftp::LoginData login = d->login;
+    login.host = server.toStdString();
+    login.port = static_cast<std::uint16_t>(port);
+    login.credentials = { user.toStdString(), password.toStdString(), account.toStdString() };
+    d->client = ownedByEngine(new Client(ftp::EngineThread::executor(), std::move(login), d->bridge->hooks(),
+                                         std::make_shared<ftp::ServerKnowledge>(d->trustFile), d->sessionLimit));
+    const auto used = d->client;
+    FtpStatus opened = d->simple(OpConnect, [](Client &client) { return client.open(); });
+    if (opened && d->client == used) {
+        d->setState(Connected);
+    }
+    return opened;
+}
+
+FtpStatus FtpControl::logout()
+{
+    FtpStatus done = d->simple(OpLogout, [](Client &client) { return client.quit(); });
+    if (done) {
+        close();
+    }
+    return done;
+}
+
+void FtpControl::close()
+{
+    if (const auto dropped = std::exchange(d->client, nullptr)) {
+        asio::post(ftp::EngineThread::executor(), [dropped] { dropped->abort(); });
+    }
+    d->setState(Closed);
+}
+
+FtpResult<bool> FtpControl::resumeSupport()
+{
+    return d->run<bool>(OpConnect, [](Client &client) { return client.supportsRestart(); });
+}
+
+QString FtpControl::currentFolder() const
+{
+    return d->folder;
+}
+
+FtpStatus FtpControl::setCurrentFolder(const QString &folder)
+{
+    return d->simple(OpChangeFolder, [path = folder.toStdString()](Client &client) { return client.changeFolder(path); });
+}
+
+FtpStatus FtpControl::changeToParentFolder()
+{
+    return d->simple(OpChangeFolder, [](Client &client) { return client.changeToParent(); });
+}
+
+FtpStatus FtpControl::list()
+{
+    auto listed = d->run<RemoteListing>(OpList, [](Client &client) -> Awaitable<ftp::Result<RemoteListing>> {
+        auto folder = co_await client.list();
+        if (!folder) {
+            co_return tl::unexpected(folder.error());
+        }
+        co_return ftpListing(*folder);
+    });
+    if (!listed) {
+        return tl::unexpected<FtpError>(listed.error());
+    }
+    d->listing = std::move(*listed);
+    return {};
+}
+
+const RemoteListing &FtpControl::listing() const
+{
+    return d->listing;
+}
+
+FtpStatus FtpControl::getFile(const QString &remotePath, const QString &localPath, qint64 &offset)
+{
+    const auto used = d->run<std::int64_t>(
+        OpGetFile, [remote = remotePath.toStdString(), local = localPath.toStdString(), from = offset,
+                    type = engineType(d->transferType)](Client &client) {
+            return client.get(remote, local, from, type);
+        });
+    if (!used) {
+        return tl::unexpected<FtpError>(used.error());
+    }
+    offset = *used;
+    return {};
+}
+
+FtpStatus FtpControl::putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
+{
+    const qint64 from = d->storeMode == StoreContinue ? offset : 0;
+    const auto used = d->run<std::int64_t>(
+        OpPutFile, [remote = remotePath.toStdString(), local = localPath.toStdString(), from,
+                    type = engineType(d->transferType)](Client &client) {
+            return client.put(local, remote, from, type);
+        });
+    if (!used) {
+        return tl::unexpected<FtpError>(used.error());
+    }
+    offset = *used;
+    return {};
+}
+
+FtpStatus FtpControl::getMultiple(const QString &pattern, const QString &localFolder)
+{
+    return d->simple(OpGetMultiple, [remote = folderOfPattern(pattern).toStdString(), local = localFolder.toStdString(),
+                                     type = engineType(d->transferType)](Client &client) {
+        return ftp::getTree(client, remote, local, type);
+    });
+}
+
+FtpStatus FtpControl::putMultiple(const QString &pattern, const QString &remoteFolder)
+{
+    return d->simple(OpPutMultiple, [local = folderOfPattern(pattern).toStdString(), remote = remoteFolder.toStdString(),
+                                     type = engineType(d->transferType)](Client &client) {
+        return ftp::putTree(client, local, remote, type);
+    });
+}
+
+FtpStatus FtpControl::makeFolder(const QString &name)
+{
+    return d->simple(OpMakeFolder, [path = name.toStdString()](Client &client) { return client.makeFolder(path); });
+}
+
+FtpStatus FtpControl::removeFolder(const QString &path)
+{
+    return d->simple(OpRemoveFolder, [raw = path.toStdString()](Client &client) { return client.removeFolder(raw); });
+}
+
+FtpStatus FtpControl::deleteFile(const QString &path)
+{
+    return d->simple(OpDelete, [raw = path.toStdString()](Client &client) { return client.removeFile(raw); });
+}
+
+FtpStatus FtpControl::rename(const QString &oldName, const QString &newName)
+{
+    return d->simple(OpRename, [from = oldName.toStdString(), to = newName.toStdString()](Client &client) {
+        return client.rename(from, to);
+    });
+}
+
+FtpStatus FtpControl::sendRaw(const QString &command)
+{
+    return d->simple(OpRawCommand, [line = command.toStdString()](Client &client) { return client.raw(line); });
+}
+
+FtpStatus FtpControl::removeTree(const QString &folder)
+{
+    return d->simple(OpRemoveFolder, [path = folder.toStdString()](Client &client) { return ftp::removeTree(client, path); });
+}

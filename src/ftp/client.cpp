@@ -1,0 +1,233 @@
+#include "ftp/client.h"
+
+#include "ftp/path.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+
+namespace ftp {
+namespace {
+
+constexpr std::int64_t quarterHour = 15 * 60;
+
+/// How far a listing's clock is ahead of UTC, in seconds; nothing when the two times do not belong
+/// together (zones are multiples of a quarter of an hour within 14 hours).
+std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc)
+{
+    const std::int64_t difference = listed - (utc - utc % 60);
+    const auto rounded = static_cast<std::int64_t>(std::llround(static_cast<double>(difference) / quarterHour)) * quarterHour;
+    const bool plausible = std::abs(difference - rounded) <= 60 && std::abs(rounded) <= 14 * 3600;
+    return plausible ? std::optional(rounded) : std::nullopt;
+}
+
+bool saysExists(const std::string &text)
+{
+    std::string upper = text;
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+    return upper.find("EXISTS") != std::string::npos;
+}
+
+} // namespace
+
+Client::Client(const asio::any_io_executor &executor, LoginData login, Hooks hooks,
+               std::shared_ptr<ServerKnowledge> knowledge, int sessionLimit)
+    : m_session(executor, std::move(login), std::move(hooks), std::move(knowledge))
+    , m_sessionLimit(std::max(sessionLimit, 1))
+{
+}
+
+Client::~Client() = default;
+
+Awaitable<Status> Client::open()
+{
+    Status opened = co_await m_session.open();
+    m_names.setUtf8Announced(m_session.features().utf8);
+    co_return opened;
+}
+
+Awaitable<Status> Client::quit()
+{
+    co_return co_await m_session.quit();
+}
+
+void Client::abort()
+{
+    m_session.abort();
+}
+
+void Client::watchIdle(std::function<void()> lost)
+{
+    m_watch = std::make_unique<IdleWatch>(m_session, std::move(lost));
+    m_watch->start();
+}
+
+Awaitable<void> Client::stopWatching()
+{
+    if (m_watch) {
+        co_await m_watch->stop();
+        m_watch.reset();
+    }
+}
+
+std::string Client::folder()
+{
+    return m_names.decodePath(m_session.folder());
+}
+
+std::string Client::encode(const std::string &path)
+{
+    return m_names.encode(path, folder());
+}
+
+Awaitable<Status> Client::changeFolder(std::string path)
+{
+    // A "/" at the end is this program's way to write folders, not every server's.
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    co_return co_await m_session.changeFolder(encode(path));
+}
+
+Awaitable<Status> Client::changeToParent()
+{
+    co_return co_await m_session.changeToParent();
+}
+
+Awaitable<Status> Client::learnZone(const Listing &listing)
+{
+    ServerKnowledge &server = m_session.knowledge();
+    const auto telling = std::find_if(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
+        return entry.type == '-' && entry.time && !entry.utc && entry.precision != Entry::Precision::Day;
+    });
+    if (server.zoneOffset || server.noModificationTime || telling == listing.entries.end()) {
+        co_return Status {};
+    }
+    m_session.dialogue().setMuted(true);
+    auto answer = co_await m_session.ask("MDTM " + telling->name);
+    m_session.dialogue().setMuted(false);
+    if (!answer) {
+        co_return answer.error().kind == ErrorKind::BadArgument ? Status {} : Status(tl::unexpected(answer.error()));
+    }
+    const auto utc = answer->code == 213 ? parseTimeVal(answer->message()) : std::nullopt;
+    if (utc) {
+        server.zoneOffset = zoneOf(toEpoch(*telling->time), toEpoch(*utc));
+    }
+    server.noModificationTime = answer->code == 500 || answer->code == 502;
+    co_return Status {};
+}
+
+FolderEntry Client::present(const Entry &entry, const std::string &folder)
+{
+    FolderEntry shown;
+    shown.name = m_names.decode(folder, entry.name);
+    shown.type = entry.type;
+    shown.size = entry.size;
+    shown.permissions = entry.permissions;
+    shown.target = entry.target;
+    shown.dayOnly = entry.time && entry.precision == Entry::Precision::Day;
+    if (entry.time) {
+        const std::int64_t offset = entry.utc || shown.dayOnly ? 0 : m_session.knowledge().zoneOffset.value_or(0);
+        shown.time = toEpoch(*entry.time) - offset;
+    }
+    return shown;
+}
+
+Awaitable<Result<Folder>> Client::list()
+{
+    Folder result;
+    auto listing = co_await listCurrentFolder(m_session, &result.rawText);
+    if (!listing) {
+        co_return tl::unexpected(listing.error());
+    }
+    Status zone = co_await learnZone(*listing);
+    if (!zone) {
+        co_return tl::unexpected(zone.error());
+    }
+    const std::string here = folder();
+    result.understood = listing->understood;
+    result.entries.reserve(listing->entries.size());
+    for (const Entry &entry : listing->entries) {
+        result.entries.push_back(present(entry, here));
+    }
+    co_return result;
+}
+
+Awaitable<Result<std::int64_t>> Client::get(std::string remotePath, std::string localPath, std::int64_t offset, Type type)
+{
+    GetRequest request { encode(remotePath), std::move(localPath), offset, type };
+    co_return co_await retrieve(m_session, std::move(request));
+}
+
+Awaitable<Result<std::int64_t>> Client::put(std::string localPath, std::string remotePath, std::int64_t offset, Type type)
+{
+    PutRequest request { std::move(localPath), encode(remotePath), offset, type };
+    co_return co_await store(m_session, std::move(request));
+}
+
+Awaitable<bool> Client::folderExists(std::string raw)
+{
+    const std::string back = m_session.folder();
+    auto entered = co_await m_session.ask("CWD " + raw);
+    const bool exists = entered && entered->done();
+    if (exists) {
+        auto returned = co_await m_session.ask("CWD " + back);
+        ignoreError(returned, "the next command would tell");
+    }
+    co_return exists;
+}
+
+Awaitable<Status> Client::makeFolder(std::string path)
+{
+    const std::string raw = encode(path);
+    m_session.dialogue().setMuted(true); // told below, perhaps with an addition
+    auto answer = co_await m_session.ask("MKD " + raw);
+    if (answer && answer->refused() && !saysExists(answer->text())) {
+        const bool exists = co_await folderExists(raw);
+        if (exists) {
+            answer->lines.back() += " (exists)"; // not every server says that the name is taken
+        }
+    }
+    m_session.dialogue().setMuted(false);
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    if (m_session.hooks().reply) {
+        m_session.hooks().reply(*answer);
+    }
+    co_return answer->done() ? Status {} : Status(refusal(*answer));
+}
+
+Awaitable<Status> Client::removeFolder(std::string path)
+{
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    co_return co_await m_session.expectDone("RMD " + encode(path));
+}
+
+Awaitable<Status> Client::removeFile(std::string path)
+{
+    co_return co_await m_session.expectDone("DELE " + encode(path));
+}
+
+Awaitable<Status> Client::rename(std::string from, std::string to)
+{
+    auto answer = co_await m_session.ask("RNFR " + encode(from));
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    if (answer->refused()) {
+        co_return refusal(*answer);
+    }
+    co_return co_await m_session.expectDone("RNTO " + encode(to));
+}
+
+Awaitable<Status> Client::raw(std::string command)
+{
+    co_return co_await m_session.expectDone(encode(command));
+}
+
+} // namespace ftp

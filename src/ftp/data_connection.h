@@ -1,0 +1,52 @@
+#pragma once
+
+#include "ftp/session.h"
+
+#include <asio/ip/tcp.hpp>
+#include <memory>
+#include <string>
+
+namespace ftp {
+
+/// The second connection, which carries listings and files (RFC 959, section 3.2; RFC 2428).
+///
+/// Order of use: command() is sent, begin() takes its reply, the transfer command follows, and
+/// establish() waits until bytes may flow.
+class DataConnection {
+public:
+    explicit DataConnection(Session &session);
+    ~DataConnection();
+    DataConnection(const DataConnection &) = delete;
+    DataConnection &operator=(const DataConnection &) = delete;
+
+    /// PASV, EPSV, PORT or EPRT; in active mode a socket listens from here on.
+    Result<std::string> command();
+    /// Takes the reply to command(). In passive mode the connection is under way afterwards; the
+    /// first one of a session is waited for, so that a blocked data path costs no file.
+    Awaitable<Status> begin(Reply reply);
+    /// Sends command() and begins, with the other kind of passive mode when one is refused.
+    Awaitable<Status> open();
+    /// begin(), or open() when the reply is a refusal.
+    Awaitable<Status> beginOrOpen(Reply reply);
+    /// Waits until the connection stands and is encrypted if the session is.
+    Awaitable<Status> establish();
+
+    [[nodiscard]] Stream &stream() { return *m_stream; }
+    /// Ends waits on this connection with ErrorKind::Aborted.
+    void abort();
+    /// Reads what the server still said (TLS tickets) so that closing does not reset the line.
+    void drainAndClose();
+
+private:
+    Awaitable<Status> beginPassive(Reply reply);
+    Awaitable<Status> accept();
+    Status listen();
+    [[nodiscard]] bool useExtended() const;
+
+    Session &m_session;
+    std::unique_ptr<Stream> m_stream;
+    std::unique_ptr<asio::ip::tcp::acceptor> m_acceptor;
+    bool m_connecting = false;
+};
+
+} // namespace ftp

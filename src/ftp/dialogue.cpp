@@ -1,0 +1,53 @@
+#include "ftp/dialogue.h"
+
+namespace ftp {
+
+Awaitable<Result<Reply>> Dialogue::reply()
+{
+    return reply(m_limit);
+}
+
+Awaitable<Result<Reply>> Dialogue::reply(Milliseconds limit)
+{
+    auto answer = co_await m_line.readReply(limit);
+    if (!answer) {
+        co_return answer;
+    }
+    if (m_listener && !m_muted) {
+        m_listener(*answer);
+    }
+    if (answer->code == 421) {
+        co_return fail(ErrorKind::ConnectionClosed, answer->text(), answer->code);
+    }
+    co_return answer;
+}
+
+Awaitable<Result<Reply>> Dialogue::finalReply()
+{
+    for (;;) {
+        auto answer = co_await reply(m_limit);
+        if (!answer || !answer->preliminary()) {
+            co_return answer;
+        }
+    }
+}
+
+Awaitable<Result<Reply>> Dialogue::ask(std::string command)
+{
+    Status sent = co_await m_line.send(command);
+    if (!sent) {
+        co_return tl::unexpected(sent.error());
+    }
+    co_return co_await finalReply();
+}
+
+Awaitable<Result<Reply>> Dialogue::expect(std::string command)
+{
+    auto answer = co_await ask(std::move(command));
+    if (answer && !answer->done()) {
+        co_return refusal(*answer);
+    }
+    co_return answer;
+}
+
+} // namespace ftp

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "ftp/control_line.h"
+
+#include <functional>
+#include <string>
+
+namespace ftp {
+
+/// A control line with its time limit and somebody who hears every reply. All dialogues (login,
+/// proxies, transfers) are written over it, so that tests can put a scripted line in its place.
+class Dialogue {
+public:
+    using Listener = std::function<void(const Reply &)>;
+
+    Dialogue(ControlLine &line, Milliseconds limit, Listener listener)
+        : m_line(line)
+        , m_limit(limit)
+        , m_listener(std::move(listener))
+    {
+    }
+
+    /// Next reply, preliminary ones included. A 421 is ErrorKind::ConnectionClosed, since the
+    /// server hangs up behind it (RFC 959, section 5.4).
+    Awaitable<Result<Reply>> reply();
+    Awaitable<Result<Reply>> reply(Milliseconds limit);
+    /// Next reply that is not preliminary.
+    Awaitable<Result<Reply>> finalReply();
+    /// Sends a command and returns its final reply, whatever it says.
+    Awaitable<Result<Reply>> ask(std::string command);
+    /// Sends a command that must be answered with 2xx.
+    Awaitable<Result<Reply>> expect(std::string command);
+
+    [[nodiscard]] ControlLine &line() { return m_line; }
+    [[nodiscard]] Milliseconds limit() const { return m_limit; }
+    void setLimit(Milliseconds limit) { m_limit = limit; }
+    /// Replies are not reported while muted (probes whose refusal means nothing to the user).
+    void setMuted(bool muted) { m_muted = muted; }
+
+private:
+    ControlLine &m_line;
+    Milliseconds m_limit;
+    Listener m_listener;
+    bool m_muted = false;
+};
+
+} // namespace ftp

@@ -1,0 +1,72 @@
+#include "ftp/ftpbridge.h"
+
+#include "ftp/engine_thread.h"
+#include "ftp/ftpconvert.h"
+
+#include <QMetaObject>
+#include <asio/post.hpp>
+#include <asio/redirect_error.hpp>
+#include <asio/use_awaitable.hpp>
+
+void FtpBridge::post(std::function<void()> work)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_control != nullptr) {
+        QMetaObject::invokeMethod(m_control, std::move(work), Qt::QueuedConnection);
+    }
+}
+
+void FtpBridge::detach()
+{
+    const std::lock_guard lock(m_mutex);
+    m_control = nullptr;
+}
+
+void FtpBridge::event(int status, QString text, std::int64_t bytes, std::int64_t total)
+{
+    FtpEvent told { operation, status, std::move(text), bytes, total };
+    post([self = shared_from_this(), told = std::move(told)] { Q_EMIT self->m_control->replyEvent(told); });
+}
+
+ftp::Hooks FtpBridge::hooks()
+{
+    const auto self = shared_from_this();
+    ftp::Hooks made;
+    made.reply = [self](const ftp::Reply &reply) {
+        self->event(ftpStatus(reply), ftpText(reply.text()) + QStringLiteral("\r\n"), 0, 0);
+    };
+    made.note = [self](const std::string &text) {
+        self->event(FtpEvent::Completed, QString::fromStdString(text) + QStringLiteral("\r\n"), 0, 0);
+    };
+    made.progress = [self](std::int64_t bytes, std::int64_t total) {
+        self->event(FtpEvent::InProgress, {}, bytes, total);
+    };
+    made.certificate = [self](ftp::CertificateQuestion asked) { return self->ask(std::move(asked)); };
+    return made;
+}
+
+ftp::Awaitable<ftp::Trust> FtpBridge::ask(ftp::CertificateQuestion asked)
+{
+    struct Wait {
+        explicit Wait(const asio::any_io_executor &executor) : timer(executor) { }
+        asio::steady_timer timer;
+        std::optional<ftp::Trust> answer;
+    };
+    const asio::any_io_executor executor = ftp::EngineThread::executor();
+    const auto wait = std::make_shared<Wait>(executor);
+    wait->timer.expires_at(asio::steady_timer::time_point::max());
+    const FtpCertificate shown = ftpCertificate(asked);
+    const auto self = shared_from_this();
+    post([self, wait, executor, shown] {
+        const FtpTrust trust = self->question ? self->question(shown) : FtpTrust::Reject;
+        asio::post(executor, [wait, trust] {
+            wait->answer = static_cast<ftp::Trust>(trust);
+            wait->timer.cancel();
+        });
+    });
+    while (!wait->answer) {
+        std::error_code ignored; // the timer only ever ends by being cancelled
+        co_await wait->timer.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
+    }
+    co_return *wait->answer;
+}

@@ -1,0 +1,90 @@
+#include "ftp/idle_watch.h"
+
+#include <array>
+
+namespace ftp {
+namespace {
+
+constexpr std::chrono::seconds keepAliveEvery { 60 };
+
+} // namespace
+
+IdleWatch::IdleWatch(Session &session, std::function<void()> lost)
+    : m_session(session)
+    , m_lost(std::move(lost))
+    , m_timer(session.executor())
+{
+}
+
+void IdleWatch::start()
+{
+    m_stopping = false;
+    m_task = std::make_unique<SideTask>(m_session.executor(), watch());
+}
+
+Awaitable<void> IdleWatch::stop()
+{
+    if (!m_task) {
+        co_return;
+    }
+    m_stopping = true;
+    std::error_code ignored; // a socket that cannot be cancelled has nobody waiting
+    m_session.line().stream().socket().cancel(ignored);
+    Status ended = co_await m_task->join();
+    ignoreError(ended, "its only news, a lost line, was told already");
+    m_task.reset();
+}
+
+Awaitable<Status> IdleWatch::keepAlive()
+{
+    // Varied, because some servers do not count NOOP as work.
+    static constexpr std::array commands { "NOOP", "PWD", "NOOP", "TYPE I" };
+    const std::string command = commands[static_cast<std::size_t>(m_turn++) % commands.size()];
+    m_session.dialogue().setMuted(true);
+    auto answer = co_await m_session.ask(command);
+    m_session.dialogue().setMuted(false);
+    if (answer && command == "TYPE I" && answer->done()) {
+        m_session.rememberType(Type::Binary);
+    }
+    co_return answer ? Status {} : Status(tl::unexpected(answer.error()));
+}
+
+Awaitable<Status> IdleWatch::watch()
+{
+    auto &socket = m_session.line().stream().socket();
+    for (;;) {
+        std::error_code error;
+        auto elapsed = std::make_shared<bool>(false); // the handler may run after this round
+        m_timer.expires_after(keepAliveEvery);
+        m_timer.async_wait([&socket, elapsed](const std::error_code &cancelled) {
+            if (!cancelled) {
+                *elapsed = true;
+                std::error_code ignored; // nobody waits then
+                socket.cancel(ignored);
+            }
+        });
+        co_await socket.async_wait(asio::ip::tcp::socket::wait_read, asio::redirect_error(asio::use_awaitable, error));
+        m_timer.cancel();
+        if (m_stopping || !m_session.usable()) {
+            co_return Status {};
+        }
+        Status alive;
+        if (*elapsed) {
+            alive = co_await keepAlive();
+        } else {
+            // Unasked: a farewell (421), the end of the line, or TLS tickets without any reply.
+            auto said = co_await m_session.dialogue().reply(Milliseconds(2000));
+            if (!said && said.error().kind == ErrorKind::Timeout && m_session.encrypted()) {
+                said = Reply {};
+            }
+            alive = said ? Status {} : Status(tl::unexpected(said.error()));
+        }
+        if (!alive) {
+            m_session.markBroken();
+            m_lost();
+            co_return alive;
+        }
+    }
+}
+
+} // namespace ftp

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ftp/session.h"
+#include "ftp/side_task.h"
+
+#include <functional>
+#include <memory>
+
+namespace ftp {
+
+/// Looks after a session while nothing runs: notices at once when the server hangs up, and keeps
+/// the line alive with small commands.
+class IdleWatch {
+public:
+    /// @param lost  called once when the connection has ended
+    IdleWatch(Session &session, std::function<void()> lost);
+    void start();
+    /// Ends the watch; the session may be used when this returns.
+    Awaitable<void> stop();
+
+private:
+    Awaitable<Status> watch();
+    Awaitable<Status> keepAlive();
+
+    Session &m_session;
+    std::function<void()> m_lost;
+    std::unique_ptr<SideTask> m_task;
+    asio::steady_timer m_timer;
+    bool m_stopping = false;
+    int m_turn = 0;
+};
+
+} // namespace ftp

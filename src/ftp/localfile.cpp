@@ -1,0 +1,182 @@
+#include "ftp/localfile.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ftp {
+namespace {
+
+/// A name beside path that nobody else uses; long names are cut to what file systems take.
+std::string temporaryBeside(const std::string &path)
+{
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+    const std::string name = path.substr(folder.size());
+    return folder + "." + name.substr(0, 200) + ".tarvelo-XXXXXX";
+}
+
+Status writeAll(int file, std::string_view bytes, const std::string &path)
+{
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file, bytes.data(), bytes.size());
+        if (count < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return localError(errno, path);
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return {};
+}
+
+} // namespace
+
+tl::unexpected<Error> localError(int code, const std::string &path)
+{
+    const bool full = code == ENOSPC || code == EDQUOT || code == EFBIG;
+    return fail(full ? ErrorKind::LocalDiskFull : ErrorKind::LocalFile,
+                std::string(std::strerror(code)) + ": " + path);
+}
+
+Status replaceFile(const std::string &path, std::string_view text)
+{
+    std::string temporary = temporaryBeside(path);
+    const int file = ::mkostemp(temporary.data(), O_CLOEXEC); // mode 0600
+    if (file < 0) {
+        return localError(errno, path);
+    }
+    Status written = writeAll(file, text, path);
+    if (written && ::fsync(file) != 0) {
+        written = localError(errno, path);
+    }
+    ::close(file);
+    if (written && ::rename(temporary.c_str(), path.c_str()) != 0) {
+        written = localError(errno, path);
+    }
+    if (!written) {
+        ::unlink(temporary.c_str());
+    }
+    return written;
+}
+
+std::optional<std::int64_t> fileSize(const std::string &path)
+{
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    return status.st_size;
+}
+
+IncomingFile::~IncomingFile()
+{
+    if (m_file >= 0) {
+        ::close(m_file);
+        if (!m_temporary.empty()) {
+            ::unlink(m_temporary.c_str());
+        }
+    }
+}
+
+Status IncomingFile::open(const std::string &path, std::int64_t offset)
+{
+    m_path = path;
+    struct stat status {};
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (exists && !S_ISREG(status.st_mode)) {
+        return fail(ErrorKind::LocalFile, "Not a regular file: " + path);
+    }
+    if (offset > 0) {
+        m_file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        if (m_file >= 0 && ::lseek(m_file, offset, SEEK_SET) < 0) {
+            return localError(errno, path);
+        }
+    } else if (exists && status.st_size > 0 && ::access(path.c_str(), W_OK) == 0) {
+        std::error_code error;
+        // What a link leads to is replaced, not the link.
+        m_path = std::filesystem::canonical(path, error).string();
+        m_temporary = temporaryBeside(error ? path : m_path);
+        m_file = ::mkostemp(m_temporary.data(), O_CLOEXEC);
+        if (m_file >= 0) {
+            ::fchmod(m_file, status.st_mode & 07777);
+        } else {
+            m_temporary.clear();
+        }
+    } else {
+        m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    }
+    return m_file >= 0 ? Status {} : Status(localError(errno, path));
+}
+
+Status IncomingFile::write(std::string_view bytes)
+{
+    return writeAll(m_file, bytes, m_path);
+}
+
+Status IncomingFile::commit(std::optional<std::int64_t> modified)
+{
+    if (modified) {
+        const std::array<timespec, 2> times { timespec { 0, UTIME_OMIT }, timespec { *modified, 0 } };
+        // A file system that keeps no times is no reason to fail.
+        if (::futimens(m_file, times.data()) != 0) {
+            errno = 0;
+        }
+    }
+    const int closed = ::close(std::exchange(m_file, -1));
+    if (closed != 0) {
+        return localError(errno, m_path);
+    }
+    if (!m_temporary.empty() && ::rename(m_temporary.c_str(), m_path.c_str()) != 0) {
+        const int code = errno;
+        ::unlink(m_temporary.c_str());
+        return localError(code, m_path);
+    }
+    return {};
+}
+
+OutgoingFile::~OutgoingFile()
+{
+    if (m_file >= 0) {
+        ::close(m_file);
+    }
+}
+
+Status OutgoingFile::open(const std::string &path)
+{
+    m_path = path;
+    m_file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (m_file < 0) {
+        return localError(errno, path);
+    }
+    struct stat status {};
+    if (::fstat(m_file, &status) != 0) {
+        return localError(errno, path);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return fail(ErrorKind::LocalFile, "Not a regular file: " + path);
+    }
+    m_size = status.st_size;
+    m_modified = status.st_mtim.tv_sec;
+    return {};
+}
+
+Result<std::size_t> OutgoingFile::read(std::int64_t offset, char *buffer, std::size_t size) const
+{
+    for (;;) {
+        const ssize_t count = ::pread(m_file, buffer, size, offset);
+        if (count >= 0) {
+            return static_cast<std::size_t>(count);
+        }
+        if (errno != EINTR) {
+            return localError(errno, m_path);
+        }
+    }
+}
+
+} // namespace ftp

@@ -1,0 +1,101 @@
+#include "ftp/login.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace ftp {
+namespace {
+
+bool containsAny(const std::string &text, std::initializer_list<std::string_view> words)
+{
+    std::string lower = text;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return std::any_of(words.begin(), words.end(), [&](std::string_view word) {
+        return lower.find(word) != std::string::npos;
+    });
+}
+
+Awaitable<Status> sendAccount(Dialogue &dialogue, std::string account, Reply wanted)
+{
+    if (account.empty()) {
+        co_return fail(ErrorKind::LoginRefused, wanted.text(), wanted.code);
+    }
+    auto answer = co_await dialogue.ask("ACCT " + account);
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    co_return answer->done() ? Status {} : Status(refusal(*answer));
+}
+
+} // namespace
+
+Awaitable<Result<Reply>> readGreeting(Dialogue &dialogue)
+{
+    auto greeting = co_await dialogue.finalReply();
+    if (greeting && !greeting->done()) {
+        co_return refusal(*greeting);
+    }
+    co_return greeting;
+}
+
+Awaitable<Status> loginAs(Dialogue &dialogue, std::string user, Credentials credentials)
+{
+    auto answer = co_await dialogue.ask("USER " + user);
+    if (answer && answer->code == 331) {
+        answer = co_await dialogue.ask("PASS " + credentials.password);
+    }
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    if (answer->code == 332) {
+        co_return co_await sendAccount(dialogue, credentials.account, *answer);
+    }
+    co_return answer->done() ? Status {} : Status(refusal(*answer));
+}
+
+Awaitable<Status> reachServer(Dialogue &dialogue, const Proxy &proxy, std::string host, std::uint16_t port)
+{
+    const bool names = proxy.kind == ProxyKind::Site || proxy.kind == ProxyKind::Open;
+    if (!proxy.user.empty() && proxy.kind != ProxyKind::UserNoLogin) {
+        Credentials credentials { proxy.user, proxy.password, proxy.password };
+        Status login = co_await loginAs(dialogue, proxy.user, credentials);
+        if (!login) {
+            co_return login;
+        }
+    }
+    if (!names) {
+        co_return Status {};
+    }
+    const std::string command = (proxy.kind == ProxyKind::Site ? "SITE " : "OPEN ") + hostAndPort(host, port);
+    auto answer = co_await dialogue.ask(command);
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    co_return answer->done() || answer->code == 331 ? Status {} : Status(refusal(*answer));
+}
+
+std::string proxyUserName(const Proxy &proxy, const std::string &user, const std::string &host,
+                          std::uint16_t port)
+{
+    const bool named = proxy.kind == ProxyKind::UserLogin || proxy.kind == ProxyKind::UserNoLogin;
+    return named ? user + "@" + hostAndPort(host, port) : user;
+}
+
+Error loginError(Error error, bool encrypted)
+{
+    if (error.replyCode == 0) {
+        return error;
+    }
+    if (!encrypted && containsAny(error.text, { "tls", "ssl", "encrypt", "cleartext", "use auth" })) {
+        error.kind = ErrorKind::TlsRequired;
+    } else if (error.replyCode == 421 || containsAny(error.text, { "too many", "maximum", "already connected" })) {
+        error.kind = ErrorKind::TooManyConnections;
+    } else {
+        error.kind = ErrorKind::LoginRefused;
+    }
+    return error;
+}
+
+} // namespace ftp

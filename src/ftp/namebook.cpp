@@ -1,0 +1,89 @@
+#include "ftp/namebook.h"
+
+#include "ftp/path.h"
+#include "ftp/text.h"
+
+#include <algorithm>
+
+namespace ftp {
+namespace {
+
+bool isAscii(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+} // namespace
+
+void NameBook::learn(std::string_view raw)
+{
+    if (!isAscii(raw)) {
+        (isUtf8(raw) ? m_sawUtf8 : m_sawOther) = true;
+    }
+}
+
+std::string NameBook::decode(std::string_view folder, std::string_view raw)
+{
+    if (isAscii(raw)) {
+        return std::string(raw);
+    }
+    learn(raw);
+    std::string name = toUtf8(raw);
+    if (name != raw) {
+        m_raw[joinPath(folder, name)] = raw;
+    }
+    return name;
+}
+
+std::string NameBook::decodePath(std::string_view raw)
+{
+    std::string path;
+    std::size_t at = 0;
+    while (at <= raw.size()) {
+        const std::size_t slash = std::min(raw.find('/', at), raw.size());
+        path += decode(path, raw.substr(at, slash - at));
+        if (slash == raw.size()) {
+            break;
+        }
+        path += '/';
+        at = slash + 1;
+    }
+    return path;
+}
+
+std::string NameBook::encodeName(std::string_view prefix, std::string_view name) const
+{
+    if (isAscii(name)) {
+        return std::string(name);
+    }
+    if (const auto known = m_raw.find(joinPath(prefix, name)); known != m_raw.end()) {
+        return known->second;
+    }
+    if (!m_announced && m_sawOther && !m_sawUtf8) {
+        if (auto bytes = toWindows1252(name)) {
+            return *bytes;
+        }
+    }
+    return std::string(name);
+}
+
+std::string NameBook::encode(std::string_view path, std::string_view folder) const
+{
+    std::string raw;
+    std::string prefix(path.starts_with('/') ? "" : folder);
+    std::size_t at = 0;
+    while (at <= path.size()) {
+        const std::size_t slash = std::min(path.find('/', at), path.size());
+        const std::string_view name = path.substr(at, slash - at);
+        raw += encodeName(prefix.empty() ? std::string_view("/") : std::string_view(prefix), name);
+        if (slash == path.size()) {
+            break;
+        }
+        raw += '/';
+        prefix = name.empty() ? prefix : joinPath(prefix.empty() ? "/" : prefix, name);
+        at = slash + 1;
+    }
+    return raw;
+}
+
+} // namespace ftp

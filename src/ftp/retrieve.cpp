@@ -1,0 +1,204 @@
+#include "ftp/transfer.h"
+
+#include "ftp/convert.h"
+
+#include <optional>
+#include <variant>
+
+namespace ftp {
+namespace {
+
+/// What the server told of a file before it is fetched.
+struct RemoteFacts {
+    std::optional<std::int64_t> size, modified;
+};
+
+/// Local form of what comes over the wire, by transfer type.
+class Receiver {
+public:
+    explicit Receiver(Type type)
+    {
+        if (type == Type::Ascii) {
+            m_converter = AsciiReceiver {};
+        } else if (type == Type::Ebcdic) {
+            m_converter = EbcdicReceiver {};
+        }
+    }
+
+    Status write(IncomingFile &file, std::string_view bytes)
+    {
+        if (std::holds_alternative<std::monostate>(m_converter)) {
+            return file.write(bytes);
+        }
+        m_text.clear();
+        if (auto *ascii = std::get_if<AsciiReceiver>(&m_converter)) {
+            ascii->convert(bytes, m_text);
+        } else if (auto *ebcdic = std::get_if<EbcdicReceiver>(&m_converter)) {
+            ebcdic->convert(bytes, m_text);
+        }
+        return file.write(m_text);
+    }
+
+    Status finish(IncomingFile &file)
+    {
+        m_text.clear();
+        if (auto *ascii = std::get_if<AsciiReceiver>(&m_converter)) {
+            ascii->finish(m_text);
+        } else if (auto *ebcdic = std::get_if<EbcdicReceiver>(&m_converter)) {
+            ebcdic->finish(m_text);
+        }
+        return file.write(m_text);
+    }
+
+private:
+    std::variant<std::monostate, AsciiReceiver, EbcdicReceiver> m_converter;
+    std::string m_text;
+};
+
+std::optional<std::int64_t> sizeOf(const Reply &reply)
+{
+    const std::string_view digits = reply.message();
+    if (reply.code != 213 || digits.empty() || digits.size() > 18
+        || digits.find_first_not_of("0123456789") != std::string_view::npos) {
+        return std::nullopt;
+    }
+    return std::stoll(std::string(digits));
+}
+
+/// Asks size and time together with the way to the data connection, in one round trip.
+Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, GetRequest request)
+{
+    auto wanted = data.command();
+    if (!wanted) {
+        co_return tl::unexpected(wanted.error());
+    }
+    ServerKnowledge &server = session.knowledge();
+    const bool askSize = request.type == Type::Binary && !server.noSize;
+    const bool askTime = !server.noModificationTime;
+    std::vector<std::string> commands;
+    if (askSize) {
+        commands.push_back("SIZE " + request.remotePath);
+    }
+    if (askTime) {
+        commands.push_back("MDTM " + request.remotePath);
+    }
+    commands.push_back(*wanted);
+    auto replies = co_await session.askAll(commands);
+    if (!replies) {
+        co_return tl::unexpected(replies.error());
+    }
+    RemoteFacts facts;
+    std::size_t next = 0;
+    const auto unknown = [](const Reply &reply) { return reply.code == 500 || reply.code == 502 || reply.code == 504; };
+    if (askSize) {
+        const Reply &reply = (*replies)[next++];
+        facts.size = sizeOf(reply);
+        server.noSize = unknown(reply);
+    }
+    if (askTime) {
+        const Reply &reply = (*replies)[next++];
+        if (const auto time = reply.code == 213 ? parseTimeVal(reply.message()) : std::nullopt) {
+            facts.modified = toEpoch(*time);
+        }
+        server.noModificationTime = unknown(reply);
+    }
+    Status begun = co_await data.beginOrOpen(std::move((*replies)[next]));
+    if (!begun) {
+        co_return tl::unexpected(begun.error());
+    }
+    co_return facts;
+}
+
+/// The offset that the local file really allows.
+std::int64_t usableOffset(const GetRequest &request, const Hooks &hooks)
+{
+    if (request.offset == 0) {
+        return 0;
+    }
+    const char *reason = nullptr;
+    if (request.type != Type::Binary) {
+        reason = "Fortsetzen ist nur im Binärmodus möglich; die Datei wird von vorn übertragen.";
+    } else if (fileSize(request.localPath) != request.offset) {
+        reason = "Die vorhandene Datei hat eine andere Größe; sie wird von vorn übertragen.";
+    }
+    if (reason != nullptr && hooks.note) {
+        hooks.note(reason);
+    }
+    return reason == nullptr ? request.offset : 0;
+}
+
+Status checkComplete(const Session &session, const DataConnection &, std::int64_t have, const RemoteFacts &facts, bool properEnd)
+{
+    if (facts.size && have < *facts.size) {
+        return fail(ErrorKind::Truncated, "The transfer was cut short: " + std::to_string(have) + " of "
+                        + std::to_string(*facts.size) + " bytes");
+    }
+    if (session.encrypted() && !properEnd && !facts.size) {
+        return fail(ErrorKind::Truncated, "The encrypted transfer ended without a proper close");
+    }
+    return {};
+}
+
+} // namespace
+
+Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
+{
+    std::int64_t offset = usableOffset(request, session.hooks());
+    Status typed = co_await session.setType(request.type);
+    if (!typed) {
+        co_return tl::unexpected(typed.error());
+    }
+    DataConnection data(session);
+    auto facts = co_await prepare(session, data, request);
+    if (!facts) {
+        co_return tl::unexpected(facts.error());
+    }
+    if (offset > 0) {
+        auto restarted = co_await session.ask("REST " + std::to_string(offset));
+        if (!restarted) {
+            co_return tl::unexpected(restarted.error());
+        }
+        offset = restarted->code == 350 ? offset : 0;
+    }
+    ProgressMeter meter([&session](std::int64_t bytes) {
+        if (session.hooks().progress) {
+            session.hooks().progress(bytes, 0);
+        }
+    });
+    meter.start();
+    Status started = co_await startTransfer(session, data, "RETR " + request.remotePath);
+    if (!started && (started.error().kind == ErrorKind::Refused || !session.usable())) {
+        co_return tl::unexpected(started.error());
+    }
+    IncomingFile file;
+    Receiver receiver(request.type);
+    Status received = started;
+    if (received) {
+        received = file.open(request.localPath, offset);
+    }
+    if (received) {
+        received = co_await receiveAll(session, data, [&](std::string_view block) {
+            Status written = receiver.write(file, block);
+            meter.add(static_cast<std::int64_t>(block.size()));
+            return written;
+        });
+    }
+    if (received) {
+        received = receiver.finish(file);
+    }
+    const bool properEnd = data.stream().closeNotifyReceived();
+    Status finished = co_await finishTransfer(session, data, received, session.timeout());
+    if (finished && request.type == Type::Binary) {
+        finished = checkComplete(session, data, offset + meter.bytes(), *facts, properEnd);
+    }
+    if (finished) {
+        finished = file.commit(facts->modified);
+    }
+    meter.finish();
+    if (!finished) {
+        co_return tl::unexpected(finished.error());
+    }
+    co_return offset;
+}
+
+} // namespace ftp

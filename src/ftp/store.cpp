@@ -1,0 +1,249 @@
+#include "ftp/transfer.h"
+
+#include "ftp/convert.h"
+#include "ftp/side_task.h"
+
+#include <asio/post.hpp>
+#include <variant>
+#include <vector>
+
+namespace ftp {
+namespace {
+
+constexpr std::size_t blockSize = 256 * 1024;
+constexpr std::size_t fairShare = 4 * 1024 * 1024;
+
+/// Wire form of a local file, by transfer type; empty for binary.
+class Sender {
+public:
+    explicit Sender(Type type)
+    {
+        if (type == Type::Ascii) {
+            m_converter = AsciiSender {};
+        } else if (type == Type::Ebcdic) {
+            m_converter = EbcdicSender {};
+        }
+    }
+    [[nodiscard]] bool plain() const { return std::holds_alternative<std::monostate>(m_converter); }
+    /// Converts a block; an empty one ends the text.
+    std::string_view convert(std::string_view block)
+    {
+        if (plain()) {
+            return block;
+        }
+        m_text.clear();
+        std::visit([&](auto &converter) {
+            if constexpr (!std::is_same_v<std::decay_t<decltype(converter)>, std::monostate>) {
+                block.empty() ? converter.finish(m_text) : converter.convert(block, m_text);
+            }
+        }, m_converter);
+        return m_text;
+    }
+
+private:
+    std::variant<std::monostate, AsciiSender, EbcdicSender> m_converter;
+    std::string m_text;
+};
+
+/// Sends a file without the bytes passing through this process.
+Awaitable<Status> pumpByKernel(Session &session, Stream &stream, const OutgoingFile &file, std::int64_t at, ProgressMeter &meter)
+{
+    while (at < file.size()) {
+        const auto most = static_cast<std::size_t>(std::min<std::int64_t>(fairShare, file.size() - at));
+        auto sent = co_await stream.sendFile(file.descriptor(), at, most, session.timeout());
+        if (!sent) {
+            co_return tl::unexpected(sent.error());
+        }
+        if (*sent == 0) {
+            co_return fail(ErrorKind::LocalFile, "The file became shorter while it was sent: " + file.path());
+        }
+        at += static_cast<std::int64_t>(*sent);
+        meter.add(static_cast<std::int64_t>(*sent));
+        if (*sent == most) {
+            co_await asio::post(session.executor(), asio::use_awaitable);
+        }
+    }
+    co_return Status {};
+}
+
+Awaitable<Status> pumpBlocks(Session &session, Stream &stream, const OutgoingFile &file, std::int64_t at, Type type, ProgressMeter &meter)
+{
+    Sender sender(type);
+    std::vector<char> block(blockSize);
+    std::size_t inARow = 0;
+    while (at < file.size()) {
+        const auto most = static_cast<std::size_t>(std::min<std::int64_t>(blockSize, file.size() - at));
+        auto count = file.read(at, block.data(), most);
+        if (!count) {
+            co_return tl::unexpected(count.error());
+        }
+        if (*count == 0) {
+            co_return fail(ErrorKind::LocalFile, "The file became shorter while it was sent: " + file.path());
+        }
+        Status sent = co_await stream.write(sender.convert(std::string_view(block.data(), *count)), session.timeout());
+        if (!sent) {
+            co_return sent;
+        }
+        at += static_cast<std::int64_t>(*count);
+        meter.add(static_cast<std::int64_t>(*count));
+        inARow += *count;
+        if (inARow >= fairShare) {
+            inARow = 0;
+            co_await asio::post(session.executor(), asio::use_awaitable);
+        }
+    }
+    co_return co_await stream.write(sender.plain() ? std::string_view() : sender.convert({}), session.timeout());
+}
+
+/// The whole way of the bytes: connection, file, end.
+Awaitable<Status> pump(Session &session, DataConnection &data, const OutgoingFile &file, std::int64_t offset, Type type, ProgressMeter &meter)
+{
+    Status step = co_await data.establish();
+    if (!step) {
+        co_return step;
+    }
+    if (type == Type::Binary && !session.encrypted()) {
+        step = co_await pumpByKernel(session, data.stream(), file, offset, meter);
+    } else {
+        step = co_await pumpBlocks(session, data.stream(), file, offset, type, meter);
+    }
+    if (!step) {
+        co_return step;
+    }
+    co_return co_await data.stream().finishSending(session.timeout());
+}
+
+struct StorePlan {
+    std::int64_t offset = 0;
+    bool append = false; ///< APPE in place of REST and STOR
+};
+
+/// Where the upload may start: a continued file must have exactly the wanted size on the server.
+Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request, std::int64_t localSize)
+{
+    StorePlan result;
+    if (request.offset == 0) {
+        co_return result;
+    }
+    const auto note = [&](const char *text) {
+        if (session.hooks().note) {
+            session.hooks().note(text);
+        }
+    };
+    if (request.type != Type::Binary) {
+        note("Fortsetzen ist nur im Binärmodus möglich; die Datei wird von vorn übertragen.");
+        co_return result;
+    }
+    auto size = co_await session.ask("SIZE " + request.remotePath);
+    if (!size) {
+        co_return tl::unexpected(size.error());
+    }
+    const bool known = size->code == 213;
+    if ((known && std::string(size->message()) != std::to_string(request.offset)) || request.offset > localSize) {
+        note("Die Datei auf dem Server hat eine andere Größe; sie wird von vorn übertragen.");
+        co_return result;
+    }
+    result.offset = request.offset;
+    result.append = !known; // without SIZE only appending is safe
+    co_return result;
+}
+
+/// Checks an upload by the server's own count (RFC 3659, section 4) and keeps the file's time.
+Awaitable<Status> verify(Session &session, const PutRequest &request, const OutgoingFile &file)
+{
+    ServerKnowledge &server = session.knowledge();
+    const bool askSize = request.type == Type::Binary && !server.noSize;
+    const bool setTime = session.features().mfmt && !server.noSetTime;
+    std::vector<std::string> commands;
+    if (askSize) {
+        commands.push_back("SIZE " + request.remotePath);
+    }
+    if (setTime) {
+        commands.push_back("MFMT " + formatTimeVal(fromEpoch(file.modified())) + " " + request.remotePath);
+    }
+    if (commands.empty()) {
+        co_return Status {};
+    }
+    auto replies = co_await session.askAll(commands);
+    if (!replies) {
+        co_return tl::unexpected(replies.error());
+    }
+    if (askSize && replies->front().code == 213 && replies->front().message() != std::to_string(file.size())) {
+        co_return fail(ErrorKind::Truncated, "The server holds " + std::string(replies->front().message()) + " of "
+                           + std::to_string(file.size()) + " bytes");
+    }
+    server.noSetTime = setTime && replies->back().code / 100 == 5;
+    co_return Status {};
+}
+
+/// Big files may take their time to reach the server's disk before it answers.
+Milliseconds patience(Milliseconds limit, std::int64_t size)
+{
+    return limit + Milliseconds(size / 20000);
+}
+
+} // namespace
+
+Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
+{
+    OutgoingFile file;
+    Status step = file.open(request.localPath);
+    if (step) {
+        step = co_await session.setType(request.type);
+    }
+    if (!step) {
+        co_return tl::unexpected(step.error());
+    }
+    auto planned = co_await plan(session, request, file.size());
+    if (!planned) {
+        co_return tl::unexpected(planned.error());
+    }
+    DataConnection data(session);
+    step = co_await data.open();
+    if (!step) {
+        co_return tl::unexpected(step.error());
+    }
+    if (planned->offset > 0 && !planned->append) {
+        auto restarted = co_await session.ask("REST " + std::to_string(planned->offset));
+        if (!restarted) {
+            co_return tl::unexpected(restarted.error());
+        }
+        planned->append = restarted->code != 350;
+    }
+    ProgressMeter meter([&session](std::int64_t bytes) {
+        if (session.hooks().progress) {
+            session.hooks().progress(bytes, 0);
+        }
+    });
+    meter.start();
+    const std::string command = (planned->append ? "APPE " : "STOR ") + request.remotePath;
+    step = co_await session.line().send(command);
+    if (!step) {
+        co_return tl::unexpected(step.error());
+    }
+    SideTask pumping(session.executor(), pump(session, data, file, planned->offset, request.type, meter));
+    auto answer = co_await session.dialogue().reply();
+    if (!answer || !answer->preliminary()) {
+        data.abort();
+        Status ended = co_await pumping.join();
+        ignoreError(ended, "the reply tells why");
+        if (!answer || answer->done()) {
+            session.markBroken();
+        }
+        co_return answer ? (answer->done() ? Result<std::int64_t>(fail(ErrorKind::Protocol, "The server ended a transfer before it began"))
+                                           : Result<std::int64_t>(refusal(*answer)))
+                         : Result<std::int64_t>(tl::unexpected(answer.error()));
+    }
+    Status sent = co_await pumping.join();
+    Status finished = co_await finishTransfer(session, data, sent, patience(session.timeout(), file.size()));
+    meter.finish();
+    if (finished) {
+        finished = co_await verify(session, request, file);
+    }
+    if (!finished) {
+        co_return tl::unexpected(finished.error());
+    }
+    co_return planned->offset;
+}
+
+} // namespace ftp

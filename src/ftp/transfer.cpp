@@ -1,0 +1,115 @@
+#include "ftp/transfer.h"
+
+#include "ftp/side_task.h"
+
+#include <asio/post.hpp>
+#include <vector>
+
+namespace ftp {
+namespace {
+
+constexpr std::size_t blockSize = 256 * 1024;
+/// After so many bytes in a row others get their turn.
+constexpr std::size_t fairShare = 4 * 1024 * 1024;
+constexpr std::chrono::milliseconds reportEvery { 33 };
+
+} // namespace
+
+void ProgressMeter::tell(std::int64_t bytes)
+{
+    m_next = std::chrono::steady_clock::now() + reportEvery;
+    if (m_report) {
+        m_report(bytes);
+    }
+}
+
+void ProgressMeter::add(std::int64_t bytes)
+{
+    m_bytes += bytes;
+    if (std::chrono::steady_clock::now() >= m_next) {
+        tell(m_bytes);
+    }
+}
+
+Awaitable<Status> receiveAll(Session &session, DataConnection &data,
+                             std::function<Status(std::string_view)> sink)
+{
+    std::vector<char> block(blockSize);
+    std::size_t inARow = 0;
+    for (;;) {
+        auto count = co_await data.stream().readSome(block.data(), block.size(), session.timeout());
+        if (!count) {
+            co_return tl::unexpected(count.error());
+        }
+        if (*count == 0) {
+            // Servers that close carefully wait for our end before they answer.
+            Status ended = co_await data.stream().finishSending(session.timeout());
+            ignoreError(ended, "everything is here");
+            data.drainAndClose();
+            co_return Status {};
+        }
+        Status taken = sink(std::string_view(block.data(), *count));
+        if (!taken) {
+            co_return taken;
+        }
+        inARow += *count;
+        if (inARow >= fairShare) {
+            inARow = 0;
+            co_await asio::post(session.executor(), asio::use_awaitable);
+        }
+    }
+}
+
+Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::string command)
+{
+    Status sent = co_await session.line().send(command);
+    if (!sent) {
+        co_return sent;
+    }
+    // Some servers answer before the TLS handshake, some behind it: both are waited for at once.
+    SideTask standing(session.executor(), data.establish());
+    auto answer = co_await session.dialogue().reply();
+    if (!answer || !answer->preliminary()) {
+        data.abort();
+        Status ended = co_await standing.join();
+        ignoreError(ended, "the reply tells why nothing comes");
+        if (!answer) {
+            session.markBroken();
+            co_return tl::unexpected(answer.error());
+        }
+        if (answer->done()) {
+            session.markBroken(); // a transfer that ended before it began: out of step
+            co_return fail(ErrorKind::Protocol, "The server ended a transfer before it began (" + answer->text() + ")");
+        }
+        co_return refusal(*answer);
+    }
+    co_return co_await standing.join();
+}
+
+Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken, Milliseconds limit)
+{
+    const bool stalled = !broken && (broken.error().kind == ErrorKind::Timeout || broken.error().kind == ErrorKind::Aborted);
+    if (!broken) {
+        data.abort();
+    }
+    if (stalled) {
+        session.markBroken(); // whatever the server does now, it does not concern us any more
+        co_return broken;
+    }
+    auto answer = co_await session.dialogue().reply(limit);
+    while (answer && answer->preliminary()) {
+        answer = co_await session.dialogue().reply(limit);
+    }
+    data.drainAndClose();
+    if (!answer) {
+        session.markBroken();
+        co_return tl::unexpected(broken || answer.error().replyCode != 0 ? answer.error() : broken.error());
+    }
+    if (!answer->done()) {
+        const bool ours = !broken && broken.error().kind != ErrorKind::ConnectionClosed;
+        co_return ours ? broken : Status(refusal(*answer)); // our disk full says more than "aborted"
+    }
+    co_return broken;
+}
+
+} // namespace ftp

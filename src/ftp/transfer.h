@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ftp/data_connection.h"
+#include "ftp/listing.h"
+#include "ftp/localfile.h"
+
+#include <chrono>
+#include <functional>
+
+namespace ftp {
+
+/// Reports bytes not more often than a person can see, and the last count for sure.
+class ProgressMeter {
+public:
+    using Report = std::function<void(std::int64_t bytes)>;
+    explicit ProgressMeter(Report report) : m_report(std::move(report)) { }
+    void start() { tell(0); }
+    void add(std::int64_t bytes);
+    void finish() { tell(m_bytes); }
+    [[nodiscard]] std::int64_t bytes() const { return m_bytes; }
+
+private:
+    void tell(std::int64_t bytes);
+    Report m_report;
+    std::int64_t m_bytes = 0;
+    std::chrono::steady_clock::time_point m_next {};
+};
+
+/// Reads a data connection to its end, block by block.
+Awaitable<Status> receiveAll(Session &session, DataConnection &data,
+                             std::function<Status(std::string_view)> sink);
+
+/// Sends a transfer command over a begun data connection and waits for the preliminary reply and
+/// the connection. A refusal leaves the session usable.
+Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::string command);
+
+/// Waits for the final reply of a transfer (RFC 959, section 5.4: 226 or 250).
+/// @param broken  what went wrong on the data connection, if anything; the server's reply, which
+///                tells the reason, wins over it
+Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken, Milliseconds limit);
+
+/// Text of a listing of the current folder.
+struct ListingText {
+    std::string bytes;
+    bool machine = false; ///< MLSD
+};
+Awaitable<Result<ListingText>> fetchListing(Session &session);
+/// The same, parsed; times as the server told them.
+Awaitable<Result<Listing>> listCurrentFolder(Session &session, std::string *rawText);
+
+/// A single file to be fetched.
+struct GetRequest {
+    std::string remotePath, localPath;
+    std::int64_t offset = 0; ///< bytes of localPath to keep
+    Type type = Type::Binary;
+};
+/// @return the offset that was really used
+Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request);
+
+/// A single file to be stored.
+struct PutRequest {
+    std::string localPath, remotePath;
+    std::int64_t offset = 0; ///< bytes of remotePath to keep
+    Type type = Type::Binary;
+};
+/// @return the offset that was really used
+Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request);
+
+} // namespace ftp
