@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 bool isSafeName(const QString &name)
 {
-    if (name.isEmpty() || name == QStringLiteral(".") || name == QStringLiteral("..")) {
+    if (name.isEmpty() || name == u"."_s || name == u".."_s) {
         return false;
     }
     return std::none_of(name.begin(), name.end(), [](QChar character) {

@@ -8,20 +8,21 @@
 
 #include <QScopeGuard>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int CountLimit = 30; // milliseconds that the question may be late
 
 QString labelOf(const MarkedItem &item)
 {
-    return (ItemKind::isFolderLike(item.kind) ? QStringLiteral("Ordner: ") : QStringLiteral("Datei: "))
-        + item.name;
+    return (ItemKind::isFolderLike(item.kind) ? u"Ordner: "_s : u"Datei: "_s) + item.name;
 }
 
 QueueRow outcome(const std::optional<QString> &reason)
 {
     QueueRow row;
-    row.status = reason ? QStringLiteral("Löschen verweigert") : QStringLiteral("Löschen");
+    row.status = reason ? u"Löschen verweigert"_s : u"Löschen"_s;
     row.detail = reason.value_or(QString());
     row.failed = reason.has_value();
     return row;
@@ -91,9 +92,9 @@ void DeleteCommand::DeleteLocalItems()
 
 bool DeleteCommand::confirmed(int count, const QString &details)
 {
-    return m_work.prompts.confirm(QStringLiteral("Sind Sie sicher, dass Sie ") + QString::number(count)
-                                      + QStringLiteral(" Dateien oder Ordner löschen möchten?"),
-                                  QStringLiteral("Confirm Delete"), details);
+    return m_work.prompts.confirm(u"Sind Sie sicher, dass Sie "_s + QString::number(count)
+                                      + u" Dateien oder Ordner löschen möchten?"_s,
+                                  u"Confirm Delete"_s, details);
 }
 
 QString DeleteCommand::localDetails(const MarkedItemList &items) const
@@ -113,10 +114,9 @@ QString DeleteCommand::localDetails(const MarkedItemList &items) const
         whole.files += inside->files;
         whole.folders += inside->folders;
     }
-    return folders ? QStringLiteral("In den Ordnern: %1 Dateien und %2 Ordner.")
-                         .arg(whole.files)
-                         .arg(whole.folders)
-                   : QString();
+    return folders
+        ? u"In den Ordnern: %1 Dateien und %2 Ordner."_s.arg(whole.files).arg(whole.folders)
+        : QString();
 }
 
 void DeleteCommand::deleteMarked(Pane &pane, const MarkedItemList &items,
@@ -207,6 +207,6 @@ DeleteCommand::Reason DeleteCommand::removeLocal(const MarkedItem &item, const Q
 
 void DeleteCommand::refuse(Pane &pane, const MarkedItem &item, const QString &reason)
 {
-    m_work.shell.AppendLog(QStringLiteral("\r\n") + reason);
+    m_work.shell.AppendLog(u"\r\n"_s + reason);
     unmark(pane, item);
 }

@@ -12,6 +12,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr std::array<int, 3> weights { 4, 2, 1 }; // read, write, run
@@ -31,8 +33,8 @@ frm_rechte::frm_rechte(PermissionChoice &choice, QWidget *parent)
     : QDialog(parent)
     , m_choice(choice)
 {
-    setObjectName(QStringLiteral("frm_rechte"));
-    setWindowTitle(QStringLiteral("Dateirechte einstellen (Unix chmod)"));
+    setObjectName(u"frm_rechte"_s);
+    setWindowTitle(u"Dateirechte einstellen (Unix chmod)"_s);
     build();
     m_choice.PermissionsConfirmed = false;
     setBoxes(m_choice.PermissionMode);
@@ -43,30 +45,30 @@ void frm_rechte::build()
 {
     auto *groups = new QHBoxLayout;
     groups->setSpacing(12);
-    groups->addWidget(buildGroup(1, QStringLiteral("Besitzer")));
-    groups->addWidget(buildGroup(2, QStringLiteral("Benutzergruppe")));
-    groups->addWidget(buildGroup(3, QStringLiteral("Andere")));
+    groups->addWidget(buildGroup(1, u"Besitzer"_s));
+    groups->addWidget(buildGroup(2, u"Benutzergruppe"_s));
+    groups->addWidget(buildGroup(3, u"Andere"_s));
 
     lbl_rechte = new QLabel(this);
-    lbl_rechte->setObjectName(QStringLiteral("lbl_rechte"));
+    lbl_rechte->setObjectName(u"lbl_rechte"_s);
     QFont bold = lbl_rechte->font();
     bold.setBold(true);
     lbl_rechte->setFont(bold);
-    QPushButton *chmod = addButton(QStringLiteral("cmd_chmod"), QStringLiteral("chmod 755"));
-    chmod->setToolTip(QStringLiteral("Wird häufig für Dateien im cgi-bin Ordner benötigt"));
+    QPushButton *chmod = addButton(u"cmd_chmod"_s, u"chmod 755"_s);
+    chmod->setToolTip(u"Wird häufig für Dateien im cgi-bin Ordner benötigt"_s);
     connect(chmod, &QPushButton::clicked, this, &frm_rechte::cmd_chmod_Click);
     auto *number = new QHBoxLayout;
     number->setSpacing(6);
-    number->addWidget(new QLabel(QStringLiteral("Gewählte Unix Dateirechte:"), this));
+    number->addWidget(new QLabel(u"Gewählte Unix Dateirechte:"_s, this));
     number->addWidget(lbl_rechte, 1);
     number->addWidget(chmod);
 
-    QPushButton *ok = addButton(QStringLiteral("cmd_ok"), QStringLiteral("&Ok"));
+    QPushButton *ok = addButton(u"cmd_ok"_s, u"&Ok"_s);
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &frm_rechte::cmd_ok_Click);
-    QPushButton *cancel = addButton(QStringLiteral("cmd_abbrechen"), QStringLiteral("&Abbrechen"));
+    QPushButton *cancel = addButton(u"cmd_abbrechen"_s, u"&Abbrechen"_s);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    QPushButton *help = addButton(QStringLiteral("cmd_hilfe"), QStringLiteral("Hilfe"));
+    QPushButton *help = addButton(u"cmd_hilfe"_s, u"Hilfe"_s);
     connect(help, &QPushButton::clicked, this, &frm_rechte::cmd_hilfe_Click);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(6);
@@ -85,15 +87,13 @@ void frm_rechte::build()
 
 QGroupBox *frm_rechte::buildGroup(int number, const QString &title)
 {
-    static const std::array<QString, 3> captions { QStringLiteral("lesen"),
-                                                   QStringLiteral("schreiben"),
-                                                   QStringLiteral("ausführen") };
+    static const std::array<QString, 3> captions { u"lesen"_s, u"schreiben"_s, u"ausführen"_s };
     auto *group = new QGroupBox(title, this);
     auto *column = new QVBoxLayout(group);
     column->setSpacing(6);
     for (std::size_t index = 0; index < captions.size(); ++index) {
         auto *box = new QCheckBox(captions.at(index), group);
-        box->setObjectName(QStringLiteral("chk_rechte%1_%2").arg(number).arg(index));
+        box->setObjectName(u"chk_rechte%1_%2"_s.arg(number).arg(index));
         column->addWidget(box);
         connect(box, &QCheckBox::toggled, this, &frm_rechte::rechte_aktu);
         m_boxes.at(static_cast<std::size_t>(number - 1)).at(index) = box;

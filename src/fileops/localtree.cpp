@@ -13,6 +13,8 @@
 #include <unistd.h>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// A file descriptor that closes itself.
@@ -93,8 +95,7 @@ private:
 void Removal::failed(const QByteArray &path, int error)
 {
     if (!m_first) {
-        m_first = QFile::decodeName(path) + QStringLiteral(": ")
-            + QString::fromLocal8Bit(std::strerror(error));
+        m_first = QFile::decodeName(path) + u": "_s + QString::fromLocal8Bit(std::strerror(error));
     }
 }
 
@@ -187,7 +188,7 @@ std::optional<QString> removeLocalFile(const QString &path)
     if (::unlink(QFile::encodeName(path).constData()) == 0) {
         return std::nullopt;
     }
-    return path + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno));
+    return path + u": "_s + QString::fromLocal8Bit(std::strerror(errno));
 }
 
 std::optional<TreeCount> countLocalTree(const QString &path, int limitMilliseconds)

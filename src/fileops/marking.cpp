@@ -31,8 +31,8 @@ int markSelected(Pane &pane, Globals &globals, bool singleOnly, QChar separator)
             continue;
         }
         const PaneRow &entry = pane.model().row(row);
-        globals.marked.MarkedItems.append({ entry.name, folderOf(entry, pane.folder(), separator),
-                                            entry.kind, entry.size, row });
+        globals.marked.MarkedItems.append(
+            { entry.name, folderOf(entry, pane.folder(), separator), entry.kind, entry.size, row });
         ++globals.marked.MarkedCount;
         pane.model().setMarked(row, true);
     }

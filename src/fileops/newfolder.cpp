@@ -7,10 +7,12 @@
 #include <QScopeGuard>
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int LastCount = std::numeric_limits<qint16>::max();
-const QString baseName = QStringLiteral("Ordner");
+const QString baseName = u"Ordner"_s;
 
 void addAndEdit(Pane &pane, const QString &name, const QString &folder)
 {
@@ -87,8 +89,7 @@ void NewFolderCommand::MakeLocalFolder()
         return;
     }
     if (!QDir().mkdir(folder + name)) {
-        m_work.shell.AppendLog(folder + name
-                               + QStringLiteral(": Der Ordner konnte nicht angelegt werden.\r\n"));
+        m_work.shell.AppendLog(folder + name + u": Der Ordner konnte nicht angelegt werden.\r\n"_s);
         return;
     }
     addAndEdit(m_work.local, name, folder);

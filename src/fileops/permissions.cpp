@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 PermissionDigits digitsOf(int mode)
 {
     const int value = std::max(mode, 0);
@@ -15,10 +17,7 @@ int modeOf(const PermissionDigits &digits)
     return digits.owner * 100 + digits.group * 10 + digits.others;
 }
 
-int clampMode(qint64 mode)
-{
-    return static_cast<int>(std::clamp<qint64>(mode, 0, 777));
-}
+int clampMode(qint64 mode) { return static_cast<int>(std::clamp<qint64>(mode, 0, 777)); }
 
 void PermissionCommand::mnu_rechte_Click()
 {
@@ -31,16 +30,21 @@ void PermissionCommand::mnu_rechte_Click()
         return;
     }
     const QString mode = QString::number(globals.permissions.PermissionMode);
-    QueueRow record { QStringLiteral("Dateirechte"), QStringLiteral("setzen auf"), mode,
-                      QStringLiteral(">"), m_work.remote.folder(), globals.connection.RemoteHost,
-                      {}, false };
+    QueueRow record { u"Dateirechte"_s,
+                      u"setzen auf"_s,
+                      mode,
+                      u">"_s,
+                      m_work.remote.folder(),
+                      globals.connection.RemoteHost,
+                      {},
+                      false };
     MarkSelectedRemote(m_work.remote, globals, false);
     const MarkedItemList items = globals.marked;
     QStringList refusals;
     for (int slot = 1; slot < items.MarkedCount; ++slot) {
         const MarkedItem &item = items.MarkedItems.at(slot);
         if (const auto refusal = setMode(item, mode)) {
-            refusals.append(item.name + QStringLiteral(": ") + *refusal);
+            refusals.append(item.name + u": "_s + *refusal);
         }
     }
     record.failed = !refusals.isEmpty();
@@ -51,9 +55,8 @@ void PermissionCommand::mnu_rechte_Click()
 std::optional<QString> PermissionCommand::setMode(const MarkedItem &item, const QString &mode)
 {
     // The reply completes the line.
-    m_work.shell.AppendLog(item.name + QStringLiteral(" > "));
-    const FtpStatus sent
-        = m_work.ftp.sendRaw(QStringLiteral("SITE chmod ") + mode + u' ' + item.name);
+    m_work.shell.AppendLog(item.name + u" > "_s);
+    const FtpStatus sent = m_work.ftp.sendRaw(u"SITE chmod "_s + mode + u' ' + item.name);
     if (const int row = rowOf(m_work.remote, item); row >= 0) {
         PaneRow entry = m_work.remote.model().row(row);
         entry.marked = false;

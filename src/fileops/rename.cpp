@@ -11,12 +11,11 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-QString taken(const QString &name)
-{
-    return name + QStringLiteral(": Der Name ist schon vergeben.");
-}
+QString taken(const QString &name) { return name + u": Der Name ist schon vergeben."_s; }
 
 /// For file systems that cannot rename without replacing: looks first. A name that differs only in
 /// case may be the same entry there.
@@ -60,8 +59,8 @@ std::optional<QString> renameLocal(const QString &from, const QString &to)
 {
     const QByteArray source = QFile::encodeName(from);
     const QByteArray target = QFile::encodeName(to);
-    int result = ::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(),
-                             RENAME_NOREPLACE);
+    int result
+        = ::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE);
     if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
         result = renameAfterLook(source.constData(), target.constData());
     }
@@ -69,7 +68,7 @@ std::optional<QString> renameLocal(const QString &from, const QString &to)
         return std::nullopt;
     }
     return errno == EEXIST ? taken(to)
-                           : from + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno));
+                           : from + u": "_s + QString::fromLocal8Bit(std::strerror(errno));
 }
 
 FtpResult<bool> remoteNameTaken(FtpOperations &ftp, const QString &name)
@@ -97,7 +96,7 @@ void RenameCommand::RenameRemoteAfterEdit(int row, const QString &newText)
         return;
     }
     if (const auto refused = renameRemote(caption, newText)) {
-        m_work.shell.AppendLog(*refused + QStringLiteral("\r\n"));
+        m_work.shell.AppendLog(*refused + u"\r\n"_s);
         return;
     }
     changeName(m_work.remote, caption, newText,
@@ -112,13 +111,13 @@ std::optional<QString> RenameCommand::renameRemote(const QString &from, const QS
     // Many servers replace an existing file without a word, so they are asked what is there now.
     const FtpResult<bool> exists = remoteNameTaken(m_work.ftp, to);
     if (!exists) {
-        return from + QStringLiteral(": Nicht umbenannt, der Ordner konnte nicht gelesen werden.");
+        return from + u": Nicht umbenannt, der Ordner konnte nicht gelesen werden."_s;
     }
     if (*exists) {
         return taken(to);
     }
     if (const FtpStatus renamed = m_work.ftp.rename(from, to); !renamed) {
-        return from + QStringLiteral(": Umbenennen verweigert.");
+        return from + u": Umbenennen verweigert."_s;
     }
     return std::nullopt;
 }
@@ -131,7 +130,7 @@ void RenameCommand::RenameLocalAfterEdit(int row, const QString &newText)
     }
     const QString folder = withSeparator(m_work.local.folder(), LocalSeparator);
     if (const auto failed = renameLocal(folder + caption, folder + newText)) {
-        m_work.shell.AppendLog(*failed + QStringLiteral("\r\n"));
+        m_work.shell.AppendLog(*failed + u"\r\n"_s);
         return;
     }
     changeName(m_work.local, caption, newText, folder + newText);

@@ -9,6 +9,8 @@
 #include <QScopeGuard>
 #include <QTime>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int Opened = 33;
@@ -63,8 +65,7 @@ void ViewCommand::ViewRemoteFile(int row)
         return;
     }
     if (!isSafeName(entry.name)) {
-        m_work.shell.AppendLog(entry.name
-                               + QStringLiteral(": Der Name ist als Dateiname nicht zulässig.\r\n"));
+        m_work.shell.AppendLog(entry.name + u": Der Name ist als Dateiname nicht zulässig.\r\n"_s);
         return;
     }
     m_work.shell.SetToolbarsEnabled(false);

@@ -71,7 +71,4 @@ void Batch::record(QueueRow row, const std::optional<FtpError> &failure, const Q
     }
 }
 
-double Batch::now()
-{
-    return QTime::currentTime().msecsSinceStartOfDay() / 1000.0;
-}
+double Batch::now() { return QTime::currentTime().msecsSinceStartOfDay() / 1000.0; }

@@ -15,7 +15,10 @@ public:
     /// cleared; after an abort, a lost connection or stop() no further item begins.
     /// @param one  gets the slot of the item
     void run(Pane &source, const std::function<void(int record)> &one);
-    [[nodiscard]] const MarkedItem &item(int record) const { return m_items.MarkedItems.at(record); }
+    [[nodiscard]] const MarkedItem &item(int record) const
+    {
+        return m_items.MarkedItems.at(record);
+    }
 
     /// To be called before every transfer call: labels, transfer type and start time.
     void announce(const QString &label, const QString &sizeText);

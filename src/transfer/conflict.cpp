@@ -4,9 +4,11 @@
 #include "fileops/rename.h"
 #include "transfer/decisions.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString lineBreak = QStringLiteral("\r\n");
+const QString lineBreak = u"\r\n"_s;
 
 bool paneHolds(Pane &pane, const QString &folder, const QString &name)
 {
@@ -21,7 +23,7 @@ void renameRemote(const Workplace &work, const QString &name)
     }
     const FtpResult<bool> taken = remoteNameTaken(work.ftp, name);
     if (!taken || *taken) {
-        work.shell.AppendLog(name + QStringLiteral(": Der Name ist schon vergeben.") + lineBreak);
+        work.shell.AppendLog(name + u": Der Name ist schon vergeben."_s + lineBreak);
         return;
     }
     ignoreError(work.ftp.rename(item.RemoteDir + item.RemoteName, item.RemoteDir + name),

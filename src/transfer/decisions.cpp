@@ -1,5 +1,7 @@
 #include "transfer/decisions.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Size of the file that would be overwritten; the resume offset later on.
@@ -21,14 +23,13 @@ ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport
     const QString local = described(state.LocalDir + state.LocalName, state.LocalSize);
     const QString remote = described(state.RemoteDir + state.RemoteName, state.RemoteSize);
     const auto message = [](const QString &target, const QString &source) {
-        return QStringLiteral("Überschreiben ") + target + QStringLiteral(" mit ") + source;
+        return u"Überschreiben "_s + target + u" mit "_s + source;
     };
     if (state.IsUpload) {
-        return { QStringLiteral("Dateiupload..."), message(remote, local),
-                 state.RemoteSize < state.LocalSize };
+        return { u"Dateiupload..."_s, message(remote, local), state.RemoteSize < state.LocalSize };
     }
     // Intended: the caption speaks of an upload for downloads, too.
-    return { QStringLiteral("Dateiupload fortsetzen..."), message(local, remote),
+    return { u"Dateiupload fortsetzen..."_s, message(local, remote),
              state.LocalSize < state.RemoteSize && resumeSupport };
 }
 

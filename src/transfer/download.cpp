@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 
+using namespace Qt::StringLiterals;
+
 void Download::DownloadSelection(const QString &target)
 {
     m_batch.run(m_tools.work.remote, [&](int slot) {
@@ -49,7 +51,7 @@ void Download::DownloadFile(const QString &target, int record)
     auto refusal = refuseName(item.name);
     refusal = refusal ? refusal : refuseSpecial(localPath());
     if (refusal) {
-        m_tools.work.shell.AppendLog(refusal->text + QStringLiteral("\r\n"));
+        m_tools.work.shell.AppendLog(refusal->text + u"\r\n"_s);
         this->record(item.sizeText, refusal, {});
         return;
     }
@@ -61,11 +63,11 @@ void Download::DownloadFile(const QString &target, int record)
     if (m_state.SkipCurrent) {
         return;
     }
-    m_batch.announce(QStringLiteral("Datei: ") + item.name, item.sizeText);
+    m_batch.announce(u"Datei: "_s + item.name, item.sizeText);
     const auto failure = getFile();
     // Intended: the row says "Download" even when nothing came; icon and tool tip tell.
     this->record(item.sizeText, failure,
-                 QString::number(QFileInfo(localPath()).size()) + QStringLiteral(" Bytes"));
+                 QString::number(QFileInfo(localPath()).size()) + u" Bytes"_s);
 }
 
 void Download::askAboutFile()
@@ -103,7 +105,7 @@ void Download::DownloadFolder(const QString &target, int record)
         return;
     }
     if (const auto refusal = refuseName(item.name)) {
-        m_tools.work.shell.AppendLog(refusal->text + QStringLiteral("\r\n"));
+        m_tools.work.shell.AppendLog(refusal->text + u"\r\n"_s);
         this->record({}, refusal, {});
         return;
     }
@@ -114,7 +116,7 @@ void Download::DownloadFolder(const QString &target, int record)
     if (m_state.SkipCurrent) {
         return;
     }
-    m_batch.announce(QStringLiteral("Ordner: ") + item.name, {});
+    m_batch.announce(u"Ordner: "_s + item.name, {});
     this->record({}, getFolder(), {});
 }
 
@@ -130,7 +132,6 @@ std::optional<FtpError> Download::getFolder()
 void Download::record(const QString &sizeText, const std::optional<FtpError> &failure,
                       const QString &success)
 {
-    m_batch.record({ QStringLiteral("Download"), localPath(), sizeText, QStringLiteral("<--"),
-                     remotePath(), {}, {}, false },
+    m_batch.record({ u"Download"_s, localPath(), sizeText, u"<--"_s, remotePath(), {}, {}, false },
                    failure, success);
 }

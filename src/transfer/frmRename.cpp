@@ -8,12 +8,14 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 frmRename::frmRename(const QString &existing, Prompts &prompts, QWidget *parent)
     : QDialog(parent)
     , m_prompts(prompts)
 {
-    setObjectName(QStringLiteral("frmRename"));
-    setWindowTitle(QStringLiteral("Umbenennen"));
+    setObjectName(u"frmRename"_s);
+    setWindowTitle(u"Umbenennen"_s);
     build();
     txtRename->setText(existing);
     txtRename->selectAll();
@@ -21,18 +23,18 @@ frmRename::frmRename(const QString &existing, Prompts &prompts, QWidget *parent)
 
 void frmRename::build()
 {
-    auto *Label1 = new QLabel(QStringLiteral("Neuer Name für die vorhandene Datei"), this);
-    Label1->setObjectName(QStringLiteral("Label1"));
+    auto *Label1 = new QLabel(u"Neuer Name für die vorhandene Datei"_s, this);
+    Label1->setObjectName(u"Label1"_s);
     txtRename = new QLineEdit(this);
-    txtRename->setObjectName(QStringLiteral("txtRename"));
+    txtRename->setObjectName(u"txtRename"_s);
     txtRename->setMinimumWidth(340);
     Label1->setBuddy(txtRename);
-    auto *cmdOK = new QPushButton(QStringLiteral("&OK"), this);
-    cmdOK->setObjectName(QStringLiteral("cmdOK"));
+    auto *cmdOK = new QPushButton(u"&OK"_s, this);
+    cmdOK->setObjectName(u"cmdOK"_s);
     cmdOK->setDefault(true);
     connect(cmdOK, &QPushButton::clicked, this, &frmRename::cmdOK_Click);
-    auto *cmdCancel = new QPushButton(QStringLiteral("&Abbrechen"), this);
-    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    auto *cmdCancel = new QPushButton(u"&Abbrechen"_s, this);
+    cmdCancel->setObjectName(u"cmdCancel"_s);
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 
     auto *buttons = new QHBoxLayout;
@@ -53,8 +55,8 @@ void frmRename::cmdOK_Click()
 {
     txtRename->setText(trimBlanks(txtRename->text()));
     if (txtRename->text().isEmpty()) {
-        m_prompts.message(QStringLiteral(
-            "Bitte geben Sie einen gültigen Dateinamen an oder wählen Sie 'Abbrechen'."));
+        m_prompts.message(
+            u"Bitte geben Sie einen gültigen Dateinamen an oder wählen Sie 'Abbrechen'."_s);
         txtRename->setFocus();
         return;
     }

@@ -3,43 +3,38 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 frmTransfer::frmTransfer(const ConflictQuestion &question, QWidget *parent)
     : QDialog(parent)
 {
-    setObjectName(QStringLiteral("frmTransfer"));
+    setObjectName(u"frmTransfer"_s);
     build();
     setWindowTitle(question.caption);
     lblMessage->setText(question.message);
-    findChild<QPushButton *>(QStringLiteral("cmdResume"))->setEnabled(question.mayResume);
+    findChild<QPushButton *>(u"cmdResume"_s)->setEnabled(question.mayResume);
 }
 
-ConflictReply frmTransfer::reply() const
-{
-    return { m_answer, chkSelectedAll->isChecked() };
-}
+ConflictReply frmTransfer::reply() const { return { m_answer, chkSelectedAll->isChecked() }; }
 
 void frmTransfer::build()
 {
     lblMessage = new QLabel(this);
-    lblMessage->setObjectName(QStringLiteral("lblMessage"));
+    lblMessage->setObjectName(u"lblMessage"_s);
     lblMessage->setTextFormat(Qt::PlainText); // names come from servers
     lblMessage->setWordWrap(true);
     lblMessage->setMinimumWidth(440);
-    chkSelectedAll = new QCheckBox(QStringLiteral("Alle"), this);
-    chkSelectedAll->setObjectName(QStringLiteral("chkSelectedAll"));
+    chkSelectedAll = new QCheckBox(u"Alle"_s, this);
+    chkSelectedAll->setObjectName(u"chkSelectedAll"_s);
 
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(6);
     buttons->addWidget(chkSelectedAll);
     buttons->addStretch();
-    buttons->addWidget(addButton(QStringLiteral("cmdTransfer"), QStringLiteral("Über&schreiben"),
-                                 ConflictAnswer::Overwrite));
-    buttons->addWidget(addButton(QStringLiteral("cmdResume"), QStringLiteral("&Fortsetzen"),
-                                 ConflictAnswer::Resume));
-    buttons->addWidget(addButton(QStringLiteral("cmdRename"), QStringLiteral("&Umbenennen"),
-                                 ConflictAnswer::Rename));
-    QPushButton *cancel = addButton(QStringLiteral("cmdCancel"), QStringLiteral("&Abbrechen"),
-                                    ConflictAnswer::Skip);
+    buttons->addWidget(addButton(u"cmdTransfer"_s, u"Über&schreiben"_s, ConflictAnswer::Overwrite));
+    buttons->addWidget(addButton(u"cmdResume"_s, u"&Fortsetzen"_s, ConflictAnswer::Resume));
+    buttons->addWidget(addButton(u"cmdRename"_s, u"&Umbenennen"_s, ConflictAnswer::Rename));
+    QPushButton *cancel = addButton(u"cmdCancel"_s, u"&Abbrechen"_s, ConflictAnswer::Skip);
     buttons->addWidget(cancel);
     cancel->setDefault(true); // Enter must not overwrite a file
     cancel->setFocus();

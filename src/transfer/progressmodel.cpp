@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr qsizetype LongestItemText = 15;
 }
@@ -67,10 +69,9 @@ void ProgressModel::advance(qint64 done)
 
 void ProgressModel::ShowTransferItem(const QString &text, const QString &sizeText)
 {
-    m_file = text.size() > LongestItemText ? text.left(LongestItemText) + QStringLiteral("...") : text;
-    m_rate = sizeText.isEmpty() ? QString() : QStringLiteral("0 Bytes");
-    m_size = sizeText.isEmpty() ? QString()
-                                : QStringLiteral("von ") + FormatSize(lenientInteger(sizeText));
+    m_file = text.size() > LongestItemText ? text.left(LongestItemText) + u"..."_s : text;
+    m_rate = sizeText.isEmpty() ? QString() : u"0 Bytes"_s;
+    m_size = sizeText.isEmpty() ? QString() : u"von "_s + FormatSize(lenientInteger(sizeText));
     Q_EMIT changed();
 }
 

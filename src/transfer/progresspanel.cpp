@@ -8,10 +8,13 @@
 #include <QPushButton>
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// A label of fixed width: nothing moves when its text changes.
-QLabel *addLabel(QWidget *parent, const QString &name, const QString &widest, Qt::Alignment alignment)
+QLabel *addLabel(QWidget *parent, const QString &name, const QString &widest,
+                 Qt::Alignment alignment)
 {
     auto *label = new QLabel(parent);
     label->setObjectName(name);
@@ -37,30 +40,25 @@ ProgressPanel::ProgressPanel(ProgressModel &model, QWidget *parent)
     : QFrame(parent)
     , m_model(model)
 {
-    setObjectName(QStringLiteral("frame_transfer"));
+    setObjectName(u"frame_transfer"_s);
     build();
     connect(&model, &ProgressModel::changed, this, &ProgressPanel::showModel);
     showModel();
 }
 
-void ProgressPanel::setAbortEnabled(bool enabled)
-{
-    cmdAbort->setEnabled(enabled);
-}
+void ProgressPanel::setAbortEnabled(bool enabled) { cmdAbort->setEnabled(enabled); }
 
 void ProgressPanel::build()
 {
-    lblFileName = addLabel(this, QStringLiteral("lblFileName"), QStringLiteral("Ordner: MMMMMMM..."),
-                           Qt::AlignLeft);
+    lblFileName = addLabel(this, u"lblFileName"_s, u"Ordner: MMMMMMM..."_s, Qt::AlignLeft);
     Progress = new QProgressBar(this);
-    Progress->setObjectName(QStringLiteral("Progress"));
-    Progress->setAccessibleName(QStringLiteral("Fortschritt"));
+    Progress->setObjectName(u"Progress"_s);
+    Progress->setAccessibleName(u"Fortschritt"_s);
     Progress->setTextVisible(false);
-    lblRate = addLabel(this, QStringLiteral("lblRate"), QStringLiteral("99999,9 MB"), Qt::AlignRight);
-    lblFileSize = addLabel(this, QStringLiteral("lblFileSize"), QStringLiteral("von 99999,9 MB"),
-                           Qt::AlignLeft);
-    cmdAbort = new QPushButton(QStringLiteral("Abbrechen"), this);
-    cmdAbort->setObjectName(QStringLiteral("cmdAbort"));
+    lblRate = addLabel(this, u"lblRate"_s, u"99999,9 MB"_s, Qt::AlignRight);
+    lblFileSize = addLabel(this, u"lblFileSize"_s, u"von 99999,9 MB"_s, Qt::AlignLeft);
+    cmdAbort = new QPushButton(u"Abbrechen"_s, this);
+    cmdAbort->setObjectName(u"cmdAbort"_s);
     cmdAbort->setEnabled(false);
     connect(cmdAbort, &QPushButton::clicked, this, &ProgressPanel::abortClicked);
 

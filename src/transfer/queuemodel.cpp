@@ -1,10 +1,12 @@
 #include "transfer/queuemodel.h"
 
+#include <QApplication>
 #include <QCollator>
 #include <QStyle>
-#include <QApplication>
 #include <algorithm>
 #include <numeric>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -31,8 +33,7 @@ QString cellText(const QueueRow &row, int column)
 /// Directions stand only in rows of downloads and uploads.
 bool isFailedTransfer(const QueueRow &row)
 {
-    return row.failed
-        && (row.direction == QStringLiteral("<--") || row.direction == QStringLiteral("-->"));
+    return row.failed && (row.direction == u"<--"_s || row.direction == u"-->"_s);
 }
 
 QVariant statusIcon(const QueueRow &row)
@@ -87,9 +88,7 @@ QVariant QueueModel::data(const QModelIndex &index, int role) const
 QVariant QueueModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     static const QStringList headers {
-        QStringLiteral("Status"),   QStringLiteral("Lokal"),
-        QStringLiteral("Größe"),    QStringLiteral("Richtung"),
-        QStringLiteral("Server Verzeichnis"), QStringLiteral("Server"),
+        u"Status"_s, u"Lokal"_s, u"Größe"_s, u"Richtung"_s, u"Server Verzeichnis"_s, u"Server"_s,
     };
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};

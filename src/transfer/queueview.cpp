@@ -9,13 +9,15 @@
 #include <QMenu>
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 QueueView::QueueView(QueueModel &model, Prompts &prompts, QWidget *parent)
     : QTreeView(parent)
     , m_model(model)
     , m_prompts(prompts)
 {
-    setObjectName(QStringLiteral("lvwStatus"));
-    setAccessibleName(QStringLiteral("Übertragungen"));
+    setObjectName(u"lvwStatus"_s);
+    setAccessibleName(u"Übertragungen"_s);
     setModel(&model);
     setRootIsDecorated(false);
     setUniformRowHeights(true);
@@ -37,8 +39,7 @@ void QueueView::AddQueueRow(const QueueRow &row)
 void QueueView::DeleteSelectedQueueRows()
 {
     // Intended: the question comes also with nothing selected.
-    if (m_prompts.confirm(QStringLiteral("Delete queue items selected?"),
-                          QStringLiteral("Confirm Delete Queue Items"))) {
+    if (m_prompts.confirm(u"Delete queue items selected?"_s, u"Confirm Delete Queue Items"_s)) {
         m_model.removeRowsAt(selectedRows());
     }
 }
@@ -66,11 +67,11 @@ void QueueView::showMenu(const QPoint &position)
 {
     const QModelIndex at = indexAt(position);
     QMenu menu(this);
-    QAction *retry = menu.addAction(QStringLiteral("Fehlgeschlagene erneut übertragen"));
+    QAction *retry = menu.addAction(u"Fehlgeschlagene erneut übertragen"_s);
     retry->setEnabled(m_model.hasFailedTransfers());
-    QAction *open = menu.addAction(QStringLiteral("Lokalen Ordner öffnen"));
+    QAction *open = menu.addAction(u"Lokalen Ordner öffnen"_s);
     open->setEnabled(at.isValid() && m_model.row(at.row()).local.startsWith(u'/'));
-    QAction *copy = menu.addAction(QStringLiteral("Zeile kopieren"));
+    QAction *copy = menu.addAction(u"Zeile kopieren"_s);
     copy->setEnabled(at.isValid());
     const QAction *chosen = menu.exec(viewport()->mapToGlobal(position));
     if (chosen == retry) {

@@ -1,5 +1,7 @@
 #include "transfer/quota.h"
 
+using namespace Qt::StringLiterals;
+
 QString quotaMessage()
 {
     // Intended: the doubled "wir".
@@ -12,12 +14,12 @@ QString quotaMessage()
 
 void explainSpaceReply(const FtpEvent &event, Prompts &prompts, Shell &shell)
 {
-    if (event.text.startsWith(QStringLiteral("451"))) {
-        shell.AppendLog(quotaMessage() + QStringLiteral("\r\n"));
+    if (event.text.startsWith(u"451"_s)) {
+        shell.AppendLog(quotaMessage() + u"\r\n"_s);
         prompts.message(quotaMessage());
-    } else if (event.text.startsWith(QStringLiteral("452"))) {
-        shell.AppendLog(QStringLiteral("Auf dem Server ist kein Platz mehr frei.\r\n"));
-    } else if (event.text.startsWith(QStringLiteral("552"))) {
-        shell.AppendLog(QStringLiteral("Ihr Speicherplatz auf dem Server reicht nicht aus.\r\n"));
+    } else if (event.text.startsWith(u"452"_s)) {
+        shell.AppendLog(u"Auf dem Server ist kein Platz mehr frei.\r\n"_s);
+    } else if (event.text.startsWith(u"552"_s)) {
+        shell.AppendLog(u"Ihr Speicherplatz auf dem Server reicht nicht aus.\r\n"_s);
     }
 }

@@ -34,6 +34,8 @@
     if (!info.exists() || info.isFile() || info.isDir()) {
         return std::nullopt;
     }
-    return FtpError { ftp::ErrorKind::LocalFile, 0,
-                      path + QStringLiteral(": Pipes, Sockets und Geräte werden nicht übertragen.") };
+    return FtpError {
+        ftp::ErrorKind::LocalFile, 0,
+        path + QStringLiteral(": Pipes, Sockets und Geräte werden nicht übertragen.")
+    };
 }

@@ -8,6 +8,8 @@
 
 #include <QFileInfo>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Folder that a drop goes to: the folder row under the pointer, else the folder of the pane.
@@ -29,14 +31,11 @@ struct Retry {
     [[nodiscard]] bool operator==(const Retry &) const = default;
 };
 
-QString folderOf(const QString &path)
-{
-    return path.left(path.lastIndexOf(u'/') + 1);
-}
+QString folderOf(const QString &path) { return path.left(path.lastIndexOf(u'/') + 1); }
 
 Retry retryOf(const QueueRow &row)
 {
-    const bool upload = row.direction == QStringLiteral("-->");
+    const bool upload = row.direction == u"-->"_s;
     return { upload, folderOf(upload ? row.local : row.remote),
              folderOf(upload ? row.remote : row.local) };
 }
@@ -90,8 +89,8 @@ void TransferCommands::cmd_upload_Click()
 void TransferCommands::dropOnLocal(int row)
 {
     const QString target = dropTarget(m_tools.work.local, row, localTarget(), LocalSeparator);
-    if (dropConfirmed(m_tools.work.remote, QStringLiteral(" Dateien oder Ordner Downloaden?"),
-                      QStringLiteral("Retrieve..."))) {
+    if (dropConfirmed(m_tools.work.remote, u" Dateien oder Ordner Downloaden?"_s,
+                      u"Retrieve..."_s)) {
         Download(m_tools).DownloadSelection(target);
     }
 }
@@ -99,8 +98,7 @@ void TransferCommands::dropOnLocal(int row)
 void TransferCommands::dropOnRemote(int row)
 {
     const QString target = dropTarget(m_tools.work.remote, row, remoteTarget(), u'/');
-    if (dropConfirmed(m_tools.work.local, QStringLiteral(" Dateien oder Ordner Uploaden?"),
-                      QStringLiteral("Store..."))) {
+    if (dropConfirmed(m_tools.work.local, u" Dateien oder Ordner Uploaden?"_s, u"Store..."_s)) {
         Upload(m_tools).UploadSelection(target);
     }
 }

@@ -8,6 +8,8 @@
 #include <QScopeGuard>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 void Upload::UploadSelection(const QString &target)
 {
     m_target = withSeparator(target, u'/');
@@ -66,7 +68,7 @@ void Upload::UploadFile(const QString &folder, int record)
         return;
     }
     if (const auto refusal = m_unreachable ? m_unreachable : refuseSpecial(localPath())) {
-        m_tools.work.shell.AppendLog(refusal->text + QStringLiteral("\r\n"));
+        m_tools.work.shell.AppendLog(refusal->text + u"\r\n"_s);
         this->record(item.sizeText, refusal, {});
         return;
     }
@@ -79,10 +81,9 @@ void Upload::UploadFile(const QString &folder, int record)
     if (m_state.SkipCurrent) {
         return;
     }
-    m_batch.announce(QStringLiteral("Datei: ") + item.name, item.sizeText);
+    m_batch.announce(u"Datei: "_s + item.name, item.sizeText);
     const auto failure = putFile();
-    this->record(item.sizeText, failure,
-                 QString::number(m_state.LocalSize) + QStringLiteral(" Bytes"));
+    this->record(item.sizeText, failure, QString::number(m_state.LocalSize) + u" Bytes"_s);
 }
 
 void Upload::askAboutFile()
@@ -127,7 +128,7 @@ void Upload::UploadFolder(const QString &folder, int record)
     if (m_state.SkipCurrent) {
         return;
     }
-    m_batch.announce(QStringLiteral("Ordner: ") + item.name, {});
+    m_batch.announce(u"Ordner: "_s + item.name, {});
     this->record({}, putFolder(), {});
 }
 
@@ -146,7 +147,13 @@ std::optional<FtpError> Upload::putFolder()
 void Upload::record(const QString &sizeText, const std::optional<FtpError> &failure,
                     const QString &success)
 {
-    m_batch.record({ failure ? QStringLiteral("Upload verweigert") : QStringLiteral("Upload"),
-                     localPath(), sizeText, QStringLiteral("-->"), remotePath(), {}, {}, false },
+    m_batch.record({ failure ? u"Upload verweigert"_s : u"Upload"_s,
+                     localPath(),
+                     sizeText,
+                     u"-->"_s,
+                     remotePath(),
+                     {},
+                     {},
+                     false },
                    failure, success);
 }

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 FtpError refusal(const QString &text)
@@ -20,12 +22,12 @@ QString folderOf(QString pattern)
     if (pattern.startsWith(u'"') && pattern.endsWith(u'"')) {
         pattern = pattern.mid(1, pattern.size() - 2);
     }
-    return pattern.endsWith(QStringLiteral("/*")) ? pattern.chopped(2) : pattern;
+    return pattern.endsWith(u"/*"_s) ? pattern.chopped(2) : pattern;
 }
 
 QString parentOf(const QString &path)
 {
-    return path.lastIndexOf(u'/') <= 0 ? QStringLiteral("/") : path.left(path.lastIndexOf(u'/'));
+    return path.lastIndexOf(u'/') <= 0 ? u"/"_s : path.left(path.lastIndexOf(u'/'));
 }
 
 bool writeFile(const QString &path, const QByteArray &content, qint64 offset)
@@ -38,10 +40,7 @@ bool writeFile(const QString &path, const QByteArray &content, qint64 offset)
 
 } // namespace
 
-FakeFtp::FakeFtp()
-{
-    nodes.insert(QStringLiteral("/"), {});
-}
+FakeFtp::FakeFtp() { nodes.insert(u"/"_s, {}); }
 
 void FakeFtp::addFolder(const QString &path)
 {
@@ -54,18 +53,19 @@ void FakeFtp::addFolder(const QString &path)
 void FakeFtp::addFile(const QString &path, const QByteArray &content)
 {
     addFolder(parentOf(path));
-    nodes.insert(path, { QStringLiteral("-"), content, {} });
+    nodes.insert(path, { u"-"_s, content, {} });
 }
 
 void FakeFtp::addLink(const QString &path, const QString &target)
 {
     addFolder(parentOf(path));
-    nodes.insert(path, { QStringLiteral("l"), {}, target });
+    nodes.insert(path, { u"l"_s, {}, target });
 }
 
 QStringList FakeFtp::commandsOf(const QString &word) const
 {
-    return commands.filter(QRegularExpression(u"^" + QRegularExpression::escape(word) + u"\\b"));
+    return commands.filter(
+        QRegularExpression(u"^"_s + QRegularExpression::escape(word) + u"\\b"_s));
 }
 
 void FakeFtp::refuseAll(const QString &part, const QString &reply, ftp::ErrorKind kind)
@@ -88,7 +88,7 @@ QStringList FakeFtp::below(const QString &folder) const
 {
     QStringList result;
     for (auto it = nodes.begin(); it != nodes.end(); ++it) {
-        if (it.key().startsWith(withSeparator(folder, u'/')) && it.key() != u"/") {
+        if (it.key().startsWith(withSeparator(folder, u'/')) && it.key() != u"/"_s) {
             result.append(it.key());
         }
     }
@@ -98,7 +98,7 @@ QStringList FakeFtp::below(const QString &folder) const
 void FakeFtp::reply(int operation, int status, const QString &text) const
 {
     if (onEvent) {
-        onEvent({ operation, status, text + QStringLiteral("\r\n"), 0, 0 });
+        onEvent({ operation, status, text + u"\r\n"_s, 0, 0 });
     }
 }
 
@@ -112,11 +112,10 @@ void FakeFtp::progress(int operation, qint64 bytes, qint64 total) const
 FtpStatus FakeFtp::run(int operation, const QString &command, const Work &work)
 {
     if (connectionState != Connected) {
-        return tl::unexpected(
-            FtpError { ftp::ErrorKind::NotConnected, 0, QStringLiteral("Not connected") });
+        return tl::unexpected(FtpError { ftp::ErrorKind::NotConnected, 0, u"Not connected"_s });
     }
     if (busy) {
-        return tl::unexpected(FtpError { ftp::ErrorKind::Busy, 0, QStringLiteral("Busy") });
+        return tl::unexpected(FtpError { ftp::ErrorKind::Busy, 0, u"Busy"_s });
     }
     busy = true;
     commands.append(command);
@@ -125,45 +124,42 @@ FtpStatus FakeFtp::run(int operation, const QString &command, const Work &work)
         during(command);
     }
     if (!error && connectionState != Connected) {
-        error = FtpError { ftp::ErrorKind::Aborted, 0, QStringLiteral("Aborted") };
+        error = FtpError { ftp::ErrorKind::Aborted, 0, u"Aborted"_s };
     }
     error = error ? error : work();
     reply(operation, error ? FtpEvent::Failed : FtpEvent::Completed,
-          error ? error->text : QStringLiteral("250 Ok"));
+          error ? error->text : u"250 Ok"_s);
     busy = false;
     return error ? FtpStatus(tl::unexpected(*error)) : FtpStatus();
 }
 
 FtpStatus FakeFtp::setCurrentFolder(const QString &folder)
 {
-    return run(OpChangeFolder, u"CWD " + folder, [&]() -> std::optional<FtpError> {
+    return run(OpChangeFolder, u"CWD "_s + folder, [&]() -> std::optional<FtpError> {
         const QString path = absolute(folder);
-        const Node node = nodes.value(path, { QStringLiteral("-"), {}, {} });
-        const QString real = node.type == u"l" ? node.target : path;
-        if (nodes.value(real, { QStringLiteral("-"), {}, {} }).type != u"d") {
-            return refusal(QStringLiteral("550 No such folder."));
+        const Node node = nodes.value(path, { u"-"_s, {}, {} });
+        const QString real = node.type == u"l"_s ? node.target : path;
+        if (nodes.value(real, { u"-"_s, {}, {} }).type != u"d"_s) {
+            return refusal(u"550 No such folder."_s);
         }
         current = real;
         return std::nullopt;
     });
 }
 
-FtpStatus FakeFtp::changeToParentFolder()
-{
-    return setCurrentFolder(parentOf(current));
-}
+FtpStatus FakeFtp::changeToParentFolder() { return setCurrentFolder(parentOf(current)); }
 
 FtpStatus FakeFtp::list()
 {
-    return run(OpList, QStringLiteral("LIST"), [&]() -> std::optional<FtpError> {
+    return run(OpList, u"LIST"_s, [&]() -> std::optional<FtpError> {
         m_listing = {};
         m_listing.format = 1;
         for (const QString &path : below(current)) {
             if (parentOf(path) == current) {
                 const Node &node = nodes[path];
                 m_listing.entries.append({ path.mid(path.lastIndexOf(u'/') + 1), node.type,
-                                           node.type == u"d" ? 4096 : node.content.size(),
-                                           QStringLiteral("2026-01-02 03:04"), 644, node.target });
+                                           node.type == u"d"_s ? 4096 : node.content.size(),
+                                           u"2026-01-02 03:04"_s, 644, node.target });
             }
         }
         return std::nullopt;
@@ -173,15 +169,15 @@ FtpStatus FakeFtp::list()
 FtpStatus FakeFtp::getFile(const QString &remotePath, const QString &localPath, qint64 &offset)
 {
     const QString command
-        = QStringLiteral("GET %1 %2 @%3 [%4]").arg(remotePath, localPath).arg(offset).arg(m_type);
+        = u"GET %1 %2 @%3 [%4]"_s.arg(remotePath, localPath).arg(offset).arg(m_type);
     return run(OpGetFile, command, [&]() -> std::optional<FtpError> {
-        if (nodes.value(absolute(remotePath)).type != u"-") {
-            return refusal(QStringLiteral("550 No such file."));
+        if (nodes.value(absolute(remotePath)).type != u"-"_s) {
+            return refusal(u"550 No such file."_s);
         }
         const QByteArray content = nodes.value(absolute(remotePath)).content;
         progress(OpGetFile, 0);
         if (!writeFile(localPath, content, offset)) {
-            return FtpError { ftp::ErrorKind::LocalFile, 0, QStringLiteral("Cannot write") };
+            return FtpError { ftp::ErrorKind::LocalFile, 0, u"Cannot write"_s };
         }
         progress(OpGetFile, content.size() - offset);
         return std::nullopt;
@@ -190,24 +186,22 @@ FtpStatus FakeFtp::getFile(const QString &remotePath, const QString &localPath, 
 
 FtpStatus FakeFtp::putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
 {
-    const QString command = QStringLiteral("PUT %1 %2 @%3 mode %4 [%5]")
-                                .arg(localPath, remotePath)
+    const QString command = u"PUT %1 %2 @%3 mode %4 [%5]"_s.arg(localPath, remotePath)
                                 .arg(offset)
                                 .arg(m_storeMode)
                                 .arg(m_type);
     return run(OpPutFile, command, [&]() -> std::optional<FtpError> {
         QFile file(localPath);
         if (!file.open(QIODevice::ReadOnly)) {
-            return FtpError { ftp::ErrorKind::LocalFile, 0, QStringLiteral("Cannot read") };
+            return FtpError { ftp::ErrorKind::LocalFile, 0, u"Cannot read"_s };
         }
         if (!nodes.contains(parentOf(absolute(remotePath)))) {
-            return refusal(QStringLiteral("553 No such folder."));
+            return refusal(u"553 No such folder."_s);
         }
         progress(OpPutFile, 0);
         const QByteArray bytes = file.readAll();
         const QByteArray kept = m_storeMode == StoreContinue ? content(absolute(remotePath)) : "";
-        nodes.insert(absolute(remotePath),
-                     { QStringLiteral("-"), kept.left(offset) + bytes.mid(offset), {} });
+        nodes.insert(absolute(remotePath), { u"-"_s, kept.left(offset) + bytes.mid(offset), {} });
         progress(OpPutFile, bytes.size() - offset);
         return std::nullopt;
     });
@@ -215,52 +209,55 @@ FtpStatus FakeFtp::putFile(const QString &localPath, const QString &remotePath, 
 
 FtpStatus FakeFtp::getMultiple(const QString &pattern, const QString &localFolder)
 {
-    return run(OpGetMultiple, u"MGET " + pattern + u" " + localFolder, [&]() -> std::optional<FtpError> {
-        const QString folder = absolute(folderOf(pattern));
-        if (nodes.value(folder, { QStringLiteral("-"), {}, {} }).type != u"d") {
-            return refusal(QStringLiteral("550 No such folder."));
-        }
-        qint64 bytes = 0;
-        for (const QString &path : below(folder)) {
-            const QString target = localFolder + path.mid(withSeparator(folder, u'/').size() - 1);
-            if (nodes[path].type == u"d") {
-                QDir().mkpath(target);
-            } else if (!writeFile(target, nodes[path].content, 0)) {
-                return FtpError { ftp::ErrorKind::LocalFile, 0, QStringLiteral("Cannot write") };
-            }
-            progress(OpGetMultiple, bytes += nodes[path].content.size());
-        }
-        return std::nullopt;
-    });
+    return run(OpGetMultiple, u"MGET "_s + pattern + u" "_s + localFolder,
+               [&]() -> std::optional<FtpError> {
+                   const QString folder = absolute(folderOf(pattern));
+                   if (nodes.value(folder, { u"-"_s, {}, {} }).type != u"d"_s) {
+                       return refusal(u"550 No such folder."_s);
+                   }
+                   qint64 bytes = 0;
+                   for (const QString &path : below(folder)) {
+                       const QString target
+                           = localFolder + path.mid(withSeparator(folder, u'/').size() - 1);
+                       if (nodes[path].type == u"d"_s) {
+                           QDir().mkpath(target);
+                       } else if (!writeFile(target, nodes[path].content, 0)) {
+                           return FtpError { ftp::ErrorKind::LocalFile, 0, u"Cannot write"_s };
+                       }
+                       progress(OpGetMultiple, bytes += nodes[path].content.size());
+                   }
+                   return std::nullopt;
+               });
 }
 
 FtpStatus FakeFtp::putMultiple(const QString &pattern, const QString &remoteFolder)
 {
-    return run(OpPutMultiple, u"MPUT " + pattern + u" " + remoteFolder, [&]() -> std::optional<FtpError> {
-        if (nodes.value(absolute(remoteFolder), { QStringLiteral("-"), {}, {} }).type != u"d") {
-            return refusal(QStringLiteral("550 No such folder."));
-        }
-        const QString folder = folderOf(pattern);
-        QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            const QString target = absolute(remoteFolder) + it.next().mid(folder.size());
-            QFile file(it.filePath());
-            if (it.fileInfo().isDir()) {
-                addFolder(target);
-            } else if (file.open(QIODevice::ReadOnly)) {
-                addFile(target, file.readAll());
-            }
-        }
-        return std::nullopt;
-    });
+    return run(OpPutMultiple, u"MPUT "_s + pattern + u" "_s + remoteFolder,
+               [&]() -> std::optional<FtpError> {
+                   if (nodes.value(absolute(remoteFolder), { u"-"_s, {}, {} }).type != u"d"_s) {
+                       return refusal(u"550 No such folder."_s);
+                   }
+                   const QString folder = folderOf(pattern);
+                   QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                                   QDirIterator::Subdirectories);
+                   while (it.hasNext()) {
+                       const QString target = absolute(remoteFolder) + it.next().mid(folder.size());
+                       QFile file(it.filePath());
+                       if (it.fileInfo().isDir()) {
+                           addFolder(target);
+                       } else if (file.open(QIODevice::ReadOnly)) {
+                           addFile(target, file.readAll());
+                       }
+                   }
+                   return std::nullopt;
+               });
 }
 
 FtpStatus FakeFtp::makeFolder(const QString &name)
 {
-    return run(OpMakeFolder, u"MKD " + name, [&]() -> std::optional<FtpError> {
+    return run(OpMakeFolder, u"MKD "_s + name, [&]() -> std::optional<FtpError> {
         if (nodes.contains(absolute(name))) {
-            return refusal(QStringLiteral("550 File exists."));
+            return refusal(u"550 File exists."_s);
         }
         nodes.insert(absolute(name), {});
         return std::nullopt;
@@ -269,10 +266,10 @@ FtpStatus FakeFtp::makeFolder(const QString &name)
 
 FtpStatus FakeFtp::removeFolder(const QString &path)
 {
-    return run(OpRemoveFolder, u"RMD " + path, [&]() -> std::optional<FtpError> {
-        if (!below(absolute(path)).isEmpty() || nodes.value(absolute(path)).type != u"d"
+    return run(OpRemoveFolder, u"RMD "_s + path, [&]() -> std::optional<FtpError> {
+        if (!below(absolute(path)).isEmpty() || nodes.value(absolute(path)).type != u"d"_s
             || nodes.remove(absolute(path)) == 0) {
-            return refusal(QStringLiteral("550 Cannot remove."));
+            return refusal(u"550 Cannot remove."_s);
         }
         return std::nullopt;
     });
@@ -280,9 +277,9 @@ FtpStatus FakeFtp::removeFolder(const QString &path)
 
 FtpStatus FakeFtp::deleteFile(const QString &path)
 {
-    return run(OpDelete, u"DELE " + path, [&]() -> std::optional<FtpError> {
-        if (!nodes.contains(absolute(path)) || nodes[absolute(path)].type == u"d") {
-            return refusal(QStringLiteral("550 Cannot delete."));
+    return run(OpDelete, u"DELE "_s + path, [&]() -> std::optional<FtpError> {
+        if (!nodes.contains(absolute(path)) || nodes[absolute(path)].type == u"d"_s) {
+            return refusal(u"550 Cannot delete."_s);
         }
         nodes.remove(absolute(path));
         return std::nullopt;
@@ -291,11 +288,11 @@ FtpStatus FakeFtp::deleteFile(const QString &path)
 
 FtpStatus FakeFtp::rename(const QString &oldName, const QString &newName)
 {
-    const QString command = u"RENAME " + oldName + u" " + newName;
+    const QString command = u"RENAME "_s + oldName + u" "_s + newName;
     return run(OpRename, command, [&]() -> std::optional<FtpError> {
         const QString from = absolute(oldName);
         if (!nodes.contains(from)) {
-            return refusal(QStringLiteral("550 No such file."));
+            return refusal(u"550 No such file."_s);
         }
         for (const QString &path : below(from) + QStringList { from }) {
             nodes.insert(absolute(newName) + path.mid(from.size()), nodes.take(path));
@@ -306,21 +303,21 @@ FtpStatus FakeFtp::rename(const QString &oldName, const QString &newName)
 
 FtpStatus FakeFtp::sendRaw(const QString &command)
 {
-    return run(OpRawCommand, u"RAW " + command, [] { return std::optional<FtpError>(); });
+    return run(OpRawCommand, u"RAW "_s + command, [] { return std::optional<FtpError>(); });
 }
 
 FtpStatus FakeFtp::removeTree(const QString &folder)
 {
-    return run(OpRemoveFolder, u"RMTREE " + folder, [&]() -> std::optional<FtpError> {
+    return run(OpRemoveFolder, u"RMTREE "_s + folder, [&]() -> std::optional<FtpError> {
         bool linkLeft = false;
         for (const QString &path : below(absolute(folder))) {
-            linkLeft = linkLeft || nodes[path].type == u"l";
-            if (nodes[path].type == u"-") {
+            linkLeft = linkLeft || nodes[path].type == u"l"_s;
+            if (nodes[path].type == u"-"_s) {
                 nodes.remove(path);
             }
         }
         if (linkLeft || !nodes.contains(absolute(folder))) {
-            return refusal(QStringLiteral("550 Directory not empty."));
+            return refusal(u"550 Directory not empty."_s);
         }
         for (const QString &path : below(absolute(folder)) + QStringList { absolute(folder) }) {
             nodes.remove(path);

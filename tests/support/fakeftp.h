@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QMap>
+#include <QRegularExpression>
 #include <QStringList>
 #include <functional>
 #include <optional>
@@ -24,7 +25,10 @@ public:
     void addFile(const QString &path, const QByteArray &content);
     void addLink(const QString &path, const QString &target);
     [[nodiscard]] bool has(const QString &path) const { return nodes.contains(path); }
-    [[nodiscard]] QByteArray content(const QString &path) const { return nodes.value(path).content; }
+    [[nodiscard]] QByteArray content(const QString &path) const
+    {
+        return nodes.value(path).content;
+    }
 
     /// The commands so far: "GET remote local @offset", "PUT local remote @offset mode",
     /// "MGET pattern local", "MPUT pattern remote", "CWD", "LIST", "MKD", "RMD", "DELE", "RMTREE",
@@ -40,7 +44,8 @@ public:
     std::function<void(const FtpEvent &event)> onEvent;
 
     /// Refuses every command that holds the text.
-    void refuseAll(const QString &part, const QString &reply, ftp::ErrorKind kind = ftp::ErrorKind::Refused);
+    void refuseAll(const QString &part, const QString &reply,
+                   ftp::ErrorKind kind = ftp::ErrorKind::Refused);
 
     QMap<QString, Node> nodes; ///< by absolute path without a separator at the end
     int connectionState = Connected;

@@ -6,11 +6,11 @@
 
 #include <QDir>
 
+using namespace Qt::StringLiterals;
+
 FakePane::FakePane(Lister lister, int columns)
     : m_lister(std::move(lister))
-    , m_model(QStringList { QStringLiteral("Name"), QStringLiteral("Size"), QStringLiteral("Date"),
-                            QStringLiteral("Permission") }
-                  .mid(0, columns))
+    , m_model(QStringList { u"Name"_s, u"Size"_s, u"Date"_s, u"Permission"_s }.mid(0, columns))
 {
 }
 
@@ -18,16 +18,20 @@ FakePane::Lister FakePane::disk()
 {
     return [](const QString &folder) {
         QList<PaneRow> rows { upRow() };
-        const auto entries = QDir(folder).entryInfoList(
-            QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-            QDir::Name | QDir::DirsFirst);
+        const auto entries = QDir(folder).entryInfoList(QDir::AllEntries | QDir::Hidden
+                                                            | QDir::System | QDir::NoDotAndDotDot,
+                                                        QDir::Name | QDir::DirsFirst);
         for (const QFileInfo &entry : entries) {
             const bool isFolder = entry.isDir();
             rows.append({ entry.fileName(),
-                          isFolder ? (entry.isSymLink() ? ItemKind::FolderLink : ItemKind::FolderClose)
-                                   : ItemKind::byExtension(entry.fileName()),
-                          QString::number(entry.size()), {}, {},
-                          withSeparator(folder, u'/') + entry.fileName(), false });
+                          isFolder
+                              ? (entry.isSymLink() ? ItemKind::FolderLink : ItemKind::FolderClose)
+                              : ItemKind::byExtension(entry.fileName()),
+                          QString::number(entry.size()),
+                          {},
+                          {},
+                          withSeparator(folder, u'/') + entry.fileName(),
+                          false });
         }
         return rows;
     };
@@ -42,9 +46,9 @@ FakePane::Lister FakePane::server(FakeFtp &ftp)
         ignoreError(ftp.list(), "the pane shows what it can");
         QList<PaneRow> rows { upRow() };
         for (const ListingEntry &entry : ftp.listing().entries) {
-            const QString kind = entry.type == u"d" ? ItemKind::FolderClose
-                : entry.type == u"l"                ? ItemKind::Link
-                                                    : ItemKind::byExtension(entry.name);
+            const QString kind = entry.type == u"d"_s ? ItemKind::FolderClose
+                : entry.type == u"l"_s                ? ItemKind::Link
+                                                      : ItemKind::byExtension(entry.name);
             rows.append({ entry.name, kind, QString::number(entry.size), entry.date,
                           QString::number(entry.permissions),
                           withSeparator(folder, u'/') + entry.name, false });
@@ -96,31 +100,28 @@ QStringList FakePane::markedNames() const
 
 void FakePane::setFolderText(const QString &folder)
 {
-    calls.append(u"text " + folder);
+    calls.append(u"text "_s + folder);
     text = folder;
 }
 
 void FakePane::listFolder(const QString &folder)
 {
-    calls.append(u"list " + folder);
+    calls.append(u"list "_s + folder);
     m_model.setRows(m_lister(folder));
     clearSelection();
 }
 
 void FakePane::rememberFolder(const QString &folder)
 {
-    calls.append(u"remember " + folder);
+    calls.append(u"remember "_s + folder);
     text = folder;
 }
 
-void FakePane::forgetFolder(const QString &folder)
-{
-    calls.append(u"forget " + folder);
-}
+void FakePane::forgetFolder(const QString &folder) { calls.append(u"forget "_s + folder); }
 
 void FakePane::clearSelection()
 {
-    calls.append(QStringLiteral("clear selection"));
+    calls.append(u"clear selection"_s);
     selected.clear();
     current = -1;
 }
@@ -135,6 +136,6 @@ void FakePane::selectAll()
 
 void FakePane::editCaption(int row)
 {
-    calls.append(u"edit " + m_model.row(row).name);
+    calls.append(u"edit "_s + m_model.row(row).name);
     current = row;
 }

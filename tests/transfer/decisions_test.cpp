@@ -2,17 +2,19 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 TransferState conflictOf(bool upload, qint64 local, qint64 remote)
 {
     TransferState state;
     state.IsUpload = upload;
-    state.LocalDir = QStringLiteral("/home/a/");
-    state.LocalName = QStringLiteral("x.txt");
+    state.LocalDir = u"/home/a/"_s;
+    state.LocalName = u"x.txt"_s;
     state.LocalSize = local;
-    state.RemoteDir = QStringLiteral("/www/");
-    state.RemoteName = QStringLiteral("x.txt");
+    state.RemoteDir = u"/www/"_s;
+    state.RemoteName = u"x.txt"_s;
     state.RemoteSize = remote;
     return state;
 }
@@ -39,19 +41,17 @@ Flags flagsOf(const TransferState &state)
 TEST(ConflictQuestion, NamesTheOverwrittenFileFirst)
 {
     const ConflictQuestion upload = conflictQuestion(conflictOf(true, 30, 20), false);
-    EXPECT_EQ(upload.caption, QStringLiteral("Dateiupload..."));
-    EXPECT_EQ(upload.message,
-              QStringLiteral("Überschreiben /www/x.txt(20) mit /home/a/x.txt(30)"));
+    EXPECT_EQ(upload.caption, u"Dateiupload..."_s);
+    EXPECT_EQ(upload.message, u"Überschreiben /www/x.txt(20) mit /home/a/x.txt(30)"_s);
     const ConflictQuestion download = conflictQuestion(conflictOf(false, 20, 30), true);
-    EXPECT_EQ(download.caption, QStringLiteral("Dateiupload fortsetzen..."));
-    EXPECT_EQ(download.message,
-              QStringLiteral("Überschreiben /home/a/x.txt(20) mit /www/x.txt(30)"));
+    EXPECT_EQ(download.caption, u"Dateiupload fortsetzen..."_s);
+    EXPECT_EQ(download.message, u"Überschreiben /home/a/x.txt(20) mit /www/x.txt(30)"_s);
 }
 
 TEST(ConflictQuestion, WritesSizesAboveTwoGigabytesInFull)
 {
     EXPECT_TRUE(conflictQuestion(conflictOf(true, 5368709120, 4831838208), true)
-                    .message.contains(QStringLiteral("(4831838208)")));
+                    .message.contains(u"(4831838208)"_s));
 }
 
 TEST(ConflictQuestion, OffersResumingOnlyForShorterTargets)
@@ -155,8 +155,7 @@ TEST(ConflictDecision, AllOverwritesDownloadsAndRepeatsUploads)
 
 TEST(MultiplePattern, IsQuotedAsAWholeWhenThePathHoldsABlank)
 {
-    EXPECT_EQ(multiplePattern(QStringLiteral("/www/bilder"), u'/'), QStringLiteral("/www/bilder/*"));
-    EXPECT_EQ(multiplePattern(QStringLiteral("/www/neue bilder"), u'/'),
-              QStringLiteral("\"/www/neue bilder/*\""));
-    EXPECT_EQ(multiplePattern(QStringLiteral("c:\\a b"), u'\\'), QStringLiteral("\"c:\\a b\\*\""));
+    EXPECT_EQ(multiplePattern(u"/www/bilder"_s, u'/'), u"/www/bilder/*"_s);
+    EXPECT_EQ(multiplePattern(u"/www/neue bilder"_s, u'/'), u"\"/www/neue bilder/*\""_s);
+    EXPECT_EQ(multiplePattern(u"c:\\a b"_s, u'\\'), u"\"c:\\a b\\*\""_s);
 }

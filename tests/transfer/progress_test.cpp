@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qint64 GiB = 1024LL * 1024 * 1024;
@@ -37,7 +39,7 @@ TEST(ProgressModel, CountsFromTheOffsetOfItsDirection)
     EXPECT_EQ(model.value(), 8);
     EXPECT_TRUE(model.report(bytes(17, 9), state));
     EXPECT_EQ(model.value(), 1009);
-    EXPECT_EQ(model.rateText(), QStringLiteral("1,0 KB"));
+    EXPECT_EQ(model.rateText(), u"1,0 KB"_s);
 }
 
 TEST(ProgressModel, LeavesTheBarAloneForOtherEvents)
@@ -59,7 +61,7 @@ TEST(ProgressModel, RaisesAMaximumThatWasTooSmall)
     ASSERT_TRUE(model.report(bytes(14, 2000), {}));
     EXPECT_EQ(model.value(), 1000);
     EXPECT_EQ(model.maximum(), 2200);
-    EXPECT_EQ(model.rateText(), QStringLiteral("1000 B"));
+    EXPECT_EQ(model.rateText(), u"1000 B"_s);
     ASSERT_TRUE(model.report(bytes(14, 2200), {}));
     EXPECT_EQ(model.value(), 2200);
     EXPECT_EQ(model.maximum(), 2200);
@@ -112,12 +114,12 @@ TEST(ProgressModel, FinishingEmptiesBarAndRate)
 TEST(ShowTransferItem, CutsTextsOfSixteenCharacters)
 {
     ProgressModel model;
-    model.ShowTransferItem(QStringLiteral("Datei: 12345678"), QStringLiteral("2048"));
-    EXPECT_EQ(model.fileText(), QStringLiteral("Datei: 12345678"));
-    EXPECT_EQ(model.rateText(), QStringLiteral("0 Bytes"));
-    EXPECT_EQ(model.sizeText(), QStringLiteral("von 2,0 KB"));
-    model.ShowTransferItem(QStringLiteral("Datei: 123456789"), {});
-    EXPECT_EQ(model.fileText(), QStringLiteral("Datei: 12345678..."));
+    model.ShowTransferItem(u"Datei: 12345678"_s, u"2048"_s);
+    EXPECT_EQ(model.fileText(), u"Datei: 12345678"_s);
+    EXPECT_EQ(model.rateText(), u"0 Bytes"_s);
+    EXPECT_EQ(model.sizeText(), u"von 2,0 KB"_s);
+    model.ShowTransferItem(u"Datei: 123456789"_s, {});
+    EXPECT_EQ(model.fileText(), u"Datei: 12345678..."_s);
     EXPECT_EQ(model.rateText(), QString());
     EXPECT_EQ(model.sizeText(), QString());
     model.ShowTransferItem({}, {});
@@ -128,17 +130,17 @@ TEST(ProgressPanel, ShowsTheModel)
 {
     ProgressModel model;
     ProgressPanel panel(model);
-    EXPECT_EQ(panel.objectName(), QStringLiteral("frame_transfer"));
-    const auto *bar = panel.findChild<QProgressBar *>(QStringLiteral("Progress"));
+    EXPECT_EQ(panel.objectName(), u"frame_transfer"_s);
+    const auto *bar = panel.findChild<QProgressBar *>(u"Progress"_s);
     ASSERT_NE(bar, nullptr);
-    model.ShowTransferItem(QStringLiteral("Datei: index.html"), QStringLiteral("3000"));
+    model.ShowTransferItem(u"Datei: index.html"_s, u"3000"_s);
     model.setMaximumFor(3000);
     ASSERT_TRUE(model.report(bytes(14, 1500), {}));
     EXPECT_EQ(bar->maximum(), 3000);
     EXPECT_EQ(bar->value(), 1500);
-    EXPECT_EQ(labelText(panel, "lblFileName"), QStringLiteral("Datei: index.ht..."));
-    EXPECT_EQ(labelText(panel, "lblRate"), QStringLiteral("1,5 KB"));
-    EXPECT_EQ(labelText(panel, "lblFileSize"), QStringLiteral("von 2,9 KB"));
+    EXPECT_EQ(labelText(panel, "lblFileName"), u"Datei: index.ht..."_s);
+    EXPECT_EQ(labelText(panel, "lblRate"), u"1,5 KB"_s);
+    EXPECT_EQ(labelText(panel, "lblFileSize"), u"von 2,9 KB"_s);
     model.setMaximumFor(8 * GiB);
     ASSERT_TRUE(model.report(bytes(15, 2 * GiB), {}));
     EXPECT_NEAR(static_cast<double>(bar->value()) / bar->maximum(), 0.25, 1e-6);
@@ -148,9 +150,9 @@ TEST(ProgressPanel, AbortIsOffUntilItIsSwitchedOn)
 {
     ProgressModel model;
     ProgressPanel panel(model);
-    auto *abort = panel.findChild<QPushButton *>(QStringLiteral("cmdAbort"));
+    auto *abort = panel.findChild<QPushButton *>(u"cmdAbort"_s);
     ASSERT_NE(abort, nullptr);
-    EXPECT_EQ(abort->text(), QStringLiteral("Abbrechen"));
+    EXPECT_EQ(abort->text(), u"Abbrechen"_s);
     EXPECT_FALSE(abort->isEnabled());
     int clicks = 0;
     QObject::connect(&panel, &ProgressPanel::abortClicked, [&clicks] { ++clicks; });

@@ -10,12 +10,13 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QueueRow row(const QString &status, const QString &local, const QString &size = {})
 {
-    return { status, local, size, QStringLiteral("<--"), QStringLiteral("/www/x"),
-             QStringLiteral("files01"), {}, false };
+    return { status, local, size, u"<--"_s, u"/www/x"_s, u"files01"_s, {}, false };
 }
 
 QStringList column(const QueueModel &model, int number)
@@ -32,15 +33,15 @@ protected:
     void fill(int rows)
     {
         for (int at = 0; at < rows; ++at) {
-            view.AddQueueRow(row(QStringLiteral("Download"), QStringLiteral("/a/%1").arg(at)));
+            view.AddQueueRow(row(u"Download"_s, u"/a/%1"_s.arg(at)));
         }
     }
     void select(const QList<int> &rows)
     {
         view.clearSelection();
         for (const int at : rows) {
-            view.selectionModel()->select(model.index(at, 0), QItemSelectionModel::Select
-                                              | QItemSelectionModel::Rows);
+            view.selectionModel()->select(model.index(at, 0),
+                                          QItemSelectionModel::Select | QItemSelectionModel::Rows);
         }
     }
     /// Opens the context menu over a row and triggers an entry.
@@ -72,32 +73,33 @@ protected:
 TEST(QueueModel, IsAnOrderlyModelWithSixColumns)
 {
     QueueModel model;
-    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    const QAbstractItemModelTester tester(&model,
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
     EXPECT_EQ(model.rowCount(), 0);
     QStringList headers;
     for (int at = 0; at < model.columnCount(); ++at) {
         headers.append(model.headerData(at, Qt::Horizontal).toString());
     }
-    EXPECT_EQ(headers, (QStringList { QStringLiteral("Status"), QStringLiteral("Lokal"),
-                                      QStringLiteral("Größe"), QStringLiteral("Richtung"),
-                                      QStringLiteral("Server Verzeichnis"), QStringLiteral("Server") }));
-    model.append(row(QStringLiteral("Download"), QStringLiteral("/b"), QStringLiteral("9")));
-    model.append(row(QStringLiteral("Upload"), QStringLiteral("/a"), QStringLiteral("10")));
+    EXPECT_EQ(headers,
+              (QStringList { u"Status"_s, u"Lokal"_s, u"Größe"_s, u"Richtung"_s,
+                             u"Server Verzeichnis"_s, u"Server"_s }));
+    model.append(row(u"Download"_s, u"/b"_s, u"9"_s));
+    model.append(row(u"Upload"_s, u"/a"_s, u"10"_s));
     model.sort(1);
     model.removeRowsAt({ 0 });
-    EXPECT_EQ(column(model, 1), QStringList { QStringLiteral("/b") });
+    EXPECT_EQ(column(model, 1), QStringList { u"/b"_s });
 }
 
 TEST(QueueModel, ShowsWhatHappenedAsToolTip)
 {
     QueueModel model;
-    QueueRow failed = row(QStringLiteral("Download"), QStringLiteral("/a/x"));
+    QueueRow failed = row(u"Download"_s, u"/a/x"_s);
     failed.failed = true;
-    failed.detail = QStringLiteral("550 No such file.");
+    failed.detail = u"550 No such file."_s;
     model.append(failed);
-    model.append(row(QStringLiteral("Download"), QStringLiteral("/a/y")));
+    model.append(row(u"Download"_s, u"/a/y"_s));
     EXPECT_EQ(model.index(0, 0).data(Qt::ToolTipRole).toString(), failed.detail);
-    EXPECT_EQ(model.index(0, 1).data(Qt::ToolTipRole).toString(), QStringLiteral("/a/x"));
+    EXPECT_EQ(model.index(0, 1).data(Qt::ToolTipRole).toString(), u"/a/x"_s);
     EXPECT_TRUE(model.index(0, 0).data(QueueModel::FailedRole).toBool());
     EXPECT_FALSE(model.index(1, 0).data(QueueModel::FailedRole).toBool());
     EXPECT_FALSE(model.index(0, 0).data(Qt::DecorationRole).isNull());
@@ -106,12 +108,12 @@ TEST(QueueModel, ShowsWhatHappenedAsToolTip)
 TEST(QueueModel, GivesFailedTransfersOutOnce)
 {
     QueueModel model;
-    QueueRow failed = row(QStringLiteral("Download"), QStringLiteral("/a/x"));
+    QueueRow failed = row(u"Download"_s, u"/a/x"_s);
     failed.failed = true;
     model.append(failed);
-    model.append(row(QStringLiteral("Download"), QStringLiteral("/a/y")));
+    model.append(row(u"Download"_s, u"/a/y"_s));
     failed.direction.clear(); // a refused deletion
-    failed.status = QStringLiteral("Löschen verweigert");
+    failed.status = u"Löschen verweigert"_s;
     model.append(failed);
     EXPECT_TRUE(model.hasFailedTransfers());
     EXPECT_EQ(model.takeFailedTransfers().size(), 1);
@@ -124,7 +126,7 @@ TEST_F(QueueViewTest, AppendsAndScrollsToTheLastRow)
     view.resize(400, 120);
     view.show();
     fill(200);
-    EXPECT_EQ(model.row(199).local, QStringLiteral("/a/199"));
+    EXPECT_EQ(model.row(199).local, u"/a/199"_s);
     EXPECT_TRUE(view.viewport()->rect().intersects(view.visualRect(model.index(199, 0))));
 }
 
@@ -132,8 +134,7 @@ TEST_F(QueueViewTest, DeleteAsksAlsoWithNothingSelected)
 {
     fill(2);
     view.clearSelection();
-    prompts.expectConfirm(QStringLiteral("Delete queue items selected?"), true,
-                          QStringLiteral("Confirm Delete Queue Items"));
+    prompts.expectConfirm(u"Delete queue items selected?"_s, true, u"Confirm Delete Queue Items"_s);
     QTest::keyClick(&view, Qt::Key_Delete);
     EXPECT_EQ(model.rowCount(), 2);
 }
@@ -142,19 +143,17 @@ TEST_F(QueueViewTest, DeleteRemovesTheSelectedRowsAndNoOther)
 {
     fill(7);
     select({ 1, 2, 5 });
-    prompts.expectConfirm(QStringLiteral("Delete queue items selected?"), true,
-                          QStringLiteral("Confirm Delete Queue Items"));
+    prompts.expectConfirm(u"Delete queue items selected?"_s, true, u"Confirm Delete Queue Items"_s);
     QTest::keyClick(&view, Qt::Key_Delete);
-    EXPECT_EQ(column(model, 1), (QStringList { QStringLiteral("/a/0"), QStringLiteral("/a/3"),
-                                               QStringLiteral("/a/4"), QStringLiteral("/a/6") }));
+    EXPECT_EQ(column(model, 1), (QStringList { u"/a/0"_s, u"/a/3"_s, u"/a/4"_s, u"/a/6"_s }));
 }
 
 TEST_F(QueueViewTest, CancelKeepsTheRows)
 {
     fill(3);
     select({ 0, 1, 2 });
-    prompts.expectConfirm(QStringLiteral("Delete queue items selected?"), false,
-                          QStringLiteral("Confirm Delete Queue Items"));
+    prompts.expectConfirm(u"Delete queue items selected?"_s, false,
+                          u"Confirm Delete Queue Items"_s);
     view.DeleteSelectedQueueRows();
     EXPECT_EQ(model.rowCount(), 3);
 }
@@ -163,26 +162,24 @@ TEST_F(QueueViewTest, AHeaderClickSortsAscendingEveryTime)
 {
     view.resize(800, 200);
     view.show();
-    view.AddQueueRow(row(QStringLiteral("Upload"), QStringLiteral("/c"), QStringLiteral("9")));
-    view.AddQueueRow(row(QStringLiteral("Download"), QStringLiteral("/A"), QStringLiteral("10")));
-    view.AddQueueRow(row(QStringLiteral("Download"), QStringLiteral("/b"), QStringLiteral("10")));
-    const QStringList bySize { QStringLiteral("10"), QStringLiteral("10"), QStringLiteral("9") };
+    view.AddQueueRow(row(u"Upload"_s, u"/c"_s, u"9"_s));
+    view.AddQueueRow(row(u"Download"_s, u"/A"_s, u"10"_s));
+    view.AddQueueRow(row(u"Download"_s, u"/b"_s, u"10"_s));
+    const QStringList bySize { u"10"_s, u"10"_s, u"9"_s };
     for (int clicks = 0; clicks < 2; ++clicks) {
         const QPoint at(view.header()->sectionViewportPosition(QueueModel::Size) + 5, 5);
         QTest::mouseClick(view.header()->viewport(), Qt::LeftButton, {}, at);
         EXPECT_EQ(column(model, QueueModel::Size), bySize);
     }
-    EXPECT_EQ(column(model, QueueModel::Local),
-              (QStringList { QStringLiteral("/A"), QStringLiteral("/b"), QStringLiteral("/c") }));
+    EXPECT_EQ(column(model, QueueModel::Local), (QStringList { u"/A"_s, u"/b"_s, u"/c"_s }));
 }
 
 TEST_F(QueueViewTest, TheMenuCopiesARow)
 {
     fill(2);
     view.show();
-    chooseFromMenu(1, QStringLiteral("Zeile kopieren"));
-    EXPECT_EQ(QGuiApplication::clipboard()->text(),
-              QStringLiteral("Download\t/a/1\t\t<--\t/www/x\tfiles01"));
+    chooseFromMenu(1, u"Zeile kopieren"_s);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"Download\t/a/1\t\t<--\t/www/x\tfiles01"_s);
 }
 
 TEST_F(QueueViewTest, TheMenuOpensTheLocalFolder)
@@ -192,13 +189,13 @@ TEST_F(QueueViewTest, TheMenuOpensTheLocalFolder)
     QString opened;
     QObject::connect(&view, &QueueView::openFolderRequested,
                      [&opened](const QString &folder) { opened = folder; });
-    chooseFromMenu(0, QStringLiteral("Lokalen Ordner öffnen"));
-    EXPECT_EQ(opened, QStringLiteral("/a/"));
+    chooseFromMenu(0, u"Lokalen Ordner öffnen"_s);
+    EXPECT_EQ(opened, u"/a/"_s);
 }
 
 TEST_F(QueueViewTest, TheMenuRepeatsFailedTransfers)
 {
-    QueueRow failed = row(QStringLiteral("Download"), QStringLiteral("/a/x"));
+    QueueRow failed = row(u"Download"_s, u"/a/x"_s);
     failed.failed = true;
     view.AddQueueRow(failed);
     fill(1);
@@ -206,7 +203,7 @@ TEST_F(QueueViewTest, TheMenuRepeatsFailedTransfers)
     QList<QueueRow> again;
     QObject::connect(&view, &QueueView::retryRequested,
                      [&again](const QList<QueueRow> &rows) { again = rows; });
-    chooseFromMenu(1, QStringLiteral("Fehlgeschlagene erneut übertragen"));
+    chooseFromMenu(1, u"Fehlgeschlagene erneut übertragen"_s);
     ASSERT_EQ(again.size(), 1);
-    EXPECT_EQ(again.first().local, QStringLiteral("/a/x"));
+    EXPECT_EQ(again.first().local, u"/a/x"_s);
 }

@@ -1,0 +1,360 @@
+#include "transferbench.h"
+
+#include "remote/itemkind.h"
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+QStringList rowText(const QueueRow &row)
+{
+    return { row.status, row.local, row.size, row.direction, row.remote, row.server };
+}
+} // namespace
+
+class DownloadTest : public TransferBench { };
+
+TEST_F(DownloadTest, FetchesTheSelectedFilesAndNoOther)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins");
+    ftp.addFile(u"/www/b.txt"_s, "zwei");
+    ftp.addFile(u"/www/c.txt"_s, "drei");
+    download({ u"a.txt"_s, u"c.txt"_s });
+    EXPECT_EQ(readLocal(u"a.txt"_s), "eins");
+    EXPECT_EQ(readLocal(u"c.txt"_s), "drei");
+    EXPECT_FALSE(QFile::exists(disk(u"b.txt"_s)));
+    ASSERT_EQ(shell.queue.size(), 2);
+    EXPECT_EQ(rowText(shell.queue[0]),
+              (QStringList { u"Download"_s, disk(u"a.txt"_s), u"4"_s, u"<--"_s, u"/www/a.txt"_s,
+                             u"files01"_s }));
+    EXPECT_FALSE(shell.queue[0].failed);
+}
+
+TEST_F(DownloadTest, StartsOnlyInAnIdleSessionWithRows)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins");
+    showBoth();
+    remote.select({ u"a.txt"_s });
+    ftp.busy = true;
+    commands.cmd_download_Click();
+    ftp.busy = false;
+    ftp.connectionState = FtpOperations::Connecting;
+    commands.cmd_download_Click();
+    ftp.connectionState = FtpOperations::Connected;
+    remote.model().clear();
+    remote.selected.clear();
+    commands.cmd_download_Click();
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_TRUE(shell.calls.isEmpty());
+    EXPECT_TRUE(local.calls.isEmpty());
+}
+
+TEST_F(DownloadTest, LeavesTheWindowReadyAndTheTargetListed)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins");
+    ftp.during = [this](const QString &) {
+        EXPECT_EQ(shell.calls.filter(u"SetFolderBoxesEnabled"_s),
+                  QStringList { u"SetFolderBoxesEnabled 0"_s });
+        EXPECT_EQ(shell.calls.filter(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 0"_s);
+        EXPECT_EQ(remote.markedNames(), QStringList { u"a.txt"_s });
+    };
+    download({ u"a.txt"_s });
+    EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 0 1 1 1"_s));
+    EXPECT_GE(callIndex(u"UpdateRemoteCommandStates"_s), 0);
+    EXPECT_GE(callIndex(u"UpdateLocalCommandStates"_s), 0);
+    EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
+    EXPECT_TRUE(local.calls.contains(u"list "_s + disk()));
+    EXPECT_EQ(local.text, disk());
+    EXPECT_EQ(local.calls.last(), u"clear selection"_s);
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    EXPECT_EQ(progress.value(), 0);
+    EXPECT_EQ(progress.rateText(), QString());
+}
+
+TEST_F(DownloadTest, ShowsItemAndProgressWhileItRuns)
+{
+    ftp.addFile(u"/www/langername.html"_s, QByteArray(3000, 'x'));
+    download({ u"langername.html"_s });
+    EXPECT_EQ(shell.calls.filter(u"ShowTransferItem"_s),
+              (QStringList { u"ShowTransferItem Datei: langername.html|3000"_s,
+                             u"ShowTransferItem |"_s }));
+    EXPECT_EQ(progress.maximum(), 3000);
+    EXPECT_GT(globals.transfer.TransferStart, 0);
+}
+
+TEST_F(DownloadTest, ASizeOfZeroKeepsTheMaximumAndAddsARow)
+{
+    ftp.addFile(u"/www/leer"_s, "");
+    progress.setMaximumFor(4711);
+    download({ u"leer"_s });
+    EXPECT_EQ(progress.maximum(), 4711);
+    EXPECT_EQ(statuses(), QStringList { u"Download"_s });
+    EXPECT_TRUE(QFile::exists(disk(u"leer"_s)));
+}
+
+TEST_F(DownloadTest, SetsTheTransferTypeBeforeEveryGet)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins");
+    ftp.addFile(u"/www/ordner/b.txt"_s, "zwei");
+    globals.connection.TransferType = TypeEbcdic;
+    ftp.setTransferType(TypeBinary);
+    download({ u"a.txt"_s });
+    EXPECT_TRUE(ftp.commandsOf(u"GET"_s).value(0).endsWith(u"[2]"_s));
+    ftp.setTransferType(TypeBinary);
+    download({ u"ordner"_s });
+    EXPECT_EQ(ftp.transferType(), TypeEbcdic);
+}
+
+TEST_F(DownloadTest, FoldersAndLinksAreFetchedAsTrees)
+{
+    ftp.addFile(u"/www/ordner/tief/b.txt"_s, "zwei");
+    ftp.addFile(u"/www/neue bilder/c.txt"_s, "drei");
+    ftp.addLink(u"/www/verweis"_s, u"/www/ordner"_s);
+    download({ u"ordner"_s, u"neue bilder"_s, u"verweis"_s });
+    EXPECT_EQ(ftp.commandsOf(u"MGET"_s),
+              (QStringList { u"MGET \"/www/neue bilder/*\" "_s + disk(u"neue bilder"_s),
+                             u"MGET /www/ordner/* "_s + disk(u"ordner"_s),
+                             u"MGET /www/verweis/* "_s + disk(u"verweis"_s) }));
+    EXPECT_EQ(readLocal(u"ordner/tief/b.txt"_s), "zwei");
+    ASSERT_EQ(shell.queue.size(), 3);
+    EXPECT_EQ(rowText(shell.queue[1]),
+              (QStringList { u"Download"_s, disk(u"ordner"_s), QString(), u"<--"_s,
+                             u"/www/ordner"_s, u"files01"_s }));
+    EXPECT_TRUE(shell.calls.contains(u"ShowTransferItem Ordner: ordner|"_s));
+}
+
+TEST_F(DownloadTest, BracketsAndBlanksBelongToTheName)
+{
+    ftp.addFile(u"/www/Fotos [2020]/ b "_s, "bild");
+    QDir().mkpath(disk(u"Ziel [x]"_s));
+    remote.show(u"/www/Fotos [2020]"_s);
+    local.show(disk(u"Ziel [x]"_s));
+    remote.select({ u" b "_s });
+    commands.cmd_download_Click();
+    EXPECT_EQ(readLocal(u"Ziel [x]/ b "_s), "bild");
+}
+
+TEST_F(DownloadTest, AnEmptyLocalFileIsOverwrittenWithoutAsking)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins");
+    writeLocal(u"a.txt"_s, "");
+    download({ u"a.txt"_s });
+    EXPECT_EQ(readLocal(u"a.txt"_s), "eins");
+}
+
+TEST_F(DownloadTest, AConflictIsAskedAboutAndAnswered)
+{
+    ftp.addFile(u"/www/a.txt"_s, "neuer Inhalt");
+    for (const auto answer :
+         { ConflictAnswer::Skip, ConflictAnswer::Resume, ConflictAnswer::Overwrite }) {
+        writeLocal(u"a.txt"_s, "NEUER");
+        shell.queue.clear();
+        dialogs.steps = { { answer, false, {} } };
+        download({ u"a.txt"_s });
+        const QByteArray expected = answer == ConflictAnswer::Skip ? "NEUER"
+            : answer == ConflictAnswer::Resume                     ? "NEUER Inhalt"
+                                                                   : "neuer Inhalt";
+        EXPECT_EQ(readLocal(u"a.txt"_s), expected);
+        EXPECT_EQ(shell.queue.size(), answer == ConflictAnswer::Skip ? 0 : 1);
+    }
+    EXPECT_EQ(dialogs.questions.last().message,
+              u"Überschreiben "_s + disk(u"a.txt"_s) + u"(5) mit /www/a.txt(12)"_s);
+}
+
+TEST_F(DownloadTest, TheBarStartsAtTheResumeOffset)
+{
+    ftp.addFile(u"/www/a.txt"_s, QByteArray(1000, 'x'));
+    writeLocal(u"a.txt"_s, QByteArray(400, 'x'));
+    dialogs.steps = { { ConflictAnswer::Resume, false, {} } };
+    QList<qint64> values;
+    QObject::connect(&progress, &ProgressModel::changed, [&] { values.append(progress.value()); });
+    download({ u"a.txt"_s });
+    EXPECT_TRUE(values.contains(400));
+    EXPECT_TRUE(values.contains(1000));
+    EXPECT_EQ(ftp.commandsOf(u"GET"_s).size(), 1);
+    EXPECT_TRUE(ftp.commands.first().contains(u"@400"_s));
+}
+
+TEST_F(DownloadTest, AllOverwritesLaterFilesEvenAfterResuming)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins eins");
+    ftp.addFile(u"/www/b.txt"_s, "zwei zwei");
+    writeLocal(u"a.txt"_s, "EINS");
+    writeLocal(u"b.txt"_s, "ZWEI");
+    dialogs.steps = { { ConflictAnswer::Resume, true, {} } };
+    download({ u"a.txt"_s, u"b.txt"_s });
+    EXPECT_EQ(readLocal(u"a.txt"_s), "EINS eins");
+    EXPECT_EQ(readLocal(u"b.txt"_s), "zwei zwei");
+}
+
+TEST_F(DownloadTest, AllWithSkipSkipsTheRestAndEndsWithTheBatch)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins eins");
+    ftp.addFile(u"/www/b.txt"_s, "zwei");
+    ftp.addFile(u"/www/ordner/c.txt"_s, "drei");
+    writeLocal(u"a.txt"_s, "EINS");
+    dialogs.steps = { { ConflictAnswer::Skip, true, {} } };
+    // Rows stand in the server's order, so the conflict comes first.
+    download({ u"a.txt"_s, u"b.txt"_s, u"ordner"_s });
+    EXPECT_TRUE(shell.queue.isEmpty());
+    EXPECT_TRUE(ftp.commandsOf(u"GET"_s).isEmpty());
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    download({ u"b.txt"_s });
+    EXPECT_EQ(readLocal(u"b.txt"_s), "zwei");
+}
+
+TEST_F(DownloadTest, AnExistingFolderIsAskedAboutWithEmptySizes)
+{
+    ftp.addFile(u"/www/ordner/a.txt"_s, "neu");
+    writeLocal(u"ordner/a.txt"_s, "alt");
+    dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+    download({ u"ordner"_s });
+    EXPECT_EQ(dialogs.questions.last().message,
+              u"Überschreiben "_s + disk(u"ordner"_s) + u"(0) mit /www/ordner(0)"_s);
+    EXPECT_FALSE(dialogs.questions.last().mayResume);
+    EXPECT_EQ(readLocal(u"ordner/a.txt"_s), "alt");
+    EXPECT_TRUE(shell.queue.isEmpty());
+    dialogs.steps = { { ConflictAnswer::Overwrite, false, {} } };
+    download({ u"ordner"_s });
+    EXPECT_EQ(readLocal(u"ordner/a.txt"_s), "neu");
+}
+
+TEST_F(DownloadTest, RenamingAFolderMakesRoomForTheNewOne)
+{
+    ftp.addFile(u"/www/ordner/a.txt"_s, "neu");
+    writeLocal(u"ordner/a.txt"_s, "alt");
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"frueher"_s },
+                      { ConflictAnswer::Overwrite, false, {} } };
+    download({ u"ordner"_s });
+    EXPECT_EQ(readLocal(u"ordner/a.txt"_s), "neu");
+    EXPECT_EQ(readLocal(u"frueher/a.txt"_s), "alt");
+}
+
+TEST_F(DownloadTest, AFailedGetKeepsItsRowAndTellsWhy)
+{
+    ftp.addFile(u"/www/a.txt"_s, "eins");
+    ftp.addFile(u"/www/b.txt"_s, "zwei");
+    ftp.refuseAll(u"GET /www/a.txt"_s, u"550 Zugriff verweigert."_s);
+    download({ u"a.txt"_s, u"b.txt"_s });
+    EXPECT_EQ(statuses(), (QStringList { u"Download"_s, u"Download"_s }));
+    EXPECT_TRUE(shell.queue[0].failed);
+    EXPECT_EQ(shell.queue[0].detail, u"550 Zugriff verweigert."_s);
+    EXPECT_FALSE(shell.queue[1].failed);
+    EXPECT_EQ(readLocal(u"b.txt"_s), "zwei");
+}
+
+TEST_F(DownloadTest, AnAbortEndsTheBatch)
+{
+    for (const char *name : { "a", "b", "c" }) {
+        ftp.addFile(u"/www/"_s + QString::fromLatin1(name), "x");
+    }
+    ftp.during = [this](const QString &command) {
+        if (command.contains(u"/www/b"_s)) {
+            globals.session.ConnectionLost = true;
+            ftp.close();
+        }
+    };
+    download({ u"a"_s, u"b"_s, u"c"_s });
+    EXPECT_EQ(shell.queue.size(), 2);
+    EXPECT_TRUE(shell.queue[1].failed);
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 1 0 1 1"_s));
+    EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
+}
+
+TEST_F(DownloadTest, AFullDiskStopsTheBatchAndIsExplained)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    ftp.addFile(u"/www/b"_s, "x");
+    ftp.refuseAll(u"GET /www/a"_s, u"No space left"_s, ftp::ErrorKind::LocalDiskFull);
+    download({ u"a"_s, u"b"_s });
+    EXPECT_EQ(shell.queue.size(), 1);
+    EXPECT_TRUE(shell.log.contains(u"Auf dem lokalen Datenträger ist kein Platz mehr frei."_s));
+    EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 0 1 1 1"_s));
+}
+
+TEST_F(DownloadTest, NamesThatLeadElsewhereAreRefusedWithALogLine)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    showBoth();
+    for (const QString &name : { u".."_s, u"../boese"_s, u"zwei\nzeilen"_s }) {
+        PaneRow row;
+        row.name = name;
+        row.kind = ItemKind::File;
+        row.size = u"1"_s;
+        row.tag = u"/www/"_s + name;
+        remote.model().appendRow(row);
+    }
+    remote.selectAll();
+    commands.cmd_download_Click();
+    EXPECT_EQ(ftp.commandsOf(u"GET"_s).size(), 1);
+    EXPECT_EQ(shell.log.count(u"nicht zulässig"_s), 3);
+    EXPECT_EQ(shell.queue.size(), 4);
+    EXPECT_TRUE(shell.queue[1].failed);
+    EXPECT_FALSE(QFile::exists(root.path() + u"/../boese"_s));
+}
+
+TEST_F(DownloadTest, APipeInTheWayIsNeverOpened)
+{
+    ftp.addFile(u"/www/rohr"_s, "x");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(disk(u"rohr"_s)).constData(), 0600), 0);
+    download({ u"rohr"_s });
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    ASSERT_EQ(shell.queue.size(), 1);
+    EXPECT_TRUE(shell.queue[0].failed);
+}
+
+TEST_F(DownloadTest, MarkingAnewDuringTheBatchChangesNothing)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    ftp.addFile(u"/www/b"_s, "y");
+    ftp.during = [this](const QString &) { globals.marked = {}; };
+    download({ u"a"_s, u"b"_s });
+    EXPECT_EQ(readLocal(u"b"_s), "y");
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+}
+
+TEST_F(DownloadTest, ADropAsksAndGoesIntoTheFolderUnderThePointer)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    ftp.addFile(u"/www/b"_s, "y");
+    writeLocal(u"datei"_s, "z");
+    QDir().mkpath(disk(u"ziel"_s));
+    const QString question = u"2 Dateien oder Ordner Downloaden?"_s;
+    const auto drop = [&](const QString &row, bool answer) {
+        showBoth();
+        remote.selectAll();
+        MarkSelectedRemote(remote, globals, false);
+        prompts.expectConfirm(question, answer, u"Retrieve..."_s);
+        commands.dropOnLocal(row.isEmpty() ? -1 : local.model().findRow(row));
+    };
+    drop(u"ziel"_s, false);
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    drop(u"ziel"_s, true);
+    EXPECT_EQ(readLocal(u"ziel/a"_s), "x");
+    EXPECT_EQ(local.text, disk(u"ziel/"_s));
+    EXPECT_FALSE(QFile::exists(disk(u"a"_s)));
+    drop(u"datei"_s, true);
+    EXPECT_EQ(readLocal(u"a"_s), "x");
+    drop({}, false);
+}
+
+TEST_F(DownloadTest, FailedRowsCanBeRepeated)
+{
+    ftp.addFile(u"/www/a"_s, "eins");
+    ftp.addFile(u"/www/ordner/b"_s, "zwei");
+    ftp.refuseAll(u"GET"_s, u"450 Besetzt."_s);
+    download({ u"a"_s, u"ordner"_s });
+    ftp.refuse = nullptr;
+    QList<QueueRow> rows = shell.queue;
+    shell.queue.clear();
+    rows.append(rows.first());
+    rows.last().server = u"anderswo"_s;
+    QDir(disk(u"ordner"_s)).removeRecursively();
+    commands.RetryTransfers(rows);
+    EXPECT_EQ(readLocal(u"a"_s), "eins");
+    EXPECT_EQ(readLocal(u"ordner/b"_s), "zwei");
+    EXPECT_EQ(shell.queue.size(), 2);
+}

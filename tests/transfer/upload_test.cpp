@@ -1,0 +1,304 @@
+#include "transferbench.h"
+
+#include "remote/itemkind.h"
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+QStringList rowText(const QueueRow &row)
+{
+    return { row.status, row.local, row.size, row.direction, row.remote, row.server };
+}
+} // namespace
+
+class UploadTest : public TransferBench {
+protected:
+    UploadTest() { ftp.addFolder(u"/www"_s); }
+};
+
+TEST_F(UploadTest, StoresTheSelectedFilesAndNoOther)
+{
+    writeLocal(u"a.txt"_s, "eins");
+    writeLocal(u"b.txt"_s, "zwei");
+    upload({ u"a.txt"_s });
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "eins");
+    EXPECT_FALSE(ftp.has(u"/www/b.txt"_s));
+    ASSERT_EQ(shell.queue.size(), 1);
+    EXPECT_EQ(rowText(shell.queue[0]),
+              (QStringList { u"Upload"_s, disk(u"a.txt"_s), u"4"_s, u"-->"_s, u"/www/a.txt"_s,
+                             u"files01"_s }));
+    EXPECT_TRUE(local.markedNames().isEmpty());
+}
+
+TEST_F(UploadTest, StartsOnlyInAnIdleSession)
+{
+    writeLocal(u"a.txt"_s, "eins");
+    showBoth();
+    local.select({ u"a.txt"_s });
+    ftp.busy = true;
+    commands.cmd_upload_Click();
+    ftp.busy = false;
+    ftp.connectionState = FtpOperations::Closed;
+    commands.cmd_upload_Click();
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_TRUE(shell.calls.isEmpty());
+}
+
+TEST_F(UploadTest, NeedsNoRowInTheRemotePane)
+{
+    writeLocal(u"a.txt"_s, "eins");
+    showBoth();
+    remote.model().clear();
+    local.select({ u"a.txt"_s });
+    commands.cmd_upload_Click();
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "eins");
+}
+
+TEST_F(UploadTest, LeavesTheWindowReadyAndTheServerListed)
+{
+    writeLocal(u"a.txt"_s, "eins");
+    upload({ u"a.txt"_s });
+    EXPECT_EQ(remote.names(), QStringList { u"a.txt"_s });
+    EXPECT_EQ(remote.calls.last(), u"clear selection"_s);
+    EXPECT_EQ(ftp.commands.last(), u"LIST"_s);
+    EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 0 1 1 1"_s));
+    EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
+    EXPECT_EQ(progress.value(), 0);
+    EXPECT_EQ(progress.rateText(), QString());
+}
+
+TEST_F(UploadTest, EntersAndListsAnotherTargetBeforeTheFirstConflict)
+{
+    ftp.addFile(u"/www/unter/a.txt"_s, "alt");
+    writeLocal(u"a.txt"_s, "neuer");
+    showBoth();
+    local.selectAll();
+    MarkSelectedLocal(local, globals, false);
+    prompts.expectConfirm(u"1 Dateien oder Ordner Uploaden?"_s, true, u"Store..."_s);
+    dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+    commands.dropOnRemote(remote.model().findRow(u"unter"_s));
+    EXPECT_EQ(ftp.commands.first(), u"CWD /www/unter/"_s);
+    EXPECT_EQ(dialogs.questions.value(0).message,
+              u"Überschreiben /www/unter/a.txt(3) mit "_s + disk(u"a.txt(5)"_s));
+    EXPECT_EQ(remote.text, u"/www/unter"_s);
+}
+
+TEST_F(UploadTest, ATargetThatCannotBeEnteredOverwritesNothing)
+{
+    ftp.addFile(u"/www/unter/a.txt"_s, "alt");
+    writeLocal(u"a.txt"_s, "neuer");
+    showBoth();
+    local.selectAll();
+    MarkSelectedLocal(local, globals, false);
+    ftp.refuseAll(u"CWD /www/unter/"_s, u"550 Verboten."_s);
+    prompts.expectConfirm(u"1 Dateien oder Ordner Uploaden?"_s, true, u"Store..."_s);
+    commands.dropOnRemote(remote.model().findRow(u"unter"_s));
+    EXPECT_EQ(ftp.content(u"/www/unter/a.txt"_s), "alt");
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+    EXPECT_EQ(shell.queue[0].detail, u"550 Verboten."_s);
+}
+
+TEST_F(UploadTest, ADropOnAFileRowStaysInTheFolder)
+{
+    ftp.addFile(u"/www/datei"_s, "x");
+    writeLocal(u"a.txt"_s, "neu");
+    showBoth();
+    local.selectAll();
+    MarkSelectedLocal(local, globals, false);
+    prompts.expectConfirm(u"1 Dateien oder Ordner Uploaden?"_s, true, u"Store..."_s);
+    commands.dropOnRemote(remote.model().findRow(u"datei"_s));
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "neu");
+}
+
+TEST_F(UploadTest, TheConflictCheckTrustsThePane)
+{
+    ftp.addFile(u"/www/a.txt"_s, "alt");
+    writeLocal(u"a.txt"_s, "neuer");
+    showBoth();
+    PaneRow row = remote.model().row(1);
+    row.size = u"2.5 von 7"_s;
+    remote.model().changeRow(1, row);
+    local.select({ u"a.txt"_s });
+    dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_TRUE(dialogs.questions.value(0).message.contains(u"/www/a.txt(2)"_s));
+}
+
+TEST_F(UploadTest, AnEmptyRemoteFileIsReplacedWithoutAsking)
+{
+    ftp.addFile(u"/www/a.txt"_s, "");
+    writeLocal(u"a.txt"_s, "neu");
+    upload({ u"a.txt"_s });
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "neu");
+}
+
+TEST_F(UploadTest, AConflictIsAskedAboutAndAnswered)
+{
+    writeLocal(u"a.txt"_s, "neuer Inhalt");
+    for (const auto answer :
+         { ConflictAnswer::Skip, ConflictAnswer::Resume, ConflictAnswer::Overwrite }) {
+        ftp.addFile(u"/www/a.txt"_s, "NEUER");
+        dialogs.steps = { { answer, false, {} } };
+        upload({ u"a.txt"_s });
+        const QByteArray expected = answer == ConflictAnswer::Skip ? "NEUER"
+            : answer == ConflictAnswer::Resume                     ? "NEUER Inhalt"
+                                                                   : "neuer Inhalt";
+        EXPECT_EQ(ftp.content(u"/www/a.txt"_s), expected);
+    }
+    EXPECT_EQ(statuses().size(), 2);
+}
+
+TEST_F(UploadTest, AConflictFreeUploadAfterAResumedOneReplaces)
+{
+    ftp.addFile(u"/www/a.txt"_s, "EINS");
+    writeLocal(u"a.txt"_s, "eins und mehr");
+    writeLocal(u"b.txt"_s, "zwei");
+    dialogs.steps = { { ConflictAnswer::Resume, false, {} } };
+    upload({ u"a.txt"_s, u"b.txt"_s });
+    const QStringList puts = ftp.commandsOf(u"PUT"_s);
+    ASSERT_EQ(puts.size(), 2);
+    EXPECT_TRUE(puts[0].contains(u"@4 mode 2"_s));
+    EXPECT_TRUE(puts[1].contains(u"@0 mode 0"_s));
+}
+
+TEST_F(UploadTest, AllRepeatsTheAnswer)
+{
+    writeLocal(u"a"_s, "eins eins");
+    writeLocal(u"b"_s, "zwei zwei");
+    for (const auto answer : { ConflictAnswer::Resume, ConflictAnswer::Overwrite }) {
+        ftp.addFile(u"/www/a"_s, "EINS");
+        ftp.addFile(u"/www/b"_s, "ZWEI");
+        dialogs.steps = { { answer, true, {} } };
+        upload({ u"a"_s, u"b"_s });
+        EXPECT_EQ(ftp.content(u"/www/b"_s),
+                  answer == ConflictAnswer::Resume ? "ZWEI zwei" : "zwei zwei");
+    }
+}
+
+TEST_F(UploadTest, ARefusedPutSaysSoAndTheBatchGoesOn)
+{
+    writeLocal(u"a"_s, "eins");
+    writeLocal(u"b"_s, "zwei");
+    ftp.refuseAll(u"/www/a"_s, u"451 Quota."_s);
+    upload({ u"a"_s, u"b"_s });
+    EXPECT_EQ(statuses(), (QStringList { u"Upload verweigert"_s, u"Upload"_s }));
+    EXPECT_EQ(shell.queue[0].local, disk(u"a"_s));
+    EXPECT_EQ(shell.queue[0].size, u"4"_s);
+    EXPECT_EQ(shell.queue[0].remote, u"/www/a"_s);
+    EXPECT_EQ(ftp.content(u"/www/b"_s), "zwei");
+}
+
+TEST_F(UploadTest, AFolderIsMadeAndStoredAsATree)
+{
+    writeLocal(u"neue bilder/tief/.verborgen"_s, "x");
+    writeLocal(u"bilder/a"_s, "y");
+    upload({ u"bilder"_s, u"neue bilder"_s });
+    EXPECT_EQ(
+        ftp.commands.mid(0, 4),
+        (QStringList { u"MKD /www/bilder"_s, u"MPUT "_s + disk(u"bilder/*"_s) + u" /www/bilder"_s,
+                       u"MKD /www/neue bilder"_s,
+                       u"MPUT \""_s + disk(u"neue bilder/*\""_s) + u" /www/neue bilder"_s }));
+    EXPECT_EQ(ftp.content(u"/www/neue bilder/tief/.verborgen"_s), "x");
+    EXPECT_EQ(shell.queue.value(0).size, QString());
+    EXPECT_EQ(shell.queue.value(0).status, u"Upload"_s);
+}
+
+TEST_F(UploadTest, AnExistingFolderIsAskedAboutAndNotMadeAgain)
+{
+    ftp.addFolder(u"/www/bilder"_s);
+    writeLocal(u"bilder/a"_s, "y");
+    dialogs.steps = { { ConflictAnswer::Overwrite, false, {} } };
+    upload({ u"bilder"_s });
+    EXPECT_TRUE(ftp.commandsOf(u"MKD"_s).isEmpty());
+    EXPECT_EQ(ftp.content(u"/www/bilder/a"_s), "y");
+    EXPECT_TRUE(dialogs.questions.value(0).message.contains(u"/www/bilder(0)"_s));
+}
+
+TEST_F(UploadTest, AFolderThatCannotBeMadeIsRefused)
+{
+    writeLocal(u"bilder/a"_s, "y");
+    ftp.refuseAll(u"MKD"_s, u"550 Verboten."_s);
+    upload({ u"bilder"_s });
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+}
+
+TEST_F(UploadTest, RenamesTheRemoteFileWithFullPathsAndAsksAgain)
+{
+    ftp.addFile(u"/www/a.txt"_s, "alt");
+    ftp.addFile(u"/www/vergeben"_s, "x");
+    writeLocal(u"a.txt"_s, "neuer");
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"vergeben"_s },
+                      { ConflictAnswer::Rename, false, u"b.txt"_s },
+                      { ConflictAnswer::Overwrite, false, {} } };
+    upload({ u"a.txt"_s });
+    EXPECT_EQ(ftp.commandsOf(u"RENAME"_s), QStringList { u"RENAME /www/a.txt /www/b.txt"_s });
+    EXPECT_EQ(ftp.content(u"/www/b.txt"_s), "alt");
+    EXPECT_EQ(ftp.content(u"/www/vergeben"_s), "x");
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "neuer");
+    EXPECT_EQ(dialogs.offeredNames, (QStringList { u"a.txt"_s, u"a.txt"_s }));
+    ASSERT_EQ(dialogs.questions.size(), 3);
+    EXPECT_EQ(dialogs.questions[2].message, dialogs.questions[0].message);
+}
+
+TEST_F(UploadTest, ANameThatOnlyTheServerKnowsIsNotReplaced)
+{
+    ftp.addFile(u"/www/a.txt"_s, "alt");
+    writeLocal(u"a.txt"_s, "neuer");
+    showBoth();
+    ftp.addFile(u"/www/heimlich"_s, "wertvoll");
+    local.select({ u"a.txt"_s });
+    dialogs.steps
+        = { { ConflictAnswer::Rename, false, u"heimlich"_s }, { ConflictAnswer::Skip, false, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_EQ(ftp.content(u"/www/heimlich"_s), "wertvoll");
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "alt");
+    EXPECT_TRUE(shell.log.contains(u"heimlich: Der Name ist schon vergeben."_s));
+}
+
+TEST_F(UploadTest, CancellingTheNewNameSkipsTheItem)
+{
+    ftp.addFile(u"/www/a.txt"_s, "alt");
+    writeLocal(u"a.txt"_s, "neuer");
+    dialogs.steps = { { ConflictAnswer::Rename, false, std::nullopt } };
+    upload({ u"a.txt"_s });
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "alt");
+    EXPECT_TRUE(shell.queue.isEmpty());
+}
+
+TEST_F(UploadTest, PipesAreNeverOpened)
+{
+    ASSERT_EQ(::mkfifo(QFile::encodeName(disk(u"rohr"_s)).constData(), 0600), 0);
+    upload({ u"rohr"_s });
+    EXPECT_TRUE(ftp.commandsOf(u"PUT"_s).isEmpty());
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+}
+
+TEST_F(UploadTest, AVanishedFileIsRefused)
+{
+    writeLocal(u"a"_s, "eins");
+    showBoth();
+    local.select({ u"a"_s });
+    QFile::remove(disk(u"a"_s));
+    commands.cmd_upload_Click();
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+}
+
+TEST_F(UploadTest, ALostConnectionEndsTheBatch)
+{
+    for (const char *name : { "a", "b", "c" }) {
+        writeLocal(QString::fromLatin1(name), "x");
+    }
+    ftp.during = [this](const QString &command) {
+        if (command.contains(u"/www/b"_s)) {
+            globals.session.ConnectionLost = true;
+            ftp.close();
+        }
+    };
+    upload({ u"a"_s, u"b"_s, u"c"_s });
+    EXPECT_EQ(statuses(), (QStringList { u"Upload"_s, u"Upload verweigert"_s }));
+    EXPECT_TRUE(local.markedNames().isEmpty());
+    EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 1 0 1 1"_s));
+    EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
+}
