@@ -1,19 +1,12 @@
 #include "servers/rawclient.h"
 
-#include "servers/socket.h"
-
 #include <cstdlib>
 #include <utility>
 
 namespace servers {
 
-struct RawClient::Stream : servers::Stream {
-    using servers::Stream::Stream;
-    std::string buffer;
-};
-
 RawClient::RawClient(std::uint16_t port, const std::string &address)
-    : m_control(std::make_unique<Stream>(connectTo(address, port)))
+    : m_control(connectTo(address, port))
     , m_address(address)
 {
 }
@@ -22,48 +15,46 @@ RawClient::~RawClient() = default;
 
 bool RawClient::startTls(const std::filesystem::path &trusted)
 {
-    m_control->buffer.clear();
-    m_protected = m_control->startTlsAsClient(trusted, {});
+    m_buffer.clear();
+    m_protected = m_control.startTlsAsClient(trusted, {});
     return m_protected;
 }
 
-void RawClient::write(const std::string &bytes) { m_control->write(bytes); }
+void RawClient::write(const std::string &bytes) { m_control.write(bytes); }
 
 std::string RawClient::readLine()
 {
-    std::string &buffer = m_control->buffer;
     std::size_t end = 0;
-    while ((end = buffer.find('\n')) == std::string::npos) {
-        if (m_control->read(buffer, 65536, 10000) <= 0) {
-            return std::exchange(buffer, {});
+    while ((end = m_buffer.find('\n')) == std::string::npos) {
+        if (m_control.read(m_buffer, 65536, 10000) <= 0) {
+            return std::exchange(m_buffer, {});
         }
     }
-    const std::string line = buffer.substr(0, end + 1);
-    buffer.erase(0, end + 1);
+    const std::string line = m_buffer.substr(0, end + 1);
+    m_buffer.erase(0, end + 1);
     return line;
 }
 
 std::string RawClient::readReply()
 {
-    std::string reply = readLine();
-    if (reply.size() < 4 || reply[3] != '-') {
-        return reply;
+    m_lastReply = readLine();
+    if (m_lastReply.size() < 4 || m_lastReply[3] != '-') {
+        return m_lastReply;
     }
-    const std::string close = reply.substr(0, 3) + " ";
+    const std::string close = m_lastReply.substr(0, 3) + " ";
     for (;;) {
         const std::string line = readLine();
-        reply += line;
+        m_lastReply += line;
         if (line.empty() || line.starts_with(close)) {
-            return reply;
+            return m_lastReply;
         }
     }
 }
 
 std::string RawClient::readRest(int limit)
 {
-    std::string &buffer = m_control->buffer;
-    while (m_control->read(buffer, 65536, limit) > 0) { }
-    return std::exchange(buffer, {});
+    while (m_control.read(m_buffer, 65536, limit) > 0) { }
+    return std::exchange(m_buffer, {});
 }
 
 const std::string &RawClient::greeting()
@@ -95,53 +86,63 @@ std::string RawClient::login(const std::string &user, const std::string &passwor
     return reply;
 }
 
-std::unique_ptr<RawClient::Stream> RawClient::openData(std::string &refusal)
+std::unique_ptr<Stream> RawClient::openDataFor(const std::string &line)
 {
-    refusal = command("EPSV");
-    const std::size_t place = refusal.find("|||");
+    const std::string told = command("EPSV");
+    const std::size_t place = told.find("|||");
     if (place == std::string::npos) {
         return nullptr;
     }
-    const int port = std::atoi(refusal.c_str() + place + 3);
-    return std::make_unique<Stream>(connectTo(m_address, static_cast<std::uint16_t>(port)));
+    const int port = std::atoi(told.c_str() + place + 3);
+    auto data = std::make_unique<Stream>(connectTo(m_address, static_cast<std::uint16_t>(port)));
+    if (!command(line).starts_with("1")) {
+        return nullptr;
+    }
+    if (m_protected && !data->startTlsAsClient({}, m_control.session())) {
+        readReply(); // says why
+        return nullptr;
+    }
+    return data;
+}
+
+std::string RawClient::receiveAll(Stream &data)
+{
+    std::string bytes;
+    while (data.read(bytes, 1 << 20, 10000) > 0) { }
+    data.close();
+    readReply();
+    return bytes;
 }
 
 std::string RawClient::receive(const std::string &line)
 {
-    std::string reply;
-    const auto data = openData(reply);
-    if (!data) {
-        return reply;
-    }
-    reply = command(line);
-    if (!reply.starts_with("1")) {
-        return reply;
-    }
-    if (m_protected && !data->startTlsAsClient({}, m_control->session())) {
-        return "data connection: no TLS";
-    }
-    while (data->read(data->buffer, 1 << 20, 10000) > 0) { }
-    data->close();
+    const auto data = openDataFor(line);
+    return data ? receiveAll(*data) : m_lastReply;
+}
+
+std::string RawClient::receiveActively(const std::string &line)
+{
+    const Handle listener = listenOn("127.0.0.1");
+    const unsigned port = localPort(listener);
+    command("PORT 127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256));
+    write(line + "\r\n");
+    Handle connection = acceptFrom(listener, 10000);
     readReply();
-    return data->buffer;
+    if (!connection) {
+        return m_lastReply;
+    }
+    Stream data(std::move(connection));
+    return receiveAll(data);
 }
 
 std::string RawClient::send(const std::string &line, const std::string &bytes)
 {
-    std::string reply;
-    const auto data = openData(reply);
+    const auto data = openDataFor(line);
     if (!data) {
-        return reply;
-    }
-    reply = command(line);
-    if (!reply.starts_with("1")) {
-        return reply;
-    }
-    if (m_protected && !data->startTlsAsClient({}, m_control->session())) {
-        return "data connection: no TLS";
+        return m_lastReply;
     }
     data->write(bytes);
-    data->close();
+    data->finish();
     return readReply();
 }
 

@@ -1,10 +1,7 @@
 // A bare FTP client for tests of servers: sends lines, returns replies as they come.
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
-#include <memory>
-#include <string>
+#include "servers/socket.h"
 
 namespace servers {
 
@@ -27,20 +24,26 @@ public:
     std::string login(const std::string &user, const std::string &password);
     /// EPSV and a command that sends data to us. @return the data, or the reply of a refusal
     std::string receive(const std::string &line);
+    /// The same through PORT.
+    std::string receiveActively(const std::string &line);
     /// EPSV and a command that takes data. @return the last reply
     std::string send(const std::string &line, const std::string &data);
+
+    /// EPSV and a command; the data connection is the caller's then. Null after a refusal.
+    std::unique_ptr<Stream> openDataFor(const std::string &line);
+    [[nodiscard]] const std::string &lastReply() const { return m_lastReply; }
 
     void write(const std::string &bytes); ///< as they are
     std::string readLine(); ///< with its line end
     std::string readReply();
     std::string readRest(int limit = 10000); ///< everything until the end of the connection
 
-    struct Stream;
-
 private:
-    std::unique_ptr<Stream> openData(std::string &refusal);
-    std::unique_ptr<Stream> m_control;
+    std::string receiveAll(Stream &data);
+    Stream m_control;
+    std::string m_buffer;
     std::string m_address;
+    std::string m_lastReply;
     std::string m_greeting;
     bool m_greeted = false;
     bool m_protected = false;

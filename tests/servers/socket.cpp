@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <netdb.h>
 #include <netinet/tcp.h>
+#include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <poll.h>
 #include <stdexcept>
@@ -46,6 +48,31 @@ namespace {
             throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
         }
     }
+
+    /// OpenSSL writes to its socket without MSG_NOSIGNAL. The signal is held back only while it
+    /// does so: a process under test has to deal with its own.
+    class TlsCall {
+    public:
+        TlsCall()
+        {
+            sigemptyset(&m_signal);
+            sigaddset(&m_signal, SIGPIPE);
+            pthread_sigmask(SIG_BLOCK, &m_signal, &m_before);
+            ERR_clear_error();
+        }
+        ~TlsCall()
+        {
+            const timespec now {};
+            sigtimedwait(&m_signal, nullptr, &now);
+            pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+        }
+        TlsCall(const TlsCall &) = delete;
+        TlsCall &operator=(const TlsCall &) = delete;
+
+    private:
+        sigset_t m_signal {};
+        sigset_t m_before {};
+    };
 
 } // namespace
 
@@ -132,6 +159,7 @@ long Stream::read(std::string &buffer, std::size_t size, int milliseconds)
                 break;
             }
         } else {
+            const TlsCall guard;
             got = SSL_read(m_ssl, buffer.data() + before,
                            static_cast<int>(std::min<std::size_t>(size, 1 << 20)));
             const int error = SSL_get_error(m_ssl, static_cast<int>(got));
@@ -161,6 +189,7 @@ bool Stream::write(std::string_view bytes)
                 return false;
             }
         } else {
+            const TlsCall guard;
             put = SSL_write(m_ssl, bytes.data(),
                             static_cast<int>(std::min<std::size_t>(bytes.size(), 1 << 20)));
             const int error = SSL_get_error(m_ssl, static_cast<int>(put));
@@ -180,6 +209,7 @@ bool Stream::write(std::string_view bytes)
 
 bool Stream::handshake(int (*step)(SSL *))
 {
+    const TlsCall guard;
     for (;;) {
         const int done = step(m_ssl);
         if (done == 1) {
@@ -226,10 +256,31 @@ void Stream::close()
 {
     if (m_ssl != nullptr) {
         if (m_handle) {
+            const TlsCall guard;
             SSL_shutdown(m_ssl);
         }
         SSL_free(std::exchange(m_ssl, nullptr));
     }
+    m_handle.reset();
+}
+
+void Stream::finish()
+{
+    if (m_ssl != nullptr) {
+        const TlsCall guard;
+        SSL_shutdown(m_ssl);
+    }
+    shutdown(m_handle.get(), SHUT_WR);
+    std::string rest;
+    while (read(rest, 65536, 10000) > 0) {
+        rest.clear();
+    }
+    close();
+}
+
+void Stream::closeWithoutNotice()
+{
+    SSL_free(std::exchange(m_ssl, nullptr));
     m_handle.reset();
 }
 

@@ -61,6 +61,10 @@ public:
     /// The TLS session, for another connection; null in clear or when the server gave none.
     [[nodiscard]] SSL_SESSION *session() const;
     void close(); ///< politely: close_notify first
+    /// Politely after an upload: what the other side has sent is read first, since closing over
+    /// unread bytes resets the connection and may destroy ours.
+    void finish();
+    void closeWithoutNotice(); ///< TLS: without close_notify
     void drop(); ///< without close_notify, with a reset
     [[nodiscard]] int handle() const { return m_handle.get(); }
 

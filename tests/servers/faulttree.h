@@ -1,0 +1,37 @@
+// The folder tree that a session of the fault server works in.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace servers {
+
+class FaultTree {
+public:
+    explicit FaultTree(std::filesystem::path root)
+        : m_root(std::move(root))
+    {
+    }
+
+    [[nodiscard]] const std::string &current() const { return m_current; } ///< "/" or "/a/b"
+    /// A path of the client as a path on disk; ".." never leads out of the root.
+    [[nodiscard]] std::filesystem::path resolve(const std::string &path) const;
+    bool changeTo(const std::string &path); ///< false when there is no such folder
+
+    /// As "ls -l" prints it. @param hidden  with names that begin with a dot
+    [[nodiscard]] std::string list(const std::string &path, bool hidden) const;
+    /// RFC 3659, section 7, with UNIX.mode.
+    [[nodiscard]] std::string machineList(const std::string &path) const;
+
+    /// YYYYMMDDHHMMSS in UTC, nothing when there is no such file.
+    [[nodiscard]] std::optional<std::string> modified(const std::string &path) const;
+    bool setModified(const std::string &path, const std::string &time) const;
+
+private:
+    [[nodiscard]] std::string absolute(const std::string &path) const;
+    std::filesystem::path m_root;
+    std::string m_current = "/";
+};
+
+} // namespace servers
