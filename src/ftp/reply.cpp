@@ -5,13 +5,14 @@
 namespace ftp {
 namespace {
 
-/// A reply of a hostile server must not eat the memory.
+/// A reply of a hostile server must not eat the memory, not even with empty lines.
 constexpr std::size_t longestReply = 1 << 20;
 
-/// Code at the begin of a line, 0 when there is none.
+/// Code at the begin of a line, 0 when there is none. 6yz are protected replies (RFC 2228,
+/// section 5); we cannot read them, and they count as refusals.
 int codeOf(std::string_view line)
 {
-    if (line.size() < 3 || line[0] < '1' || line[0] > '5') {
+    if (line.size() < 3 || line[0] < '1' || line[0] > '6') {
         return 0;
     }
     for (const char digit : line.substr(0, 3)) {
@@ -38,19 +39,21 @@ std::string Reply::text() const
 
 std::string_view Reply::message() const
 {
-    const std::string_view last = lines.empty() ? std::string_view() : std::string_view(lines.back());
+    const std::string_view last
+        = lines.empty() ? std::string_view() : std::string_view(lines.back());
     return last.size() > 4 ? last.substr(4) : std::string_view();
 }
 
 Result<bool> ReplyParser::add(std::string_view line)
 {
-    m_bytes += line.size();
+    m_bytes += line.size() + sizeof(std::string);
     if (m_bytes > longestReply) {
         return fail(ErrorKind::Protocol, "The server sent a reply without end");
     }
     const int code = codeOf(line);
     if (!inReply()) {
-        const bool separated = line.size() == 3 || (line.size() > 3 && (line[3] == ' ' || line[3] == '-'));
+        const bool separated
+            = line.size() == 3 || (line.size() > 3 && (line[3] == ' ' || line[3] == '-'));
         if (code == 0 || !separated) {
             return fail(ErrorKind::Protocol, "The server sent a line that is no reply");
         }

@@ -10,7 +10,7 @@ namespace ftp {
 
 /// One complete reply of the control connection (RFC 959, section 4.2).
 struct Reply {
-    int code = 0; ///< 100 to 599
+    int code = 0; ///< 100 to 699
     std::vector<std::string> lines; ///< all lines without line ends, the code still in front
 
     [[nodiscard]] bool preliminary() const { return code / 100 == 1; }
