@@ -67,8 +67,8 @@ std::optional<HostPort> readSix(std::string_view run)
     return result;
 }
 
-/// Reads what stands between the brackets of a 229: delimiter, protocol, address, port. The middle
-/// two are empty by RFC 2428; a server that fills them means itself.
+/// Reads what stands between the brackets of a 229: delimiter, protocol, address, port. The
+/// middle two are empty by RFC 2428; a server that fills them means itself.
 std::optional<std::uint16_t> readEpsvBody(std::string_view body)
 {
     if (body.size() < 5 || body.front() < 33 || body.front() > 126 || body.back() != body.front()) {
@@ -78,7 +78,8 @@ std::optional<std::uint16_t> readEpsvBody(std::string_view body)
     std::size_t portBegin = 3;
     if (body[1] != delimiter || body[2] != delimiter) {
         const std::size_t second = body.find(delimiter, 1);
-        const std::size_t third = second == std::string_view::npos ? second : body.find(delimiter, second + 1);
+        const std::size_t third
+            = second == std::string_view::npos ? second : body.find(delimiter, second + 1);
         if (third == std::string_view::npos || third + 2 >= body.size()) {
             return std::nullopt;
         }
@@ -103,7 +104,7 @@ std::optional<HostPort> parsePasv(std::string_view replyText)
             continue;
         }
         const std::size_t length = runLength(replyText.substr(at));
-        if (const std::optional<HostPort> found = readSix(replyText.substr(at, length))) {
+        if (std::optional<HostPort> found = readSix(replyText.substr(at, length))) {
             return found;
         }
         at += length;

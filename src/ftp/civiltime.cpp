@@ -24,32 +24,25 @@ std::int64_t daysFromEpoch(int year, int month, int day)
     return sys_days(std::chrono::year(year) / month / day).time_since_epoch().count();
 }
 
-/// Value of digits; nothing when another byte is among them.
-std::optional<int> number(std::string_view digits)
+bool isDigits(std::string_view text)
 {
-    int value = 0;
-    for (const char digit : digits) {
-        if (digit < '0' || digit > '9') {
-            return std::nullopt;
-        }
-        value = value * 10 + (digit - '0');
-    }
-    return value;
+    return text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 } // namespace
 
 bool isValid(const CivilTime &time)
 {
-    return time.year >= 1 && time.year <= 9999 && time.month >= 1 && time.month <= 12 && time.day >= 1
-        && time.day <= daysIn(time.year, time.month) && time.hour >= 0 && time.hour <= 23
-        && time.minute >= 0 && time.minute <= 59 && time.second >= 0 && time.second <= 60;
+    return time.year >= 1 && time.year <= 9999 && time.month >= 1 && time.month <= 12
+        && time.day >= 1 && time.day <= daysIn(time.year, time.month) && time.hour >= 0
+        && time.hour <= 23 && time.minute >= 0 && time.minute <= 59 && time.second >= 0
+        && time.second <= 60;
 }
 
 std::int64_t toEpoch(const CivilTime &time)
 {
-    return daysFromEpoch(time.year, time.month, time.day) * secondsPerDay + time.hour * 3600
-        + time.minute * 60 + time.second;
+    const int secondOfDay = time.hour * 3600 + time.minute * 60 + time.second;
+    return daysFromEpoch(time.year, time.month, time.day) * secondsPerDay + secondOfDay;
 }
 
 CivilTime fromEpoch(std::int64_t seconds)
@@ -61,8 +54,12 @@ CivilTime fromEpoch(std::int64_t seconds)
     const auto day = floor<days>(sys_seconds(std::chrono::seconds(inRange)));
     const year_month_day date(day);
     const auto rest = static_cast<int>(inRange - day.time_since_epoch().count() * secondsPerDay);
-    return { int(date.year()), int(unsigned(date.month())), int(unsigned(date.day())),
-             rest / 3600, rest / 60 % 60, rest % 60 };
+    return { int(date.year()),
+             int(unsigned(date.month())),
+             int(unsigned(date.day())),
+             rest / 3600,
+             rest / 60 % 60,
+             rest % 60 };
 }
 
 std::optional<CivilTime> inferYear(CivilTime partial, const CivilTime &now)
@@ -81,22 +78,29 @@ std::optional<CivilTime> inferYear(CivilTime partial, const CivilTime &now)
 std::optional<CivilTime> parseTimeVal(std::string_view text)
 {
     constexpr std::size_t length = 14;
-    if (text.size() < length || (text.size() > length && text[length] != '.')
-        || !number(text.substr(0, length > text.size() ? text.size() : length))) {
+    const std::string_view fraction = text.substr(std::min(length, text.size()));
+    if (text.size() < length || !isDigits(text.substr(0, length))
+        || (!fraction.empty() && (fraction.front() != '.' || !isDigits(fraction.substr(1))))) {
         return std::nullopt;
     }
     const auto field = [&](std::size_t at, std::size_t digits) {
-        return number(text.substr(at, digits)).value_or(0);
+        int value = 0;
+        for (const char digit : text.substr(at, digits)) {
+            value = value * 10 + (digit - '0');
+        }
+        return value;
     };
-    const CivilTime time { field(0, 4), field(4, 2), field(6, 2), field(8, 2), field(10, 2), field(12, 2) };
+    const CivilTime time { field(0, 4), field(4, 2),  field(6, 2),
+                           field(8, 2), field(10, 2), field(12, 2) };
     return isValid(time) ? std::optional(time) : std::nullopt;
 }
 
 std::string formatTimeVal(const CivilTime &time)
 {
     std::array<char, 80> text {};
-    const int length = std::snprintf(text.data(), text.size(), "%04d%02d%02d%02d%02d%02d", time.year,
-                                     time.month, time.day, time.hour, time.minute, time.second);
+    const int length
+        = std::snprintf(text.data(), text.size(), "%04d%02d%02d%02d%02d%02d", time.year, time.month,
+                        time.day, time.hour, time.minute, time.second);
     return { text.data(), static_cast<std::size_t>(length) };
 }
 

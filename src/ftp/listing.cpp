@@ -66,8 +66,8 @@ using namespace dialects;
 
 enum class Dialect { Unix, MsDos, NetWare, Eplf, Vms, Mvs, Os400, Os2, VxWorks };
 
-/// Gives each line to the dialect of the line before, and to the others only when that one does not
-/// know it: a wrong guess at the first line then costs nothing.
+/// Gives each line to the dialect of the line before, and to the others only when that one does
+/// not know it: a wrong guess at the first line then costs nothing.
 class ListReader {
 public:
     explicit ListReader(const CivilTime &now)
@@ -96,9 +96,9 @@ public:
     }
 
 private:
-    static constexpr std::array all { Dialect::Unix, Dialect::MsDos, Dialect::NetWare,
-                                      Dialect::Eplf, Dialect::Vms, Dialect::Mvs,
-                                      Dialect::Os400, Dialect::Os2, Dialect::VxWorks };
+    static constexpr std::array all { Dialect::Unix,  Dialect::MsDos, Dialect::NetWare,
+                                      Dialect::Eplf,  Dialect::Vms,   Dialect::Mvs,
+                                      Dialect::Os400, Dialect::Os2,   Dialect::VxWorks };
 
     Verdict readAs(Dialect dialect, Text line, std::size_t number, Entry &entry)
     {

@@ -16,7 +16,8 @@ struct Entry {
     /// How exactly the listing told the time.
     enum class Precision { Second, Minute, Day };
 
-    std::string name; ///< raw bytes as received, to be sent back unchanged; never empty, may be unsafe
+    std::string
+        name; ///< raw bytes as received, to be sent back unchanged; never empty, may be unsafe
     char type = '-'; ///< 'd' folder, 'l' link, '-' anything else
     std::int64_t size = 0; ///< bytes, 0 where the dialect gives none, saturated at 2^63-1
     std::optional<CivilTime> time; ///< as printed; nothing when absent or impossible
@@ -38,8 +39,8 @@ struct Listing {
 };
 
 /// Reads the text of LIST in any known dialect: Unix ls with its many columns and languages,
-/// MS-DOS, NetWare, EPLF, VMS, MVS, OS/400, OS/2, VxWorks, Mac OS. Lines end with CR LF or LF; lines
-/// that are no entries are passed over.
+/// MS-DOS, NetWare, EPLF, VMS, MVS, OS/400, OS/2, VxWorks, Mac OS. Lines end with CR LF or LF;
+/// lines that are no entries are passed over.
 /// @param now  the time in the server's clock, for dates without a year.
 [[nodiscard]] Listing parseList(std::string_view bytes, const CivilTime &now);
 

@@ -56,7 +56,8 @@ bool readDay(Text token, int &day, bool &dotted)
 /// Whether a token stands at a place, one blank in front of it, and more behind it.
 bool isInnerToken(Text line, std::size_t at, std::size_t end)
 {
-    return at + 1 < line.size() && line[at] == ' ' && !isBlank(line[at + 1]) && end + 1 < line.size();
+    return at + 1 < line.size() && line[at] == ' ' && !isBlank(line[at + 1])
+        && end + 1 < line.size();
 }
 
 /// Reads what follows day and month: a year or a clock, and behind seconds perhaps a year.
@@ -95,8 +96,8 @@ void skipZone(Text line, Stamp &stamp)
     std::size_t end = stamp.end;
     Text zone = takeToken(line, end);
     int value = 0;
-    if (zone.size() == 5 && (takeByte(zone, '+') || takeByte(zone, '-')) && takeNumber(zone, 4, value)
-        && zone.empty() && isInnerToken(line, stamp.end, end)) {
+    if (zone.size() == 5 && (takeByte(zone, '+') || takeByte(zone, '-'))
+        && takeNumber(zone, 4, value) && zone.empty() && isInnerToken(line, stamp.end, end)) {
         stamp.end = end;
     }
 }
@@ -178,7 +179,8 @@ bool readNumericDate(Text token, CivilTime &time)
         }
         digits[i] = before - token.size();
     }
-    if (!token.empty() || (separator != '-' && separator != '/' && separator != '.') || digits[1] > 2) {
+    if (!token.empty() || (separator != '-' && separator != '/' && separator != '.')
+        || digits[1] > 2) {
         return false;
     }
     if (digits[0] == 4 && digits[2] <= 2) {
@@ -241,9 +243,10 @@ std::optional<Stamp> readStamp(Text line, std::size_t at)
     if (!isDigit(first.front())) {
         return readMonthFirst(line, first, stamp) ? std::optional(stamp) : std::nullopt;
     }
-    const bool short_ = first.size() <= 3; // a day: "7", "07", "07."
-    return (short_ ? readDayFirst(line, first, stamp) : readIso(line, first, stamp)) ? std::optional(stamp)
-                                                                                      : std::nullopt;
+    const bool isShort = first.size() <= 3; // a day: "7", "07", "07."
+    return (isShort ? readDayFirst(line, first, stamp) : readIso(line, first, stamp))
+        ? std::optional(stamp)
+        : std::nullopt;
 }
 
 std::optional<SizeAndStamp> findSizeAndStamp(Text line, std::size_t at)
@@ -254,7 +257,8 @@ std::optional<SizeAndStamp> findSizeAndStamp(Text line, std::size_t at)
             return std::nullopt;
         }
         // Device numbers and negative sizes stand in this column too; they give the size 0.
-        if (isDigit(token.front()) || (token.front() == '-' && token.size() > 1 && isDigit(token[1]))) {
+        if (isDigit(token.front())
+            || (token.front() == '-' && token.size() > 1 && isDigit(token[1]))) {
             if (const auto stamp = readStamp(line, at)) {
                 return SizeAndStamp { readSize(token).value_or(0), *stamp };
             }

@@ -57,8 +57,8 @@ int readOctal(Text text);
 /// or more, with or without a dot, in UTF-8 or Latin-1; 0 when it is none.
 int monthOf(Text name);
 
-/// Reads a whole date of numbers into year, month and day, whether it exists or not: yyyy-mm-dd with
-/// any of "-/.", dd.mm.yy, mm/dd/yy, mm-dd-yy, years with two or four digits.
+/// Reads a whole date of numbers into year, month and day, whether it exists or not: yyyy-mm-dd
+/// with any of "-/.", dd.mm.yy, mm/dd/yy, mm-dd-yy, years with two or four digits.
 bool readNumericDate(Text token, CivilTime &time);
 
 /// Reads h:mm or h:mm:ss, with a fraction that is dropped, with AM or PM behind it.

@@ -51,7 +51,8 @@ Verdict parseMsDos(Text line, Entry &entry)
         return fill(entry, withoutBlanks(line, at, 1), *stamp);
     }
     constexpr std::size_t columnWidth = 15; // "<DIR>" and ten blanks; more belong to the name
-    if (column.size() < 3 || column.size() > columnWidth || column.front() != '<' || column.back() != '>') {
+    if (column.size() < 3 || column.size() > columnWidth || column.front() != '<'
+        || column.back() != '>') {
         return Verdict::Foreign;
     }
     entry.type = entry.letter = 'd';
@@ -93,7 +94,8 @@ Verdict parseVxWorks(Text line, Entry &entry)
     }
     const auto size = readSize(first);
     const std::size_t dash = date.find('-');
-    if (!size || dash == Text::npos || date.size() != dash + 8 || date[dash + 3] != '-') { // MON-DD-YYYY
+    if (!size || dash == Text::npos || date.size() != dash + 8
+        || date[dash + 3] != '-') { // MON-DD-YYYY
         return Verdict::Foreign;
     }
     Stamp stamp;
@@ -109,7 +111,8 @@ Verdict parseVxWorks(Text line, Entry &entry)
     stamp.precision = *precision;
     Text name = withoutBlanks(line, at, 3);
     constexpr Text mark = "<DIR>";
-    if (const Text trimmed = name.substr(0, name.find_last_not_of(' ') + 1); trimmed.ends_with(mark)) {
+    if (const Text trimmed = name.substr(0, name.find_last_not_of(' ') + 1);
+        trimmed.ends_with(mark)) {
         entry.type = entry.letter = 'd';
         name = trimmed.substr(0, trimmed.size() - mark.size());
         name = name.substr(0, name.find_last_not_of(' ') + 1);

@@ -29,8 +29,8 @@ bool isOrganisation(Text word)
     return false;
 }
 
-/// A data set: volume, unit, date and six more columns, or words in their place. Tracks and records
-/// are no bytes, so the size stays 0.
+/// A data set: volume, unit, date and six more columns, or words in their place. Tracks and
+/// records are no bytes, so the size stays 0.
 Verdict readDataSet(const Words &row, Entry &entry)
 {
     const auto &word = row.word;
@@ -39,8 +39,10 @@ Verdict readDataSet(const Words &row, Entry &entry)
     }
     const Text name = word[row.count - 1];
     const Text before = word[row.count - 2];
-    const bool pseudo = row.count == 3 && sameText(word[0], "pseudo") && sameText(word[1], "directory");
-    const bool elsewhere = (row.count == 2 && (sameText(word[0], "migrated") || sameText(word[0], "archived")))
+    const bool pseudo
+        = row.count == 3 && sameText(word[0], "pseudo") && sameText(word[1], "directory");
+    const bool elsewhere
+        = (row.count == 2 && (sameText(word[0], "migrated") || sameText(word[0], "archived")))
         || (row.count == 3 && sameText(word[1], "tape"));
     if (!pseudo && !elsewhere && (row.count < 4 || !isOrganisation(before))) {
         return Verdict::Foreign;
@@ -62,7 +64,8 @@ bool isMemberName(Text word)
         && word.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789#@$") == Text::npos;
 }
 
-/// A member: name, version, created, changed with time, three counts of lines, user; or the name alone.
+/// A member: name, version, created, changed with time, three counts of lines, user; or the
+/// name alone.
 Verdict readMember(const Words &row, Entry &entry)
 {
     if (!isMemberName(row.word[0])) {

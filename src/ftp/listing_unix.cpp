@@ -77,8 +77,8 @@ void splitLink(Entry &entry)
 
 bool isTotal(Text line)
 {
-    constexpr std::array<Text, 8> words { "total", "insgesamt", "gesamt", "totale",
-                                          "totaal", "totalt", "samtals", "summa" };
+    constexpr std::array<Text, 8> words { "total",  "insgesamt", "gesamt",  "totale",
+                                          "totaal", "totalt",    "samtals", "summa" };
     std::size_t at = 0;
     const Text word = takeToken(line, at);
     const Text number = takeToken(line, at);
@@ -99,7 +99,8 @@ Verdict parseUnix(Text line, const CivilTime &now, Entry &entry)
     }
     const Text mode = line.substr(place, modeLength);
     std::size_t at = place + modeLength;
-    if (line[at] == '+' || line[at] == '.' || line[at] == '@') { // marks of ACL, SELinux, attributes
+    if (line[at] == '+' || line[at] == '.'
+        || line[at] == '@') { // marks of ACL, SELinux, attributes
         ++at;
     }
     // The number of links may stick to the mode.
@@ -130,7 +131,8 @@ Verdict parseNetWare(Text line, const CivilTime &now, Entry &entry)
     std::size_t at = 0;
     const Text type = takeToken(line, at);
     const Text rights = takeToken(line, at);
-    if ((type != "d" && type != "-") || rights.size() < 2 || rights.front() != '[' || rights.back() != ']') {
+    if ((type != "d" && type != "-") || rights.size() < 2 || rights.front() != '['
+        || rights.back() != ']') {
         return Verdict::Foreign;
     }
     const std::optional<SizeAndStamp> found = findSizeAndStamp(line, at);

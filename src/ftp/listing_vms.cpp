@@ -65,18 +65,18 @@ Verdict VmsReader::parse(Text line, std::size_t number, Entry &entry)
     }
     std::size_t at = 0;
     Text name = takeToken(line, at);
-    if (!isName(name)) {
-        if (m_name.empty() || number != m_nameLine + 1) {
-            return Verdict::Foreign;
-        }
-        name = m_name;
+    const bool whole = isName(name);
+    if (!whole) {
+        name = number == m_nameLine + 1 ? m_name : Text();
         at = 0;
     }
     m_name = {};
     const Text sizeToken = takeToken(line, at);
-    if (sizeToken.empty()) {
-        m_name = name;
-        m_nameLine = number;
+    if (name.empty() || sizeToken.empty()) {
+        if (whole) {
+            m_name = name; // the rest stands on the next line
+            m_nameLine = number;
+        }
         return Verdict::Foreign;
     }
     const auto size = readBlocks(sizeToken);

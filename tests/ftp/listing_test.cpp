@@ -26,7 +26,9 @@ std::string readFile(const std::filesystem::path &path)
 ftp::CivilTime timeOf(const std::string &iso)
 {
     ftp::CivilTime t;
-    EXPECT_EQ(std::sscanf(iso.c_str(), "%d-%d-%dT%d:%d:%d", &t.year, &t.month, &t.day, &t.hour, &t.minute, &t.second), 6);
+    EXPECT_EQ(std::sscanf(iso.c_str(), "%d-%d-%dT%d:%d:%d", &t.year, &t.month, &t.day, &t.hour,
+                          &t.minute, &t.second),
+              6);
     return t;
 }
 
@@ -145,13 +147,11 @@ TEST_P(ListingCorpus, GivesEveryFieldAsExpected)
     }
 }
 
-TEST(ListingFolder, IsComplete)
-{
-    EXPECT_GE(corpusNames().size(), 36U);
-}
+TEST(ListingFolder, IsComplete) { EXPECT_GE(corpusNames().size(), 36U); }
 
-INSTANTIATE_TEST_SUITE_P(Files, ListingCorpus, testing::ValuesIn(corpusNames()), [](const auto &test) {
-    std::string name = test.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Files, ListingCorpus, testing::ValuesIn(corpusNames()),
+                         [](const auto &test) {
+                             std::string name = test.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
