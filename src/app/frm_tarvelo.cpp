@@ -1,6 +1,7 @@
 #include "app/frm_tarvelo.h"
 
 #include "app/commands.h"
+#include "app/draganddrop.h"
 #include "app/logpanel.h"
 #include "app/transfercolumn.h"
 #include "app/windowmemory.h"
@@ -15,11 +16,15 @@
 #include "ftp/ftpcontrol.h"
 #include "local/localpane.h"
 #include "remote/icons.h"
+#include "remote/liststyle.h"
 #include "remote/paneview.h"
 #include "remote/remotepane.h"
+#include "transfer/progresspanel.h"
+#include "transfer/queuemodel.h"
+#include "transfer/queueview.h"
+#include "transfer/quota.h"
 
 #include <QCloseEvent>
-#include <QDir>
 #include <QMenuBar>
 #include <QTimer>
 #include <QToolBar>
@@ -55,13 +60,20 @@ frm_tarvelo::frm_tarvelo(const WindowServices &services)
     buildPanes();
     m_session = std::make_unique<Session>(m_services.ftp, m_globals, m_services.prompts, *this,
                                           *m_remote);
+    m_features = std::make_unique<Features>(
+        Workplace { m_services.ftp, m_globals, m_services.prompts, *this, *m_local, *m_remote },
+        this);
     buildLayout();
     connectMenu();
     connectLocalBar();
     connectRemoteBar();
     connectPanes();
+    connectEdits();
     connectColumn();
     connectSession();
+    connectQueue();
+    new DragAndDrop(
+        *m_local, *m_remote, *m_features, [this] { return isBusy(); }, this);
     m_session->showDisconnected();
     m_local->addDrives(drives());
     m_local->refresh();
@@ -106,8 +118,14 @@ QToolButton *frm_tarvelo::addRememberButton(FilePane &pane, const QString &name,
 
 void frm_tarvelo::buildLayout()
 {
+    m_queueModel = new QueueModel(this);
+    m_queue = new QueueView(*m_queueModel, m_services.prompts, this);
+    auto *airy = new ListStyle;
+    airy->setParent(m_queue);
+    m_queue->setStyle(airy);
+    m_progress = new ProgressPanel(m_features->progress, this);
     m_layout = std::make_unique<MainLayout>(
-        *this, MainLayoutParts { m_local, m_column, m_remote, new QWidget, new QWidget, m_log });
+        *this, MainLayoutParts { m_local, m_column, m_remote, m_progress, m_queue, m_log });
     auto *logo = new QToolButton(menuBar());
     logo->setObjectName(u"img_logo_rechts"_s);
     logo->setIcon(Icons::icon(u"tarvelo-ftp"_s));
@@ -119,7 +137,10 @@ void frm_tarvelo::buildLayout()
     menuBar()->setCornerWidget(logo, Qt::TopRightCorner);
 }
 
-bool frm_tarvelo::isBusy() const { return m_services.ftp.isBusy() || m_remote->isWorking(); }
+bool frm_tarvelo::isBusy() const
+{
+    return m_services.ftp.isBusy() || m_remote->isWorking() || m_features->remove.isRunning();
+}
 
 template <class Command> void frm_tarvelo::onTrigger(QAction *action, Command command)
 {
@@ -134,6 +155,11 @@ void frm_tarvelo::connectMenu()
 {
     connect(m_menu.mnuExit, &QAction::triggered, this, &QWidget::close);
     onTrigger(m_menu.mnuLogout, [this] { m_session->logoutCommand(); });
+    onTrigger(m_menu.mnuRename, [this] { m_features->rename.RenameSelected(); });
+    onTrigger(m_menu.mnuMakeDirectory, [this] { m_features->newFolder.MakeDirectory(); });
+    onTrigger(m_menu.mnuDelete, [this] { DeleteSelected(); });
+    onTrigger(m_menu.mnuView, [this] { m_features->view.ViewSelected(); });
+    onTrigger(m_menu.mnu_rechte, [this] { m_features->rights.mnu_rechte_Click(); });
     onTrigger(m_menu.mnuRefresh, [this] { refreshActive(); });
     onTrigger(m_menu.mnuSelectall, [this] { selectAllActive(); });
     HelpMenu::Actions actions;
@@ -151,6 +177,11 @@ void frm_tarvelo::connectMenu()
 
 void frm_tarvelo::connectLocalBar()
 {
+    onTrigger(m_localBar.NewFolder, [this] { m_features->newFolder.MakeLocalFolder(); });
+    onTrigger(m_localBar.ViewFile,
+              [this] { m_features->view.ViewLocalFile(m_local->currentRow()); });
+    onTrigger(m_localBar.DeleteFiles, [this] { m_features->remove.DeleteLocalItems(); });
+    onTrigger(m_localBar.RenameFile, [this] { m_local->editCaption(m_local->currentRow()); });
     onTrigger(m_localBar.Refresh, [this] { refreshLocal(); });
     onTrigger(m_localBar.SelectAll, [this] { m_local->selectAll(); });
     onTrigger(m_localBar.Cdup, [this] { m_local->goUp(); });
@@ -158,6 +189,11 @@ void frm_tarvelo::connectLocalBar()
 
 void frm_tarvelo::connectRemoteBar()
 {
+    onTrigger(m_remoteBar.NewFolder, [this] { m_features->newFolder.MakeRemoteFolder(); });
+    onTrigger(m_remoteBar.ViewFile,
+              [this] { m_features->view.ViewRemoteFile(m_remote->currentRow()); });
+    onTrigger(m_remoteBar.DeleteFiles, [this] { m_features->remove.DeleteRemoteItems(); });
+    onTrigger(m_remoteBar.RenameFile, [this] { m_remote->editCaption(m_remote->currentRow()); });
     onTrigger(m_remoteBar.Refresh, [this] { refreshRemote(); });
     onTrigger(m_remoteBar.SelectAll, [this] { m_remote->selectAll(); });
     onTrigger(m_remoteBar.Cdup, [this] { m_remote->GoUpRemote(); });
@@ -179,6 +215,26 @@ void frm_tarvelo::connectPanes()
     connect(&m_remote->view(), &PaneView::upPressed, this, [this] { goUp(true); });
 }
 
+void frm_tarvelo::connectEdits()
+{
+    connect(&m_local->model(), &PaneModel::captionEdited, this,
+            [this](int row, const QString &text) {
+                isBusy() ? void() : m_features->rename.RenameLocalAfterEdit(row, text);
+            });
+    connect(&m_remote->model(), &PaneModel::captionEdited, this,
+            [this](int row, const QString &text) {
+                isBusy() ? void() : m_features->rename.RenameRemoteAfterEdit(row, text);
+            });
+    connect(&m_local->view(), &PaneView::deletePressed, this,
+            [this] { isBusy() ? void() : m_features->remove.DeleteLocalItems(); });
+    connect(&m_remote->view(), &PaneView::deletePressed, this,
+            [this] { isBusy() ? void() : m_features->remove.DeleteRemoteItems(); });
+    connect(m_local, &LocalPane::uploadWanted, this,
+            [this] { m_features->transfers.cmd_upload_Click(); });
+    connect(m_remote, &RemotePane::downloadWanted, this,
+            [this] { m_features->transfers.cmd_download_Click(); });
+}
+
 void frm_tarvelo::connectPane(FilePane &pane, FilePane &other)
 {
     connect(&pane.view(), &PaneView::otherPaneWanted, this,
@@ -189,6 +245,35 @@ void frm_tarvelo::connectSession()
 {
     connect(m_session.get(), &Session::logToBeCleared, m_log, &LogPanel::clear);
     connect(m_session.get(), &Session::captionChanged, this, &QWidget::setWindowTitle);
+    connect(m_session.get(), &Session::progress, this, &frm_tarvelo::showProgress);
+    connect(m_session.get(), &Session::replied, this,
+            [this](const FtpEvent &event) { explainSpaceReply(event, m_services.prompts, *this); });
+}
+
+void frm_tarvelo::showProgress(const FtpEvent &event)
+{
+    if (m_features->progress.report(event, m_globals.transfer)) {
+        SetAbortEnabled(true);
+    }
+}
+
+void frm_tarvelo::connectQueue()
+{
+    m_queue->installEventFilter(this);
+    connect(m_progress, &ProgressPanel::abortClicked, m_session.get(), &Session::abortTransfer);
+    connect(m_queue, &QueueView::retryRequested, this, [this](const QList<QueueRow> &rows) {
+        isBusy() ? void() : m_features->transfers.RetryTransfers(rows);
+    });
+    connect(m_queue, &QueueView::openFolderRequested, this,
+            [this](const QString &folder) { vorschau(folder); });
+}
+
+bool frm_tarvelo::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_queue && event->type() == QEvent::FocusIn) {
+        m_globals.active = { .QueueListActive = true };
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void frm_tarvelo::connectColumn()
@@ -198,11 +283,15 @@ void frm_tarvelo::connectColumn()
     });
     connect(m_column, &TransferColumn::redClicked, m_menu.mnuLogin,
             [this] { m_menu.mnuLogin->trigger(); });
+    connect(m_column, &TransferColumn::uploadClicked, this,
+            [this] { isBusy() ? void() : m_features->transfers.cmd_upload_Click(); });
+    connect(m_column, &TransferColumn::downloadClicked, this,
+            [this] { isBusy() ? void() : m_features->transfers.cmd_download_Click(); });
     connect(m_column, &TransferColumn::transferTypeChosen, this,
             [this](int type) { m_globals.connection.TransferType = type; });
 }
 
-int frm_tarvelo::vorschau(const QString & /*path*/) { return 0; }
+int frm_tarvelo::vorschau(const QString &path) { return openWithDesktop(path); }
 
 void frm_tarvelo::SetFtpProperties() { m_session->SetFtpProperties(); }
 
@@ -234,7 +323,7 @@ void frm_tarvelo::SetFolderBoxesEnabled(bool enabled)
     m_remote->box().setEnabled(enabled);
 }
 
-void frm_tarvelo::SetAbortEnabled(bool /*enabled*/) { }
+void frm_tarvelo::SetAbortEnabled(bool enabled) { m_progress->setAbortEnabled(enabled); }
 
 void frm_tarvelo::UpdateRemoteCommandStates()
 {
@@ -251,9 +340,12 @@ void frm_tarvelo::UpdateLocalCommandStates()
     m_localBar.apply(commands);
 }
 
-void frm_tarvelo::AddQueueRow(const QueueRow & /*row*/) { }
+void frm_tarvelo::AddQueueRow(const QueueRow &row) { m_queue->AddQueueRow(row); }
 
-void frm_tarvelo::ShowTransferItem(const QString & /*text*/, const QString & /*sizeText*/) { }
+void frm_tarvelo::ShowTransferItem(const QString &text, const QString &sizeText)
+{
+    m_features->progress.ShowTransferItem(text, sizeText);
+}
 
 void frm_tarvelo::refreshLocal()
 {
@@ -286,6 +378,17 @@ void frm_tarvelo::goUp(bool remote)
     remote ? m_remote->GoUpRemote() : m_local->goUp();
 }
 
+void frm_tarvelo::DeleteSelected()
+{
+    if (m_globals.active.RemoteListActive) {
+        m_features->remove.DeleteRemoteItems();
+    } else if (m_globals.active.LocalListActive) {
+        m_features->remove.DeleteLocalItems();
+    } else if (m_globals.active.QueueListActive) {
+        m_queue->DeleteSelectedQueueRows();
+    }
+}
+
 void frm_tarvelo::closeEvent(QCloseEvent *event)
 {
     if (isBusy()) {
@@ -293,6 +396,7 @@ void frm_tarvelo::closeEvent(QCloseEvent *event)
         event->ignore();
         m_globals.session.ConnectionLost = true;
         m_services.ftp.close();
+        m_features->remove.stop();
         if (!m_unwinding) {
             m_unwinding = true;
             QTimer::singleShot(20, this, [this] {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/features.h"
 #include "app/mainlayout.h"
 #include "app/mainmenu.h"
 #include "common/addresses.h"
@@ -12,7 +13,9 @@ class FtpControl;
 class FilePane;
 class LocalPane;
 class LogPanel;
-class PaneView;
+class QueueModel;
+class QueueView;
+class ProgressPanel;
 class Prompts;
 class QToolButton;
 class RemotePane;
@@ -59,6 +62,7 @@ public:
     [[nodiscard]] RemotePane &remotePane() { return *m_remote; }
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -71,7 +75,9 @@ private:
     void connectPanes();
     void connectPane(FilePane &pane, FilePane &other);
     void connectSession();
+    void connectEdits(); ///< keys and clicks of the panes that work on rows
     void connectColumn();
+    void connectQueue();
     /// Runs a command unless something runs that it could disturb.
     template <class Command> void onTrigger(QAction *action, Command command);
 
@@ -79,6 +85,8 @@ private:
     void refreshActive();
     void selectAllActive();
     void goUp(bool remote);
+    void DeleteSelected();
+    void showProgress(const FtpEvent &event);
     void refreshRemote();
     void refreshLocal();
 
@@ -93,6 +101,10 @@ private:
     QToolButton *m_rememberLocal = nullptr;
     QToolButton *m_rememberRemote = nullptr;
     std::unique_ptr<Session> m_session;
+    std::unique_ptr<Features> m_features;
+    QueueModel *m_queueModel = nullptr;
+    QueueView *m_queue = nullptr;
+    ProgressPanel *m_progress = nullptr;
     std::unique_ptr<MainLayout> m_layout;
     bool m_unwinding = false; ///< the window closes as soon as what runs has come to its end
 };

@@ -3,6 +3,7 @@
 #include "app/commands.h"
 #include "remote/icons.h"
 
+#include <QLayout>
 #include <QMenuBar>
 #include <QToolBar>
 #include <QToolButton>
@@ -78,6 +79,7 @@ PaneToolBar::PaneToolBar(const QString &name, const QString &label, QWidget *par
     bar->setFloatable(false);
     bar->setIconSize(QSize(20, 20));
     bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    bar->layout()->setContentsMargins(0, 0, 0, 0); // flush with box and list
     const auto add = [this](const QString &key, const QString &icon, const QString &description,
                             const QString &toolTip) {
         QAction *action = bar->addAction(Icons::icon(icon), description);

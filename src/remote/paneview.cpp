@@ -2,6 +2,7 @@
 
 #include "remote/icons.h"
 #include "remote/itemkind.h"
+#include "remote/liststyle.h"
 #include "remote/panemodel.h"
 
 #include <QDrag>
@@ -19,6 +20,9 @@
 PaneView::PaneView(QWidget *parent)
     : QTreeView(parent)
 {
+    auto *airy = new ListStyle;
+    airy->setParent(this);
+    setStyle(airy);
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true); // big folders: no row is measured

@@ -1,0 +1,15 @@
+#include "app/features.h"
+
+#include "fileops/frm_rechte.h"
+
+Features::Features(const Workplace &workplace, QWidget *window)
+    : work(workplace)
+    , dialogs(work.prompts, window)
+    , transfers({ work, progress, dialogs })
+    , remove(work)
+    , newFolder(work)
+    , rename(work)
+    , view(work, progress)
+    , rights(work, [this, window] { frm_rechte(work.globals.permissions, window).exec(); })
+{
+}

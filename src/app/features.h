@@ -1,0 +1,28 @@
+#pragma once
+
+#include "fileops/delete.h"
+#include "fileops/newfolder.h"
+#include "fileops/permissions.h"
+#include "fileops/rename.h"
+#include "fileops/view.h"
+#include "transfer/conflictwindows.h"
+#include "transfer/progressmodel.h"
+#include "transfer/transfercommands.h"
+
+class QWidget;
+
+/// The commands of the window that work on marked rows, with what they share.
+struct Features {
+    Workplace work;
+    ProgressModel progress;
+    WindowConflictDialogs dialogs;
+    TransferCommands transfers;
+    DeleteCommand remove;
+    NewFolderCommand newFolder;
+    RenameCommand rename;
+    ViewCommand view;
+    PermissionCommand rights;
+
+    /// @param window  parent of the dialogs
+    Features(const Workplace &workplace, QWidget *window);
+};
