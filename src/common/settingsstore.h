@@ -21,6 +21,12 @@ template <class T> using SettingsResult = tl::expected<T, SettingsError>;
 /// Keys and values of one section, in the order in which they are saved.
 using SettingsValues = QList<QPair<QString, QString>>;
 
+/// Sections of our own beside "Settings" and "Properties".
+namespace OwnSettings {
+inline const QString Security = QStringLiteral("Security"); ///< Encryption, Connections
+inline const QString Connection = QStringLiteral("Connection"); ///< Encryption of the current one
+} // namespace OwnSettings
+
 /// The user's settings: text values addressed by section and key, in one INI file.
 ///
 /// Sections and keys match without regard to case; text comes back exactly as it was saved. The
