@@ -12,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QTextBlock>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -30,6 +31,21 @@ QToolButton *addButton(QHBoxLayout *row, const QString &name, const QString &tex
     button->setFocusPolicy(Qt::TabFocus);
     row->addWidget(button);
     return button;
+}
+
+/// Characters of a line from which on wrapping it takes too long; only a hostile server sends such.
+constexpr qsizetype longestWrappedLine = 10000;
+
+bool hasOverlongLine(const QString &text)
+{
+    qsizetype begin = 0;
+    for (qsizetype end = 0; end >= 0 && text.size() - begin > longestWrappedLine; begin = end + 1) {
+        end = text.indexOf(u'\n', begin);
+        if (end < 0 || end - begin > longestWrappedLine) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -74,6 +90,10 @@ void LogPanel::AppendLog(const QString &text)
     if (text.isEmpty()) {
         return;
     }
+    const qsizetype lastLine = m_txtLog->document()->lastBlock().length();
+    if (lastLine > longestWrappedLine || hasOverlongLine(text)) {
+        m_txtLog->setLineWrapMode(QPlainTextEdit::NoWrap);
+    }
     QTextCursor caret = m_txtLog->textCursor();
     caret.movePosition(QTextCursor::End);
     // The document takes CR LF as one break only when it sees both at once.
@@ -86,6 +106,7 @@ void LogPanel::AppendLog(const QString &text)
 void LogPanel::clear()
 {
     m_txtLog->clear();
+    m_txtLog->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     m_endsInCr = false;
 }
 

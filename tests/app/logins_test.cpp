@@ -69,7 +69,7 @@ struct LoginPaths : ::testing::Test {
     SettingsStore store { base.filePath(u"settings.ini"_s) };
     ScriptedPrompts prompts;
     FakeShell shell;
-    FakePane local;
+    FakePane local { FakePane::disk() };
     FakeLoginWindow window { globals };
     Logins logins { globals, store, prompts, shell, local, window };
 
@@ -106,7 +106,7 @@ TEST_F(LoginPaths, LoginConnectsAndEntersTheStartFolders)
     EXPECT_EQ(window.calls,
               (QStringList { u"dialog 0"_s, u"type 1"_s, u"remember 1"_s, u"connect"_s,
                              u"enter /html"_s }));
-    EXPECT_EQ(local.folderText, base.path());
+    EXPECT_EQ(local.text, base.path());
     EXPECT_TRUE(local.calls.contains(u"list "_s + base.path()));
 }
 
@@ -152,7 +152,7 @@ TEST_F(LoginPaths, TheCommandLineConnectsAndSelectsEverythingBelowTheUpRow)
     EXPECT_EQ(globals.session.CurrentLocalDir, base.path());
     EXPECT_EQ(globals.session.CurrentRemoteDir, u"/html"_s);
     EXPECT_EQ(globals.session.Lastconnect, QString());
-    EXPECT_EQ(local.folderText, base.path());
+    EXPECT_EQ(local.text, base.path());
     EXPECT_TRUE(local.calls.contains(u"list "_s + base.path()));
     EXPECT_EQ(window.proxy.type, 2);
     EXPECT_EQ(window.proxy.host, u"proxy"_s);
