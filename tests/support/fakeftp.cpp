@@ -325,3 +325,38 @@ FtpStatus FakeFtp::removeTree(const QString &folder)
         return std::nullopt;
     });
 }
+
+std::optional<FtpError> FakeFtp::answer(const QString &command)
+{
+    commands << command;
+    return login ? login(command) : std::nullopt;
+}
+
+FtpStatus FakeFtp::connectAndLogin(const QString &server, const QString &user, const QString &password,
+                                   const QString &account, int port)
+{
+    const QString words = QStringList { server, user, password, account }.join(QChar::Space);
+    if (const auto error
+        = answer(QStringLiteral("CONNECT %1 %2").arg(words, QString::number(port)))) {
+        return tl::unexpected<FtpError>(*error);
+    }
+    connectionState = Connected;
+    return {};
+}
+
+FtpStatus FakeFtp::logout()
+{
+    if (const auto error = answer(QStringLiteral("QUIT"))) {
+        return tl::unexpected<FtpError>(*error);
+    }
+    connectionState = Closed;
+    return {};
+}
+
+FtpResult<bool> FakeFtp::resumeSupport()
+{
+    if (const auto error = answer(QStringLiteral("REST"))) {
+        return tl::unexpected<FtpError>(*error);
+    }
+    return resumes;
+}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ftp/ftpoperations.h"
+#include "ftp/ftpconnection.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -11,7 +11,7 @@
 
 /// A session whose server is a tree in memory. Notes every command, refuses what a test wants
 /// refused, and raises events as the real control does.
-class FakeFtp : public FtpOperations {
+class FakeFtp : public FtpConnection {
 public:
     struct Node {
         QString type = QStringLiteral("d"); ///< "d" folder, "l" link, "-" file
@@ -52,6 +52,29 @@ public:
     bool busy = false;
     QString current = QStringLiteral("/");
 
+    /// What was handed over for the next connect.
+    struct Properties {
+        int timeout = 0; ///< milliseconds
+        bool passive = false;
+        FtpProxy proxy;
+        FtpEncryption encryption = FtpEncryption::Automatic;
+        int sessions = 0;
+    } properties;
+    /// Answers connect ("CONNECT server user password account port"), logout ("QUIT") and the
+    /// question for resume support ("REST"); without it they succeed.
+    std::function<std::optional<FtpError>(const QString &command)> login;
+    bool resumes = true; ///< what the server says about restarting transfers
+
+    void setTimeout(int milliseconds) override { properties.timeout = milliseconds; }
+    void setPassiveMode(bool passive) override { properties.passive = passive; }
+    void setProxy(const FtpProxy &proxy) override { properties.proxy = proxy; }
+    void setEncryption(FtpEncryption encryption) override { properties.encryption = encryption; }
+    void setSessionLimit(int sessions) override { properties.sessions = sessions; }
+    FtpStatus connectAndLogin(const QString &server, const QString &user, const QString &password,
+                              const QString &account, int port) override;
+    FtpStatus logout() override;
+    FtpResult<bool> resumeSupport() override;
+
     [[nodiscard]] int state() const override { return connectionState; }
     [[nodiscard]] bool isBusy() const override { return busy; }
     void close() override { connectionState = Closed; }
@@ -75,6 +98,7 @@ public:
     FtpStatus removeTree(const QString &folder) override;
 
 private:
+    [[nodiscard]] std::optional<FtpError> answer(const QString &command);
     using Work = std::function<std::optional<FtpError>()>;
     FtpStatus run(int operation, const QString &command, const Work &work);
     [[nodiscard]] QString absolute(const QString &path) const;
