@@ -81,7 +81,8 @@ void decideAgain(TransferState &state)
 
 void applyOverwrite(TransferState &state)
 {
-    if (state.OverwriteChosen) {
+    // The flag may still stand from an earlier item when this one was not answered in the end.
+    if (state.OverwriteChosen && !state.SkipCurrent) {
         targetSize(state) = 0;
     }
 }

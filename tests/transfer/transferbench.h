@@ -1,20 +1,12 @@
 #pragma once
 
-#include "fileops/marking.h"
-#include "support/fakeftp.h"
-#include "support/fakepane.h"
-#include "support/fakeshell.h"
-#include "support/scriptedprompts.h"
+#include "support/workbench.h"
 #include "transfer/download.h"
 #include "transfer/progressmodel.h"
 #include "transfer/transfercommands.h"
 #include "transfer/upload.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <deque>
-#include <gtest/gtest.h>
 
 /// One showing of frmTransfer and, for Rename, what frmRename is answered (nothing = cancelled).
 struct ConflictStep {
@@ -52,45 +44,18 @@ private:
     ConflictStep m_current;
 };
 
-/// Both sides of a transfer without a window: a local temporary folder and a server in memory.
-class TransferBench : public ::testing::Test {
+/// A workbench with the transfer commands.
+class TransferBench : public Workbench {
 protected:
     TransferBench()
     {
-        globals.connection.RemoteHost = QStringLiteral("files01");
-        globals.session.ResumeSupport = true;
-        ftp.onEvent = [this](const FtpEvent &event) {
+        ftp.onEvent = [this, log = ftp.onEvent](const FtpEvent &event) {
             progress.report(event, globals.transfer);
-            if (event.status != FtpEvent::InProgress) {
-                shell.log += event.text;
-            }
+            log(event);
         };
     }
     ~TransferBench() override { EXPECT_TRUE(dialogs.steps.empty()) << "unused conflict answers"; }
 
-    [[nodiscard]] QString disk(const QString &name = {}) const { return root.path() + u'/' + name; }
-    void writeLocal(const QString &name, const QByteArray &content) const
-    {
-        QDir().mkpath(QFileInfo(disk(name)).path());
-        QFile file(disk(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-    }
-    [[nodiscard]] QByteArray readLocal(const QString &name) const
-    {
-        QFile file(disk(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-    }
-    void showBoth()
-    {
-        // Listing is not what a test is about: nothing is refused, and nothing happens meanwhile.
-        const auto refuse = std::exchange(ftp.refuse, nullptr);
-        const auto during = std::exchange(ftp.during, nullptr);
-        local.show(root.path());
-        remote.show(QStringLiteral("/www"));
-        ftp.commands.clear();
-        ftp.refuse = refuse;
-        ftp.during = during;
-    }
     void download(const QStringList &names)
     {
         showBoth();
@@ -103,28 +68,9 @@ protected:
         local.select(names);
         commands.cmd_upload_Click();
     }
-    [[nodiscard]] QStringList statuses() const
-    {
-        QStringList result;
-        for (const QueueRow &row : shell.queue) {
-            result.append(row.status);
-        }
-        return result;
-    }
-    [[nodiscard]] int callIndex(const QString &call) const
-    {
-        return static_cast<int>(shell.calls.indexOf(call));
-    }
 
-    QTemporaryDir root;
-    FakeFtp ftp;
-    Globals globals;
-    ScriptedPrompts prompts;
-    FakeShell shell;
-    FakePane local { FakePane::disk(), 3 };
-    FakePane remote { FakePane::server(ftp) };
     ProgressModel progress;
     ScriptedConflicts dialogs;
-    TransferTools tools { { ftp, globals, prompts, shell, local, remote }, progress, dialogs };
+    TransferTools tools { work, progress, dialogs };
     TransferCommands commands { tools };
 };

@@ -6,17 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-QStringList rowText(const QueueRow &row)
-{
-    return { row.status, row.local, row.size, row.direction, row.remote, row.server };
-}
-} // namespace
-
-class UploadTest : public TransferBench {
-protected:
-    UploadTest() { ftp.addFolder(u"/www"_s); }
-};
+class UploadTest : public TransferBench { };
 
 TEST_F(UploadTest, StoresTheSelectedFilesAndNoOther)
 {
@@ -26,7 +16,7 @@ TEST_F(UploadTest, StoresTheSelectedFilesAndNoOther)
     EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "eins");
     EXPECT_FALSE(ftp.has(u"/www/b.txt"_s));
     ASSERT_EQ(shell.queue.size(), 1);
-    EXPECT_EQ(rowText(shell.queue[0]),
+    EXPECT_EQ(queueRow(0),
               (QStringList { u"Upload"_s, disk(u"a.txt"_s), u"4"_s, u"-->"_s, u"/www/a.txt"_s,
                              u"files01"_s }));
     EXPECT_TRUE(local.markedNames().isEmpty());

@@ -1,0 +1,127 @@
+#include "support/scriptedprompts.h"
+#include "transfer/frmRename.h"
+#include "transfer/frmTransfer.h"
+
+#include <QLabel>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+template <class T> T *child(const QWidget &dialog, const QString &name)
+{
+    auto *found = dialog.findChild<T *>(name);
+    EXPECT_NE(found, nullptr) << name.toStdString();
+    return found;
+}
+
+const ConflictQuestion question { u"Dateiupload..."_s, u"Überschreiben /a<b>(1) mit /c(2)"_s,
+                                  true };
+
+} // namespace
+
+TEST(FrmTransfer, ShowsQuestionAndButtons)
+{
+    const frmTransfer dialog(question);
+    EXPECT_EQ(dialog.objectName(), u"frmTransfer"_s);
+    EXPECT_EQ(dialog.windowTitle(), question.caption);
+    EXPECT_EQ(child<QLabel>(dialog, u"lblMessage"_s)->text(), question.message);
+    EXPECT_EQ(child<QLabel>(dialog, u"lblMessage"_s)->textFormat(), Qt::PlainText);
+    EXPECT_EQ(child<QPushButton>(dialog, u"cmdTransfer"_s)->text(), u"Über&schreiben"_s);
+    EXPECT_EQ(child<QPushButton>(dialog, u"cmdResume"_s)->text(), u"&Fortsetzen"_s);
+    EXPECT_EQ(child<QPushButton>(dialog, u"cmdRename"_s)->text(), u"&Umbenennen"_s);
+    EXPECT_EQ(child<QPushButton>(dialog, u"cmdCancel"_s)->text(), u"&Abbrechen"_s);
+    EXPECT_EQ(child<QCheckBox>(dialog, u"chkSelectedAll"_s)->text(), u"Alle"_s);
+    EXPECT_FALSE(child<QCheckBox>(dialog, u"chkSelectedAll"_s)->isChecked());
+}
+
+TEST(FrmTransfer, OffersResumingOnlyWhenItIsPossible)
+{
+    ConflictQuestion without = question;
+    without.mayResume = false;
+    EXPECT_FALSE(child<QPushButton>(frmTransfer(without), u"cmdResume"_s)->isEnabled());
+    EXPECT_TRUE(child<QPushButton>(frmTransfer(question), u"cmdResume"_s)->isEnabled());
+}
+
+TEST(FrmTransfer, EachButtonClosesWithItsAnswer)
+{
+    const std::vector<std::pair<QString, ConflictAnswer>> buttons {
+        { u"cmdTransfer"_s, ConflictAnswer::Overwrite },
+        { u"cmdResume"_s, ConflictAnswer::Resume },
+        { u"cmdRename"_s, ConflictAnswer::Rename },
+        { u"cmdCancel"_s, ConflictAnswer::Skip },
+    };
+    for (const auto &[name, answer] : buttons) {
+        for (const bool all : { false, true }) {
+            frmTransfer dialog(question);
+            dialog.open();
+            child<QCheckBox>(dialog, u"chkSelectedAll"_s)->setChecked(all);
+            child<QPushButton>(dialog, name)->click();
+            EXPECT_FALSE(dialog.isVisible());
+            EXPECT_EQ(dialog.reply().answer, answer);
+            EXPECT_EQ(dialog.reply().applyToAll, all);
+        }
+    }
+}
+
+TEST(FrmTransfer, LeavingItOtherwiseSkips)
+{
+    frmTransfer closed(question);
+    closed.open();
+    closed.close();
+    EXPECT_EQ(closed.reply().answer, ConflictAnswer::Skip);
+    frmTransfer escaped(question);
+    escaped.open();
+    QTest::keyClick(&escaped, Qt::Key_Escape);
+    EXPECT_FALSE(escaped.isVisible());
+    EXPECT_EQ(escaped.reply().answer, ConflictAnswer::Skip);
+}
+
+TEST(FrmTransfer, TheReturnKeyNeverOverwrites)
+{
+    frmTransfer dialog(question);
+    dialog.open();
+    QTest::keyClick(&dialog, Qt::Key_Return);
+    EXPECT_EQ(dialog.reply().answer, ConflictAnswer::Skip);
+}
+
+TEST(FrmRename, ShowsTheExistingName)
+{
+    ScriptedPrompts prompts;
+    const frmRename dialog(u"index.html"_s, prompts);
+    EXPECT_EQ(dialog.objectName(), u"frmRename"_s);
+    EXPECT_EQ(dialog.windowTitle(), u"Umbenennen"_s);
+    EXPECT_EQ(child<QLabel>(dialog, u"Label1"_s)->text(), u"Neuer Name für die vorhandene Datei"_s);
+    EXPECT_EQ(child<QLineEdit>(dialog, u"txtRename"_s)->text(), u"index.html"_s);
+    EXPECT_EQ(child<QPushButton>(dialog, u"cmdOK"_s)->text(), u"&OK"_s);
+    EXPECT_EQ(child<QPushButton>(dialog, u"cmdCancel"_s)->text(), u"&Abbrechen"_s);
+}
+
+TEST(FrmRename, StaysOpenWithoutAName)
+{
+    ScriptedPrompts prompts;
+    frmRename dialog(u"index.html"_s, prompts);
+    dialog.open();
+    auto *name = child<QLineEdit>(dialog, u"txtRename"_s);
+    for (const QString &text : { QString(), u"   "_s }) {
+        name->setText(text);
+        prompts.expectMessage(
+            u"Bitte geben Sie einen gültigen Dateinamen an oder wählen Sie 'Abbrechen'."_s);
+        child<QPushButton>(dialog, u"cmdOK"_s)->click();
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(name->text(), QString());
+    }
+}
+
+TEST(FrmRename, GivesTheTrimmedName)
+{
+    ScriptedPrompts prompts;
+    frmRename dialog(u"index.html"_s, prompts);
+    dialog.open();
+    child<QLineEdit>(dialog, u"txtRename"_s)->setText(u"  alt.html "_s);
+    child<QPushButton>(dialog, u"cmdOK"_s)->click();
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.newName(), u"alt.html"_s);
+}
