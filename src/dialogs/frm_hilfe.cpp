@@ -3,6 +3,8 @@
 #include "dialogs/helppages.h"
 
 #include <QBoxLayout>
+#include <QColor>
+#include <QEvent>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
@@ -14,8 +16,37 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
 constexpr int PageRole = Qt::UserRole;
+
+/// Colour between two others; share 0 is the first, 1 the second.
+QColor mixed(const QColor &first, const QColor &second, double share)
+{
+    const auto channel = [share](int a, int b) { return qRound(a + (b - a) * share); };
+    return { channel(first.red(), second.red()), channel(first.green(), second.green()),
+             channel(first.blue(), second.blue()) };
 }
+
+/// How the pages look, in the colours of the palette.
+QString pageStyle(const QPalette &palette)
+{
+    const QColor base = palette.color(QPalette::Base);
+    const QColor text = palette.color(QPalette::Text);
+    return u"h1 { font-size: x-large; font-weight: 600; margin-top: 0px; margin-bottom: 12px; }"
+           "h2 { font-size: large; font-weight: 600; margin-top: 18px; margin-bottom: 6px; }"
+           "p, ul, ol, pre { margin-top: 6px; margin-bottom: 6px; }"
+           "p, li, td { line-height: 125%; }"
+           "li { margin-bottom: 3px; }"
+           "a { color: %1; text-decoration: none; }"
+           "table { border-collapse: collapse; border-color: %2; margin-top: 6px; margin-bottom: "
+           "6px; }"
+           "td, th { border: 1px solid %2; }"
+           "th { background-color: %3; }"_s.arg(palette.color(QPalette::Link).name(),
+                                                mixed(base, text, 0.25).name(),
+                                                mixed(base, text, 0.08).name());
+}
+
+} // namespace
 
 frm_hilfe::frm_hilfe(QWidget *parent)
     : QWidget(parent, Qt::Window)
@@ -35,15 +66,28 @@ frm_hilfe::frm_hilfe(QWidget *parent)
             openPage(item->data(PageRole).toString());
         }
     });
-    connect(m_page, &QTextBrowser::sourceChanged, this, &frm_hilfe::followCurrentPage);
+    // sourceChanged comes too early: source() still names the page before.
+    connect(m_page, &QTextBrowser::historyChanged, this, &frm_hilfe::followCurrentPage);
     connect(new QShortcut(QKeySequence::Back, this), &QShortcut::activated, m_page,
             &QTextBrowser::backward);
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, m_search,
             qOverload<>(&QWidget::setFocus));
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
             &QWidget::close);
+    applyPalette();
     openPage(contentsPage());
 }
+
+void frm_hilfe::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        applyPalette();
+        m_page->reload();
+    }
+    QWidget::changeEvent(event);
+}
+
+void frm_hilfe::applyPalette() { m_page->document()->setDefaultStyleSheet(pageStyle(palette())); }
 
 void frm_hilfe::buildLayout()
 {
@@ -58,6 +102,10 @@ void frm_hilfe::buildLayout()
     m_search->setAccessibleName(u"In der Hilfe suchen"_s);
     m_search->setClearButtonEnabled(true);
     m_search->setMaximumWidth(300);
+    for (QWidget *control : { static_cast<QWidget *>(m_back), static_cast<QWidget *>(m_start),
+                              static_cast<QWidget *>(m_search) }) {
+        control->setMinimumHeight(30);
+    }
     auto *top = new QHBoxLayout;
     top->setSpacing(6);
     top->addWidget(m_back);
@@ -68,6 +116,7 @@ void frm_hilfe::buildLayout()
     m_list = new QListWidget;
     m_list->setObjectName(u"lst_inhalt"_s);
     m_list->setAccessibleName(u"Inhalt"_s);
+    m_list->setSpacing(3);
     m_page = new QTextBrowser;
     m_page->setObjectName(u"tx_seite"_s);
     m_page->setAccessibleName(u"Seite"_s);

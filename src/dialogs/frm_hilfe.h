@@ -20,7 +20,11 @@ public:
     /// Name of the page shown.
     [[nodiscard]] QString currentPage() const;
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
+    void applyPalette();
     void buildLayout();
     void fillList(const QString &search);
     void followCurrentPage();

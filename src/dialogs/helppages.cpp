@@ -1,9 +1,9 @@
 #include "dialogs/helppages.h"
 
 #include <QFile>
-#include <QHash>
 #include <QRegularExpression>
 #include <QTextDocumentFragment>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -12,7 +12,32 @@ namespace {
 // The order of the contents.
 constexpr const char16_t *pageNames[] = {
     u"index",
+    u"ersteschritte",
+    u"wennesnichtklappt",
+    u"sicherheit",
+    u"frm_tarvelo",
+    u"lokal",
+    u"server",
+    u"liste",
+    u"protokoll",
+    u"uebertragen",
+    u"ordnen",
+    u"loeschen",
+    u"frm_rechte",
+    u"frmConnect",
+    u"proxy",
+    u"frm_zertifikat",
+    u"frmTransfer",
+    u"frmRename",
+    u"frm_einstellungen",
+    u"frm_get_folder",
     u"frm_info",
+    u"frmAbout",
+    u"frm_hilfe",
+    u"tastatur",
+    u"begriffe",
+    u"orte",
+    u"kommandozeile",
 };
 
 struct LoadedPage {
@@ -52,12 +77,33 @@ bool containsAll(const QString &text, const QStringList &words)
                        [&text](const QString &word) { return text.contains(word); });
 }
 
-// Controls of the main window whose page is not the window's own.
-const QHash<QString, QString> &pagesOfControls()
-{
-    static const QHash<QString, QString> pages {};
-    return pages;
-}
+// Controls whose page is not their window's own; a name marked with "*" stands for all that
+// begin so.
+struct ControlPage {
+    const char16_t *control;
+    const char16_t *page;
+};
+
+constexpr ControlPage controlPages[] = {
+    { u"lvwLocal", u"lokal" },
+    { u"cmbLocalDir", u"lokal" },
+    { u"cmd_dir_merken_lokal", u"lokal" },
+    { u"tbToolBar", u"lokal" },
+    { u"lvwRemote", u"server" },
+    { u"cmbRemoteDir", u"server" },
+    { u"cmd_dir_merken_remote", u"server" },
+    { u"tbToolBar_rem", u"server" },
+    { u"cmd_download", u"uebertragen" },
+    { u"cmd_upload", u"uebertragen" },
+    { u"op_transfer_*", u"uebertragen" },
+    { u"lvwStatus", u"liste" },
+    { u"Progress", u"liste" },
+    { u"cmdAbort", u"liste" },
+    { u"txtLog", u"protokoll" },
+    { u"cmd_log_*", u"protokoll" },
+    { u"op_proxy_*", u"proxy" },
+    { u"txtProxy*", u"proxy" },
+};
 
 } // namespace
 
@@ -84,23 +130,44 @@ QString helpFile(const QString &page)
 
 QString helpPageOfControl(const QString &objectName)
 {
-    const QString alias = pagesOfControls().value(objectName);
-    if (!alias.isEmpty()) {
-        return alias;
+    for (const ControlPage &entry : controlPages) {
+        const QString control = QString::fromUtf16(entry.control);
+        if (control.endsWith(u'*') ? objectName.startsWith(control.chopped(1))
+                                   : objectName == control) {
+            return QString::fromUtf16(entry.page);
+        }
     }
     return helpFile(objectName).isEmpty() ? QString() : objectName;
 }
 
 QList<HelpPage> searchHelp(const QString &text)
 {
+    struct Hit {
+        double weight;
+        HelpPage page;
+    };
     const QStringList words = text.toLower().split(u' ', Qt::SkipEmptyParts);
-    QList<HelpPage> inTitle, inText;
+    QList<Hit> hits;
     for (const LoadedPage &loaded : loadedPages()) {
-        if (containsAll(loaded.page.title.toLower(), words)) {
-            inTitle += loaded.page;
-        } else if (containsAll(loaded.text, words)) {
-            inText += loaded.page;
+        if (!containsAll(loaded.text, words)) {
+            continue;
         }
+        // Hits for their page's length, so that long pages do not always win; the title beats them
+        // all.
+        double weight = containsAll(loaded.page.title.toLower(), words) ? 1 : 0;
+        for (const QString &word : words) {
+            weight += double(loaded.text.count(word)) / double(loaded.text.size());
+        }
+        hits.append({ weight, loaded.page });
     }
-    return inTitle + inText;
+    // Stable: equal pages keep the order of the contents; so do all without a search text.
+    if (!words.isEmpty()) {
+        std::stable_sort(hits.begin(), hits.end(),
+                         [](const Hit &a, const Hit &b) { return a.weight > b.weight; });
+    }
+    QList<HelpPage> pages;
+    for (const Hit &hit : hits) {
+        pages += hit.page;
+    }
+    return pages;
 }
