@@ -17,6 +17,8 @@ bool readType(Text value, Entry &entry)
     if (sameText(value, "cdir") || sameText(value, "pdir")) {
         return false;
     }
+    entry.type = entry.letter = '-'; // a second type replaces the first
+    entry.target.clear();
     if (sameText(value, "dir")) {
         entry.type = entry.letter = 'd';
     } else if (beginsWith(value, "os.unix=slink") || beginsWith(value, "os.unix=symlink")) {

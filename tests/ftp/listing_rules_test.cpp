@@ -239,3 +239,11 @@ TEST(ParseMlsd, DropsValuesThatAreNone)
     EXPECT_FALSE(listing.entries[0].time.has_value());
     EXPECT_EQ(listing.entries[0].permissions, -1);
 }
+
+TEST(ParseMlsd, TakesTheLastOfTwoTypes)
+{
+    const ftp::Listing listing = ftp::parseMlsd("type=OS.unix=slink:ziel;type=file; a\r\n");
+    ASSERT_EQ(listing.entries.size(), 1U);
+    EXPECT_EQ(listing.entries[0].type, '-');
+    EXPECT_EQ(listing.entries[0].target, "");
+}
