@@ -30,6 +30,9 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include <algorithm>
+#include <numeric>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -60,6 +63,8 @@ frm_tarvelo::frm_tarvelo(const WindowServices &services)
     buildPanes();
     m_session = std::make_unique<Session>(m_services.ftp, m_globals, m_services.prompts, *this,
                                           *m_remote);
+    m_logins = std::make_unique<Logins>(m_globals, m_services.store, m_services.prompts, *this,
+                                        *m_local, static_cast<LoginWindow &>(*this));
     m_features = std::make_unique<Features>(
         Workplace { m_services.ftp, m_globals, m_services.prompts, *this, *m_local, *m_remote },
         this);
@@ -154,6 +159,7 @@ template <class Command> void frm_tarvelo::onTrigger(QAction *action, Command co
 void frm_tarvelo::connectMenu()
 {
     connect(m_menu.mnuExit, &QAction::triggered, this, &QWidget::close);
+    onTrigger(m_menu.mnuLogin, [this] { show_login(); });
     onTrigger(m_menu.mnuLogout, [this] { m_session->logoutCommand(); });
     onTrigger(m_menu.mnuRename, [this] { m_features->rename.RenameSelected(); });
     onTrigger(m_menu.mnuMakeDirectory, [this] { m_features->newFolder.MakeDirectory(); });
@@ -298,6 +304,48 @@ void frm_tarvelo::SetFtpProperties() { m_session->SetFtpProperties(); }
 void frm_tarvelo::DoRemoteRefresh(const QString &folder) { m_remote->DoRemoteRefresh(folder); }
 
 int frm_tarvelo::RemoteItem(int index) const { return m_remote->RemoteItem(index); }
+
+void frm_tarvelo::show_login() { m_logins->show_login(); }
+
+void frm_tarvelo::load_commands() { m_logins->load_commands(m_services.commandLine); }
+
+void frm_tarvelo::showConnectDialog(bool /*connectionStands*/)
+{
+    m_globals.session.DialogCancelled = true;
+}
+
+void frm_tarvelo::ConnectSequence() { m_session->ConnectSequence(); }
+
+void frm_tarvelo::setProxy(const FtpProxy &proxy) { m_services.ftp.setProxy(proxy); }
+
+void frm_tarvelo::EnterRemoteFolder(const QString &folder) { m_remote->EnterRemoteFolder(folder); }
+
+void frm_tarvelo::showTransferType()
+{
+    m_column->setTransferType(m_globals.connection.TransferType);
+}
+
+void frm_tarvelo::setRememberButtonsEnabled(bool enabled)
+{
+    m_rememberLocal->setEnabled(enabled);
+    m_rememberRemote->setEnabled(enabled);
+}
+
+bool frm_tarvelo::isLogoutEnabled() const { return m_menu.mnuLogout->isEnabled(); }
+
+void frm_tarvelo::selectLocalRowsFromSecond()
+{
+    const auto select = [this] {
+        QList<int> rows(std::max(m_local->model().rowCount() - 1, 0));
+        std::iota(rows.begin(), rows.end(), 1);
+        m_local->view().selectRowNumbers(rows);
+    };
+    if (m_local->isReading()) {
+        connect(m_local, &LocalPane::listed, this, select, Qt::SingleShotConnection);
+    } else {
+        select();
+    }
+}
 
 void frm_tarvelo::AppendLog(const QString &text) { m_log->AppendLog(text); }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/features.h"
+#include "app/logins.h"
 #include "app/mainlayout.h"
 #include "app/mainmenu.h"
 #include "common/addresses.h"
@@ -31,10 +32,11 @@ struct WindowServices {
     Prompts &prompts;
     SettingsStore &store;
     Addresses addresses;
+    QString commandLine; ///< as commandLineText() gives it
 };
 
 /// The main window: builds its controls, owns what the features share, and forwards.
-class frm_tarvelo : public QMainWindow, public Shell {
+class frm_tarvelo : public QMainWindow, public Shell, private LoginWindow {
     Q_OBJECT
 
 public:
@@ -46,6 +48,8 @@ public:
     void SetFtpProperties() override;
     void DoRemoteRefresh(const QString &folder) override;
     [[nodiscard]] int RemoteItem(int index) const; ///< row of a marked entry, -1 for none
+    void show_login();
+    void load_commands();
 
     void AppendLog(const QString &text) override;
     void SetCommandsEnabled(bool login, bool logout, bool unused, bool commands,
@@ -66,6 +70,15 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void showConnectDialog(bool connectionStands) override;
+    void ConnectSequence() override;
+    void setProxy(const FtpProxy &proxy) override;
+    void EnterRemoteFolder(const QString &folder) override;
+    void showTransferType() override;
+    void setRememberButtonsEnabled(bool enabled) override;
+    [[nodiscard]] bool isLogoutEnabled() const override;
+    void selectLocalRowsFromSecond() override;
+
     void buildPanes();
     void buildLayout();
     QToolButton *addRememberButton(FilePane &pane, const QString &name, const QString &toolTip);
@@ -101,6 +114,7 @@ private:
     QToolButton *m_rememberLocal = nullptr;
     QToolButton *m_rememberRemote = nullptr;
     std::unique_ptr<Session> m_session;
+    std::unique_ptr<Logins> m_logins;
     std::unique_ptr<Features> m_features;
     QueueModel *m_queueModel = nullptr;
     QueueView *m_queue = nullptr;

@@ -108,9 +108,8 @@ void PaneView::sizeColumnsToContents()
         header()->resizeSection(column, width);
         used += width;
     }
-    const int name = std::max(sizeHintForColumn(0), header()->sectionSizeHint(0)) + 12;
-    const int room = viewport()->width() - used;
-    header()->resizeSection(0, std::max({ room, std::min(name, 240), 140 }));
+    // The names take what is left; a list that is far too narrow gets a scroll bar.
+    header()->resizeSection(0, std::max(viewport()->width() - used, 110));
 }
 
 void PaneView::setDropFilter(std::function<bool(const QMimeData &)> filter)

@@ -1,0 +1,116 @@
+#include "app/program.h"
+
+#include "app/commandline.h"
+#include "app/frm_tarvelo.h"
+#include "app/startup.h"
+#include "common/globals.h"
+#include "dialogs/frm_info.h"
+#include "dialogs/helpkeyfilter.h"
+#include "dialogs/qtprompts.h"
+#include "fileops/view.h"
+#include "ftp/ftpcontrol.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
+
+#include <cstdio>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Prints what a command line asks to be told. @return whether the program ends with it
+bool answered(const QString &commandLine)
+{
+    const CommandLine kind = commandLineKind(commandLine);
+    if (kind != CommandLine::Help && kind != CommandLine::Version) {
+        return false;
+    }
+    const QString text = kind == CommandLine::Help ? helpText() : versionText();
+    std::fputs(text.toLocal8Bit().constData(), stdout);
+    return true;
+}
+
+/// The arguments behind the program's name, before there is an application to ask.
+QString commandLineOf(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int at = 1; at < argc; ++at) {
+        arguments.append(QString::fromLocal8Bit(argv[at]));
+    }
+    return commandLineText(arguments);
+}
+
+/// German texts of Qt's own menus and dialogs.
+void installTranslation(QTranslator &translator)
+{
+    if (translator.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&translator);
+    }
+}
+
+/// One run: everything lives as long as the application.
+class Run {
+public:
+    explicit Run(const QString &commandLine)
+        : m_commandLine(commandLine)
+        , m_addresses(readAddresses(addressFiles(QCoreApplication::applicationDirPath())).addresses)
+    {
+    }
+
+    int exec()
+    {
+        const auto loaded = loadProgramState(m_store, FolderSources::ofThisUser(), m_globals);
+        if (!loaded) {
+            m_prompts.message(loaded.error().text());
+            return 1;
+        }
+        m_ftp.setTrustFile(trustFile(m_store));
+        frm_info info(m_globals, m_addresses, m_prompts, openWithDesktop);
+        // Between the two windows there is none; the program must not end there.
+        QApplication::setQuitOnLastWindowClosed(false);
+        QObject::connect(
+            &info, &frm_info::closed, &info, [this] { start(); },
+            Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+        info.show();
+        return QApplication::exec();
+    }
+
+private:
+    void start()
+    {
+        m_window = std::make_unique<frm_tarvelo>(
+            WindowServices { m_globals, m_ftp, m_prompts, m_store, m_addresses, m_commandLine });
+        m_window->show();
+        QApplication::setQuitOnLastWindowClosed(true);
+        startDecision(m_commandLine) == StartDecision::LoadCommands ? m_window->load_commands()
+                                                                    : m_window->show_login();
+    }
+
+    QString m_commandLine;
+    Addresses m_addresses;
+    Globals m_globals;
+    SettingsStore m_store;
+    QtPrompts m_prompts;
+    FtpControl m_ftp;
+    HelpKeyFilter m_help;
+    std::unique_ptr<frm_tarvelo> m_window;
+};
+
+} // namespace
+
+int runProgram(int argc, char **argv)
+{
+    const QString commandLine = commandLineOf(argc, argv);
+    if (answered(commandLine)) {
+        return 0;
+    }
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"Tarvelo FTP"_s);
+    QGuiApplication::setDesktopFileName(u"tarvelo-ftp"_s);
+    QTranslator translator;
+    installTranslation(translator);
+    return Run(commandLineText(QCoreApplication::arguments().mid(1))).exec();
+}
