@@ -1,0 +1,329 @@
+#include "actions.h"
+
+#include "lookup.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QKeySequence>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QScreen>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+#include <functional>
+#include <map>
+
+namespace {
+
+using Action = std::function<QJsonObject(const QJsonObject &)>;
+
+QString string(const QJsonObject &request, const char *key)
+{
+    return request.value(QLatin1String(key)).toString();
+}
+
+/// Runs something from the event loop, after the answer has gone.
+QJsonObject later(QObject *context, const std::function<void()> &what)
+{
+    QTimer::singleShot(0, context, what);
+    return {};
+}
+
+QWidget *named(const QJsonObject &request) { return lookup::widget(string(request, "object")); }
+
+QAbstractItemView *view(const QJsonObject &request)
+{
+    auto *result = qobject_cast<QAbstractItemView *>(named(request));
+    if (result == nullptr) {
+        throw DriverError { QStringLiteral("no item view: ") + string(request, "object") };
+    }
+    return result;
+}
+
+void requireUsable(const QWidget *widget)
+{
+    if (!widget->isVisible() || !widget->isEnabled()) {
+        throw DriverError { widget->objectName()
+                            + (widget->isVisible() ? QStringLiteral(" is disabled")
+                                                   : QStringLiteral(" is not visible")) };
+    }
+}
+
+/// The button of an action in a tool bar; null when it has none.
+QWidget *toolButton(QAction *action)
+{
+    const QList<QObject *> places = action->associatedObjects();
+    for (QObject *place : places) {
+        if (auto *bar = qobject_cast<QToolBar *>(place); bar != nullptr && bar->isVisible()) {
+            return bar->widgetForAction(action);
+        }
+    }
+    return nullptr;
+}
+
+QJsonObject click(const QJsonObject &request)
+{
+    if (QAction *action = lookup::action(string(request, "object"))) {
+        if (!action->isEnabled()) {
+            throw DriverError { action->objectName() + QStringLiteral(" is disabled") };
+        }
+        if (QWidget *button = toolButton(action)) {
+            return later(button, [button] { QTest::mouseClick(button, Qt::LeftButton); });
+        }
+        return later(action, [action] { action->trigger(); }); // an entry of a menu
+    }
+    QWidget *widget = named(request);
+    requireUsable(widget);
+    return later(widget, [widget] { QTest::mouseClick(widget, Qt::LeftButton); });
+}
+
+QModelIndex rowNamed(const QAbstractItemView *view, const QString &name)
+{
+    const QAbstractItemModel *model = view->model();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex index = model->index(row, 0);
+        if (index.data().toString() == name) {
+            return index;
+        }
+    }
+    throw DriverError { view->objectName() + QStringLiteral(" has no row ") + name };
+}
+
+QPoint placeOf(QAbstractItemView *view, const QModelIndex &index)
+{
+    view->scrollTo(index);
+    const QRect rect = view->visualRect(index);
+    return { rect.left() + qMin(rect.width() / 2, 40), rect.center().y() };
+}
+
+QJsonObject select(const QJsonObject &request)
+{
+    QAbstractItemView *target = view(request);
+    requireUsable(target);
+    Qt::KeyboardModifiers modifiers = Qt::NoModifier;
+    const QJsonArray names = request.value(QLatin1String("rows")).toArray();
+    for (const auto &name : names) {
+        const QPoint place = placeOf(target, rowNamed(target, name.toString()));
+        QTest::mouseClick(target->viewport(), Qt::LeftButton, modifiers, place);
+        modifiers = Qt::ControlModifier;
+    }
+    return {};
+}
+
+QJsonObject open(const QJsonObject &request)
+{
+    QAbstractItemView *target = view(request);
+    requireUsable(target);
+    const QPoint place = placeOf(target, rowNamed(target, string(request, "row")));
+    QTest::mouseClick(target->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+    return later(target, [target, place] {
+        QTest::mouseDClick(target->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+    });
+}
+
+QJsonObject describeRow(const QAbstractItemView *view, int row)
+{
+    const QAbstractItemModel *model = view->model();
+    const QModelIndex first = model->index(row, 0);
+    QJsonArray cells;
+    for (int column = 0; column < model->columnCount(); ++column) {
+        cells.append(model->index(row, column).data().toString());
+    }
+    QJsonObject result { { QStringLiteral("cells"), cells },
+                         { QStringLiteral("selected"),
+                           view->selectionModel()->isSelected(first) } };
+    const QHash<int, QByteArray> roles = model->roleNames();
+    for (auto role = roles.cbegin(); role != roles.cend(); ++role) {
+        if (role.key() >= Qt::UserRole) {
+            result[QString::fromLatin1(role.value())]
+                = QJsonValue::fromVariant(first.data(role.key()));
+        }
+    }
+    return result;
+}
+
+QJsonObject rows(const QJsonObject &request)
+{
+    const QAbstractItemView *target = view(request);
+    QJsonArray list;
+    for (int row = 0; row < target->model()->rowCount(); ++row) {
+        list.append(describeRow(target, row));
+    }
+    return { { QStringLiteral("rows"), list } };
+}
+
+QJsonObject headers(const QJsonObject &request)
+{
+    const QAbstractItemModel *model = view(request)->model();
+    QJsonArray list;
+    for (int column = 0; column < model->columnCount(); ++column) {
+        list.append(model->headerData(column, Qt::Horizontal).toString());
+    }
+    return { { QStringLiteral("headers"), list } };
+}
+
+/// Types into a field, in place of what it holds.
+QJsonObject enter(const QJsonObject &request)
+{
+    QWidget *widget = named(request);
+    requireUsable(widget);
+    if (auto *combo = qobject_cast<QComboBox *>(widget); combo != nullptr && combo->isEditable()) {
+        widget = combo->lineEdit();
+    }
+    widget->setFocus();
+    QTest::keySequence(widget, QKeySequence::SelectAll);
+    QTest::keyClick(widget, Qt::Key_Delete);
+    QTest::keyClicks(widget, string(request, "text"));
+    return {};
+}
+
+QJsonObject key(const QJsonObject &request)
+{
+    QWidget *widget
+        = request.contains(QLatin1String("object")) ? named(request) : QApplication::focusWidget();
+    if (widget == nullptr) {
+        throw DriverError { QStringLiteral("nothing has the focus") };
+    }
+    const QKeySequence keys(string(request, "key"));
+    if (keys.isEmpty()) {
+        throw DriverError { QStringLiteral("no key: ") + string(request, "key") };
+    }
+    return later(widget, [widget, keys] { QTest::keySequence(widget, keys); });
+}
+
+QJsonObject text(const QJsonObject &request)
+{
+    return { { QStringLiteral("text"), lookup::text(named(request)) } };
+}
+
+QJsonObject describe(const QJsonObject &request)
+{
+    if (const QAction *action = lookup::action(string(request, "object"))) {
+        return { { QStringLiteral("text"), action->text() },
+                 { QStringLiteral("enabled"), action->isEnabled() },
+                 { QStringLiteral("visible"), action->isVisible() } };
+    }
+    return lookup::describe(named(request));
+}
+
+QJsonObject property(const QJsonObject &request)
+{
+    const QVariant value = named(request)->property(string(request, "property").toLatin1());
+    return { { QStringLiteral("value"), QJsonValue::fromVariant(value) } };
+}
+
+QString withoutMnemonic(QString text) { return text.remove(QLatin1Char('&')); }
+
+QJsonObject box(const QJsonObject &)
+{
+    QWidget *modal = lookup::modal();
+    if (modal == nullptr) {
+        return {};
+    }
+    QJsonObject result = lookup::describe(modal);
+    QJsonArray buttons;
+    const QList<QAbstractButton *> all = modal->findChildren<QAbstractButton *>();
+    for (const QAbstractButton *button : all) {
+        if (button->isVisible() && !button->text().isEmpty()) {
+            buttons.append(withoutMnemonic(button->text()));
+        }
+    }
+    result[QStringLiteral("buttons")] = buttons;
+    if (const auto *message = qobject_cast<const QMessageBox *>(modal)) {
+        result[QStringLiteral("informative")] = message->informativeText();
+    }
+    return { { QStringLiteral("box"), result } };
+}
+
+QJsonObject answer(const QJsonObject &request)
+{
+    const QWidget *modal = lookup::modal();
+    if (modal == nullptr) {
+        throw DriverError { QStringLiteral("no box is open") };
+    }
+    const QString wanted = string(request, "button");
+    const QList<QAbstractButton *> all = modal->findChildren<QAbstractButton *>();
+    for (QAbstractButton *button : all) {
+        if (withoutMnemonic(button->text()) == wanted || button->objectName() == wanted) {
+            requireUsable(button);
+            return later(button, [button] { QTest::mouseClick(button, Qt::LeftButton); });
+        }
+    }
+    throw DriverError { QStringLiteral("the box has no button ") + wanted };
+}
+
+QJsonObject windows(const QJsonObject &)
+{
+    QJsonArray list;
+    const QWidgetList all = QApplication::topLevelWidgets();
+    for (const QWidget *window : all) {
+        if (window->isVisible()) {
+            list.append(lookup::describe(window));
+        }
+    }
+    return { { QStringLiteral("windows"), list } };
+}
+
+QJsonObject tree(const QJsonObject &) { return { { QStringLiteral("widgets"), lookup::all() } }; }
+
+QJsonObject close(const QJsonObject &request)
+{
+    QWidget *window = named(request)->window();
+    return later(window, [window] { window->close(); });
+}
+
+QJsonObject resize(const QJsonObject &request)
+{
+    named(request)->resize(request.value(QLatin1String("width")).toInt(),
+                           request.value(QLatin1String("height")).toInt());
+    return {};
+}
+
+/// Saves a picture of one widget, or of the whole screen when none is named.
+QJsonObject grab(const QJsonObject &request)
+{
+    const QPixmap picture = request.contains(QLatin1String("object"))
+        ? named(request)->grab()
+        : QApplication::primaryScreen()->grabWindow(0);
+    if (!picture.save(string(request, "file"))) {
+        throw DriverError { QStringLiteral("cannot write ") + string(request, "file") };
+    }
+    return {};
+}
+
+const std::map<QString, Action> &actions()
+{
+    static const std::map<QString, Action> table {
+        { QStringLiteral("answer"), answer },     { QStringLiteral("box"), box },
+        { QStringLiteral("click"), click },       { QStringLiteral("close"), close },
+        { QStringLiteral("describe"), describe }, { QStringLiteral("enter"), enter },
+        { QStringLiteral("grab"), grab },         { QStringLiteral("headers"), headers },
+        { QStringLiteral("key"), key },           { QStringLiteral("open"), open },
+        { QStringLiteral("property"), property }, { QStringLiteral("resize"), resize },
+        { QStringLiteral("rows"), rows },         { QStringLiteral("select"), select },
+        { QStringLiteral("text"), text },         { QStringLiteral("tree"), tree },
+        { QStringLiteral("windows"), windows },
+    };
+    return table;
+}
+
+} // namespace
+
+QJsonObject carryOut(const QJsonObject &request)
+{
+    const auto action = actions().find(string(request, "do"));
+    try {
+        if (action == actions().end()) {
+            throw DriverError { QStringLiteral("unknown request: ") + string(request, "do") };
+        }
+        return action->second(request);
+    } catch (const DriverError &error) {
+        return { { QStringLiteral("error"), error.text } };
+    }
+}
