@@ -27,7 +27,7 @@ for target in "${targets[@]}"; do
     mkdir -p "$learned"
     seeds=("$top/fuzz/corpus/$target")
     case $target in list | mlsd) seeds+=("$listings") ;; esac
-    options=(-max_total_time="$seconds" -timeout=5 -rss_limit_mb=1024 -max_len=16384
+    options=(-max_total_time="$seconds" -timeout=5 -rss_limit_mb=1024 -max_len=4096
         -artifact_prefix="$build/findings/$target-" -print_final_stats=1)
     if [ -f "$top/fuzz/$target.dict" ]; then
         options+=(-dict="$top/fuzz/$target.dict")

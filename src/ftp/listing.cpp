@@ -77,6 +77,9 @@ public:
 
     Verdict read(Text line, std::size_t number, Entry &entry)
     {
+        if (line.find_first_not_of(" \t") == Text::npos) {
+            return Verdict::Foreign;
+        }
         const Dialect last = m_dialect;
         Verdict verdict = readAs(last, line, number, entry);
         for (const Dialect dialect : all) {

@@ -208,6 +208,26 @@ TEST(ParseMvs, ReadsNoRowsWithoutAHeading)
     EXPECT_EQ(modules.entries[0].name, "MODUL1");
 }
 
+TEST(ParseMvs, TellsRowsFromOtherLines)
+{
+    const ftp::Listing sets
+        = ftp::parseList("Volume Unit    Referred Ext Used Recfm Lrecl BlkSz Dsorg Dsname\r\n"
+                         "Zeile\r\nnoch eine Zeile mit Text\r\n"
+                         "Archived   WEB.ALT\r\nWEB009 Tape   WEB.BAND\r\n",
+                         now);
+    ASSERT_EQ(sets.entries.size(), 2U);
+    EXPECT_EQ(sets.entries[0].name, "WEB.ALT");
+    EXPECT_EQ(sets.entries[1].name, "WEB.BAND");
+    const ftp::Listing members = ftp::parseList(
+        " Name     VV.MM   Created       Changed      Size  Init   Mod   Id\r\n"
+        "kein Name\r\nZULANGERNAME\r\nLEER #\r\nA\r\nB 01.00 2024/03/05 2024/03/05 x 1\r\n",
+        now);
+    ASSERT_EQ(members.entries.size(), 2U);
+    EXPECT_EQ(members.entries[0].name, "A");
+    EXPECT_EQ(members.entries[1].precision, ftp::Entry::Precision::Day);
+    EXPECT_TRUE(ftp::parseList(" Name Size TTR\r\nkein Modul\r\n", now).entries.empty());
+}
+
 TEST(ParseEplf, ReadsTimesBeyondTheCalendar)
 {
     EXPECT_EQ(dateOf(entryOf("+m99999999999999999999,\ta")), "99991231235959");
