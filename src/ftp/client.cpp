@@ -55,7 +55,11 @@ Awaitable<Status> Client::quit()
 
 void Client::abort()
 {
+    m_aborted = true;
     m_session.abort();
+    for (const auto &helper : m_helpers) {
+        helper->abort();
+    }
 }
 
 void Client::watchIdle(std::function<void()> lost)
@@ -157,13 +161,13 @@ Awaitable<Result<Folder>> Client::list()
 
 Awaitable<Result<std::int64_t>> Client::get(std::string remotePath, std::string localPath, std::int64_t offset, Type type)
 {
-    GetRequest request { encode(remotePath), std::move(localPath), offset, type };
+    GetRequest request { encode(remotePath), std::move(localPath), offset, type, {} };
     co_return co_await retrieve(m_session, std::move(request));
 }
 
 Awaitable<Result<std::int64_t>> Client::put(std::string localPath, std::string remotePath, std::int64_t offset, Type type)
 {
-    PutRequest request { std::move(localPath), encode(remotePath), offset, type };
+    PutRequest request { std::move(localPath), encode(remotePath), offset, type, {} };
     co_return co_await store(m_session, std::move(request));
 }
 

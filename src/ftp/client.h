@@ -42,6 +42,10 @@ public:
     /// Ends everything at once; the running operation fails with ErrorKind::Aborted.
     void abort();
     [[nodiscard]] bool usable() const { return m_session.usable(); }
+    [[nodiscard]] bool aborted() const { return m_aborted; }
+    /// Further sessions of a tree transfer, so that abort reaches them.
+    void addHelper(std::shared_ptr<Session> session) { m_helpers.push_back(std::move(session)); }
+    void removeHelper(const std::shared_ptr<Session> &session) { std::erase(m_helpers, session); }
     /// Watches the idle session; lost is called when the server ends it.
     void watchIdle(std::function<void()> lost);
     Awaitable<void> stopWatching();
@@ -65,9 +69,10 @@ public:
     [[nodiscard]] Session &session() { return m_session; }
     [[nodiscard]] NameBook &names() { return m_names; }
     [[nodiscard]] int sessionLimit() const { return m_sessionLimit; }
+    /// Raw bytes of a path, seen from the current folder.
+    [[nodiscard]] std::string encode(const std::string &path);
 
 private:
-    [[nodiscard]] std::string encode(const std::string &path);
     Awaitable<bool> folderExists(std::string raw);
     Awaitable<Status> learnZone(const Listing &listing);
     [[nodiscard]] FolderEntry present(const Entry &entry, const std::string &folder);
@@ -75,6 +80,8 @@ private:
     Session m_session;
     NameBook m_names;
     std::unique_ptr<IdleWatch> m_watch;
+    std::vector<std::shared_ptr<Session>> m_helpers;
+    bool m_aborted = false;
     int m_sessionLimit;
 };
 

@@ -25,12 +25,12 @@ DataConnection::DataConnection(Session &session)
     : m_session(session)
     , m_stream(std::make_unique<Stream>(session.executor()))
 {
-    m_session.setDataStream(m_stream.get());
+    m_session.addDataStream(m_stream.get());
 }
 
 DataConnection::~DataConnection()
 {
-    m_session.setDataStream(nullptr);
+    m_session.removeDataStream(m_stream.get());
 }
 
 bool DataConnection::useExtended() const

@@ -1,9 +1,8 @@
 #include "ftp/transfer.h"
 
-#include "ftp/convert.h"
+#include "ftp/receiver.h"
 
 #include <optional>
-#include <variant>
 
 namespace ftp {
 namespace {
@@ -11,48 +10,6 @@ namespace {
 /// What the server told of a file before it is fetched.
 struct RemoteFacts {
     std::optional<std::int64_t> size, modified;
-};
-
-/// Local form of what comes over the wire, by transfer type.
-class Receiver {
-public:
-    explicit Receiver(Type type)
-    {
-        if (type == Type::Ascii) {
-            m_converter = AsciiReceiver {};
-        } else if (type == Type::Ebcdic) {
-            m_converter = EbcdicReceiver {};
-        }
-    }
-
-    Status write(IncomingFile &file, std::string_view bytes)
-    {
-        if (std::holds_alternative<std::monostate>(m_converter)) {
-            return file.write(bytes);
-        }
-        m_text.clear();
-        if (auto *ascii = std::get_if<AsciiReceiver>(&m_converter)) {
-            ascii->convert(bytes, m_text);
-        } else if (auto *ebcdic = std::get_if<EbcdicReceiver>(&m_converter)) {
-            ebcdic->convert(bytes, m_text);
-        }
-        return file.write(m_text);
-    }
-
-    Status finish(IncomingFile &file)
-    {
-        m_text.clear();
-        if (auto *ascii = std::get_if<AsciiReceiver>(&m_converter)) {
-            ascii->finish(m_text);
-        } else if (auto *ebcdic = std::get_if<EbcdicReceiver>(&m_converter)) {
-            ebcdic->finish(m_text);
-        }
-        return file.write(m_text);
-    }
-
-private:
-    std::variant<std::monostate, AsciiReceiver, EbcdicReceiver> m_converter;
-    std::string m_text;
 };
 
 std::optional<std::int64_t> sizeOf(const Reply &reply)
@@ -160,11 +117,7 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
         }
         offset = restarted->code == 350 ? offset : 0;
     }
-    ProgressMeter meter([&session](std::int64_t bytes) {
-        if (session.hooks().progress) {
-            session.hooks().progress(bytes, 0);
-        }
-    });
+    ProgressMeter meter(request.progress ? request.progress : sessionProgress(session));
     meter.start();
     Status started = co_await startTransfer(session, data, "RETR " + request.remotePath);
     if (!started && (started.error().kind == ErrorKind::Refused || !session.usable())) {

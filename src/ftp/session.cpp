@@ -66,8 +66,8 @@ void Session::abort()
     if (m_line) {
         m_line->abort();
     }
-    if (m_data != nullptr) {
-        m_data->abort();
+    for (Stream *stream : m_data) {
+        stream->abort();
     }
 }
 

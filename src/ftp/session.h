@@ -120,7 +120,8 @@ public:
     void setReplyHook(std::function<void(const Reply &)> hook) { m_hooks.reply = std::move(hook); }
 
     /// Data streams register while they are open, so that abort reaches them.
-    void setDataStream(Stream *stream) { m_data = stream; }
+    void addDataStream(Stream *stream) { m_data.push_back(stream); }
+    void removeDataStream(Stream *stream) { std::erase(m_data, stream); }
 
 private:
     Awaitable<Status> openOnce();
@@ -144,7 +145,7 @@ private:
     std::string m_greeting;
     std::string m_folder = "/";
     Type m_type = Type::Unknown;
-    Stream *m_data = nullptr;
+    std::vector<Stream *> m_data;
     bool m_encrypted = false;
     bool m_usable = false;
     bool m_aborted = false;

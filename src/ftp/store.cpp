@@ -1,10 +1,9 @@
 #include "ftp/transfer.h"
 
-#include "ftp/convert.h"
+#include "ftp/sender.h"
 #include "ftp/side_task.h"
 
 #include <asio/post.hpp>
-#include <variant>
 #include <vector>
 
 namespace ftp {
@@ -12,38 +11,6 @@ namespace {
 
 constexpr std::size_t blockSize = 256 * 1024;
 constexpr std::size_t fairShare = 4 * 1024 * 1024;
-
-/// Wire form of a local file, by transfer type; empty for binary.
-class Sender {
-public:
-    explicit Sender(Type type)
-    {
-        if (type == Type::Ascii) {
-            m_converter = AsciiSender {};
-        } else if (type == Type::Ebcdic) {
-            m_converter = EbcdicSender {};
-        }
-    }
-    [[nodiscard]] bool plain() const { return std::holds_alternative<std::monostate>(m_converter); }
-    /// Converts a block; an empty one ends the text.
-    std::string_view convert(std::string_view block)
-    {
-        if (plain()) {
-            return block;
-        }
-        m_text.clear();
-        std::visit([&](auto &converter) {
-            if constexpr (!std::is_same_v<std::decay_t<decltype(converter)>, std::monostate>) {
-                block.empty() ? converter.finish(m_text) : converter.convert(block, m_text);
-            }
-        }, m_converter);
-        return m_text;
-    }
-
-private:
-    std::variant<std::monostate, AsciiSender, EbcdicSender> m_converter;
-    std::string m_text;
-};
 
 /// Sends a file without the bytes passing through this process.
 Awaitable<Status> pumpByKernel(Session &session, Stream &stream, const OutgoingFile &file, std::int64_t at, ProgressMeter &meter)
@@ -93,24 +60,6 @@ Awaitable<Status> pumpBlocks(Session &session, Stream &stream, const OutgoingFil
         }
     }
     co_return co_await stream.write(sender.plain() ? std::string_view() : sender.convert({}), session.timeout());
-}
-
-/// The whole way of the bytes: connection, file, end.
-Awaitable<Status> pump(Session &session, DataConnection &data, const OutgoingFile &file, std::int64_t offset, Type type, ProgressMeter &meter)
-{
-    Status step = co_await data.establish();
-    if (!step) {
-        co_return step;
-    }
-    if (type == Type::Binary && !session.encrypted()) {
-        step = co_await pumpByKernel(session, data.stream(), file, offset, meter);
-    } else {
-        step = co_await pumpBlocks(session, data.stream(), file, offset, type, meter);
-    }
-    if (!step) {
-        co_return step;
-    }
-    co_return co_await data.stream().finishSending(session.timeout());
 }
 
 struct StorePlan {
@@ -184,6 +133,23 @@ Milliseconds patience(Milliseconds limit, std::int64_t size)
 
 } // namespace
 
+Awaitable<Status> sendFile(Session &session, DataConnection &data, const OutgoingFile &file, std::int64_t offset, Type type, ProgressMeter &meter)
+{
+    Status step = co_await data.establish();
+    if (!step) {
+        co_return step;
+    }
+    if (type == Type::Binary && !session.encrypted()) {
+        step = co_await pumpByKernel(session, data.stream(), file, offset, meter);
+    } else {
+        step = co_await pumpBlocks(session, data.stream(), file, offset, type, meter);
+    }
+    if (!step) {
+        co_return step;
+    }
+    co_return co_await data.stream().finishSending(session.timeout());
+}
+
 Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
 {
     OutgoingFile file;
@@ -210,18 +176,14 @@ Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
         }
         planned->append = restarted->code != 350;
     }
-    ProgressMeter meter([&session](std::int64_t bytes) {
-        if (session.hooks().progress) {
-            session.hooks().progress(bytes, 0);
-        }
-    });
+    ProgressMeter meter(request.progress ? request.progress : sessionProgress(session));
     meter.start();
     const std::string command = (planned->append ? "APPE " : "STOR ") + request.remotePath;
     step = co_await session.line().send(command);
     if (!step) {
         co_return tl::unexpected(step.error());
     }
-    SideTask pumping(session.executor(), pump(session, data, file, planned->offset, request.type, meter));
+    SideTask pumping(session.executor(), sendFile(session, data, file, planned->offset, request.type, meter));
     auto answer = co_await session.dialogue().reply();
     if (!answer || !answer->preliminary()) {
         data.abort();

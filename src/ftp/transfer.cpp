@@ -31,6 +31,15 @@ void ProgressMeter::add(std::int64_t bytes)
     }
 }
 
+ProgressMeter::Report sessionProgress(Session &session)
+{
+    return [&session](std::int64_t bytes) {
+        if (session.hooks().progress) {
+            session.hooks().progress(bytes, 0);
+        }
+    };
+}
+
 Awaitable<Status> receiveAll(Session &session, DataConnection &data,
                              std::function<Status(std::string_view)> sink)
 {

@@ -26,6 +26,9 @@ private:
     std::chrono::steady_clock::time_point m_next {};
 };
 
+/// The report that tells a session's progress hook.
+[[nodiscard]] ProgressMeter::Report sessionProgress(Session &session);
+
 /// Reads a data connection to its end, block by block.
 Awaitable<Status> receiveAll(Session &session, DataConnection &data,
                              std::function<Status(std::string_view)> sink);
@@ -53,15 +56,23 @@ struct GetRequest {
     std::string remotePath, localPath;
     std::int64_t offset = 0; ///< bytes of localPath to keep
     Type type = Type::Binary;
+    /// Bytes so far, from the offset on; empty: the session's progress hook.
+    ProgressMeter::Report progress;
 };
 /// @return the offset that was really used
 Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request);
+
+/// The whole way of a file's bytes: waits for the connection, sends from offset on, ends the stream.
+Awaitable<Status> sendFile(Session &session, DataConnection &data, const OutgoingFile &file,
+                           std::int64_t offset, Type type, ProgressMeter &meter);
 
 /// A single file to be stored.
 struct PutRequest {
     std::string localPath, remotePath;
     std::int64_t offset = 0; ///< bytes of remotePath to keep
     Type type = Type::Binary;
+    /// Bytes so far, from the offset on; empty: the session's progress hook.
+    ProgressMeter::Report progress;
 };
 /// @return the offset that was really used
 Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request);

@@ -1,0 +1,191 @@
+#include "ftp/crew.h"
+
+#include <asio/co_spawn.hpp>
+#include <asio/detached.hpp>
+#include <asio/redirect_error.hpp>
+#include <asio/use_awaitable.hpp>
+#include <array>
+
+namespace ftp {
+namespace {
+
+/// Pauses before a lost connection is made again.
+constexpr std::array pauses { std::chrono::seconds(1), std::chrono::seconds(2), std::chrono::seconds(4) };
+
+bool hopeless(ErrorKind kind)
+{
+    return kind == ErrorKind::LocalDiskFull || kind == ErrorKind::Aborted;
+}
+
+} // namespace
+
+Crew::Crew(Client &client, Worker worker)
+    : m_client(client)
+    , m_worker(std::move(worker))
+    , m_news(client.session().executor())
+    , m_progress(client.session().hooks().progress)
+    , m_meter([this](std::int64_t bytes) {
+        if (m_progress) {
+            m_progress(bytes, m_total);
+        }
+    })
+{
+    m_news.expires_at(asio::steady_timer::time_point::max());
+}
+
+void Crew::wakeAll()
+{
+    m_news.cancel();
+}
+
+void Crew::note(const std::string &text) const
+{
+    if (m_client.session().hooks().note) {
+        m_client.session().hooks().note(text);
+    }
+}
+
+void Crew::failed(const Error &error)
+{
+    if (!m_firstError) {
+        m_firstError = error;
+    }
+    if (hopeless(error.kind)) {
+        m_stopped = true;
+        wakeAll();
+    }
+}
+
+void Crew::addBytes(std::int64_t bytes)
+{
+    m_meter.add(bytes);
+}
+
+void Crew::jobAdded()
+{
+    ++m_open;
+    if (m_waiting > 0) {
+        wakeAll();
+    } else {
+        hire();
+    }
+}
+
+void Crew::jobDone()
+{
+    --m_open;
+    if (m_open == 0) {
+        wakeAll();
+    }
+}
+
+Awaitable<bool> Crew::wait()
+{
+    if (m_open > 0 && !m_stopped) {
+        ++m_waiting;
+        std::error_code ignored; // the timer only ever ends by being cancelled
+        co_await m_news.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
+        --m_waiting;
+    }
+    co_return m_open > 0 && !m_stopped;
+}
+
+Hooks Crew::quietHooks() const
+{
+    Hooks hooks = m_client.session().hooks();
+    hooks.progress = nullptr;
+    hooks.reply = nullptr; // refusals are told by the jobs; a helper's login is no news
+    return hooks;
+}
+
+void Crew::hire()
+{
+    // One job each is not worth a login.
+    const bool worthIt = m_open > 2 * (m_helpers + 1);
+    if (m_full || m_stopped || !worthIt || m_helpers + 1 >= m_client.sessionLimit()) {
+        return;
+    }
+    ++m_helpers;
+    const Session &first = m_client.session();
+    auto session = std::make_shared<Session>(first.executor(), first.loginData(), quietHooks(), first.sharedKnowledge());
+    m_client.addHelper(session);
+    asio::co_spawn(first.executor(), join(std::move(session)), asio::detached);
+}
+
+Awaitable<void> Crew::join(std::shared_ptr<Session> session)
+{
+    Status opened = co_await session->open();
+    if (opened) {
+        Status worked = co_await m_worker(*session);
+        ignoreError(worked, "its jobs were given back and are done by the others");
+    } else {
+        m_full = true; // "too many", or anything else: what there is must do
+    }
+    if (session->usable()) {
+        Status farewell = co_await session->line().send("QUIT");
+        ignoreError(farewell, "the connection is dropped either way");
+    }
+    m_client.removeHelper(session);
+    session->abort();
+    --m_helpers;
+    wakeAll();
+}
+
+Awaitable<Status> Crew::reopen()
+{
+    Status opened = fail(ErrorKind::ConnectionClosed, "Connection closed by server");
+    const std::string folder = m_client.session().folder();
+    for (const auto pause : pauses) {
+        asio::steady_timer timer(m_client.session().executor(), pause);
+        std::error_code error;
+        co_await timer.async_wait(asio::redirect_error(asio::use_awaitable, error));
+        if (m_client.aborted()) {
+            co_return fail(ErrorKind::Aborted, "Aborted");
+        }
+        opened = co_await m_client.session().open();
+        if (opened) {
+            co_return co_await m_client.session().changeFolder(folder);
+        }
+    }
+    co_return opened;
+}
+
+Awaitable<void> Crew::workAlone()
+{
+    for (;;) {
+        Status worked = co_await m_worker(m_client.session());
+        if (worked || m_stopped) {
+            break;
+        }
+        if (worked.error().kind == ErrorKind::Aborted) {
+            failed(worked.error());
+            break;
+        }
+        note("Die Verbindung ging verloren (" + worked.error().text + "); sie wird wieder hergestellt.");
+        Status opened = co_await reopen();
+        if (!opened) {
+            failed(worked.error());
+            m_stopped = true;
+            break;
+        }
+    }
+}
+
+Awaitable<Status> Crew::run()
+{
+    m_meter.start();
+    co_await workAlone();
+    m_stopped = true; // nothing is left to take
+    wakeAll();
+    while (m_helpers > 0) {
+        if (m_client.aborted()) {
+            m_client.abort();
+        }
+        std::error_code ignored; // the timer only ever ends by being cancelled
+        co_await m_news.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
+    }
+    m_meter.finish();
+    co_return m_firstError ? Status(tl::unexpected(*m_firstError)) : Status {};
+}
+
+} // namespace ftp
