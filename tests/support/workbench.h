@@ -56,6 +56,7 @@ protected:
         local.show(root.path());
         remote.show(QStringLiteral("/www"));
         ftp.commands.clear();
+        shell.log.clear();
         ftp.refuse = refuse;
         ftp.during = during;
     }

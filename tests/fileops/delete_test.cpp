@@ -1,0 +1,272 @@
+#include "fileops/delete.h"
+
+#include "support/workbench.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+class DeleteTest : public Workbench {
+protected:
+    void expectQuestion(int count, bool answer, const QString &details = {})
+    {
+        prompts.expectConfirm(
+            u"Sind Sie sicher, dass Sie %1 Dateien oder Ordner löschen möchten?"_s.arg(count),
+            answer, u"Confirm Delete"_s, details);
+    }
+    void deleteRemote(const QStringList &names, bool answer = true)
+    {
+        showBoth();
+        remote.select(names);
+        expectQuestion(static_cast<int>(names.size()), answer);
+        command.DeleteRemoteItems();
+    }
+    void deleteLocal(const QStringList &names, const QString &details = {}, bool answer = true)
+    {
+        showBoth();
+        local.select(names);
+        expectQuestion(static_cast<int>(names.size()), answer, details);
+        command.DeleteLocalItems();
+    }
+
+    DeleteCommand command { work };
+};
+
+TEST_F(DeleteTest, NothingSelectedIsSilent)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    showBoth();
+    remote.selected = { 0 }; // the up row
+    command.DeleteRemoteItems();
+    command.DeleteLocalItems();
+    EXPECT_TRUE(shell.calls.isEmpty());
+    EXPECT_TRUE(ftp.commands.isEmpty());
+}
+
+TEST_F(DeleteTest, RemoteNeedsAnIdleSession)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    showBoth();
+    remote.selectAll();
+    ftp.busy = true;
+    command.DeleteRemoteItems();
+    command.DeleteLocalItems();
+    ftp.busy = false;
+    ftp.connectionState = FtpOperations::Connecting;
+    command.DeleteRemoteItems();
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+}
+
+TEST_F(DeleteTest, CancelChangesNothing)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    writeLocal(u"b"_s, "y");
+    deleteRemote({ u"a"_s }, false);
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    deleteLocal({ u"b"_s }, {}, false);
+    EXPECT_TRUE(onDisk(u"b"_s));
+    EXPECT_TRUE(local.markedNames().isEmpty());
+    EXPECT_TRUE(shell.queue.isEmpty());
+    EXPECT_TRUE(shellCalls(u"SetToolbarsEnabled"_s).filter(u"0"_s).isEmpty());
+}
+
+TEST_F(DeleteTest, ARemoteFileGoesWithItsRow)
+{
+    ftp.addFile(u"/www/a"_s, "abc");
+    ftp.addFile(u"/www/b"_s, "x");
+    deleteRemote({ u"a"_s });
+    EXPECT_EQ(ftp.commandsOf(u"DELE"_s), QStringList { u"DELE /www/a"_s });
+    EXPECT_EQ(remote.names(), QStringList { u"b"_s });
+    EXPECT_EQ(
+        queueRow(0),
+        (QStringList { u"Löschen"_s, QString(), u"3"_s, QString(), u"/www/a"_s, u"files01"_s }));
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s),
+              (QStringList { u"ShowTransferItem Datei: a|"_s, u"ShowTransferItem |"_s }));
+    EXPECT_EQ(shellCalls(u"DoRemoteRefresh"_s), QStringList { u"DoRemoteRefresh /www/"_s });
+    EXPECT_EQ(remote.text, u"/www/"_s);
+}
+
+TEST_F(DeleteTest, ButtonsAndBoxesAreOffMeanwhileAndOnAfterwards)
+{
+    ftp.addFile(u"/www/a"_s, "abc");
+    ftp.during = [this](const QString &) {
+        EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 0"_s);
+        EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s).last(), u"SetFolderBoxesEnabled 0"_s);
+        EXPECT_TRUE(shell.calls.contains(u"SetFtpProperties"_s));
+        EXPECT_TRUE(command.isRunning());
+    };
+    deleteRemote({ u"a"_s });
+    EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
+    EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s).last(), u"SetFolderBoxesEnabled 1"_s);
+    EXPECT_FALSE(command.isRunning());
+}
+
+TEST_F(DeleteTest, ARefusalLeavesTheRowAndGoesOn)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    ftp.addFile(u"/www/b"_s, "y");
+    ftp.refuseAll(u"DELE /www/a"_s, u"550 Verboten."_s);
+    deleteRemote({ u"a"_s, u"b"_s });
+    EXPECT_EQ(remote.names(), QStringList { u"a"_s });
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    EXPECT_EQ(statuses(), (QStringList { u"Löschen verweigert"_s, u"Löschen"_s }));
+    EXPECT_TRUE(shell.log.contains(u"\r\n550 Verboten."_s));
+    EXPECT_TRUE(shell.queue[0].failed);
+    EXPECT_EQ(shell.queue[0].detail, u"550 Verboten."_s);
+}
+
+TEST_F(DeleteTest, ARemoteFolderGoesAsATreeAndLeavesTheHistory)
+{
+    ftp.addFile(u"/www/ordner/tief/a"_s, "x");
+    deleteRemote({ u"ordner"_s });
+    EXPECT_EQ(ftp.commandsOf(u"RMTREE"_s), QStringList { u"RMTREE /www/ordner"_s });
+    EXPECT_FALSE(ftp.has(u"/www/ordner"_s));
+    EXPECT_TRUE(remote.calls.contains(u"forget /www/ordner"_s));
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s).first(), u"ShowTransferItem Ordner: ordner|"_s);
+    EXPECT_EQ(statuses(), QStringList { u"Löschen"_s });
+}
+
+TEST_F(DeleteTest, ATreeThatKeepsALinkIsRefused)
+{
+    ftp.addFile(u"/www/ordner/a"_s, "x");
+    ftp.addLink(u"/www/ordner/verweis"_s, u"/anderswo"_s);
+    deleteRemote({ u"ordner"_s });
+    EXPECT_EQ(statuses(), QStringList { u"Löschen verweigert"_s });
+    EXPECT_EQ(remote.names(), QStringList { u"ordner"_s });
+}
+
+TEST_F(DeleteTest, ARemoteLinkIsRemovedAsALink)
+{
+    ftp.addFile(u"/anderswo/wichtig"_s, "x");
+    ftp.addLink(u"/www/verweis"_s, u"/anderswo"_s);
+    deleteRemote({ u"verweis"_s });
+    EXPECT_EQ(ftp.commands, QStringList { u"DELE /www/verweis"_s });
+    EXPECT_TRUE(ftp.has(u"/anderswo/wichtig"_s));
+    EXPECT_TRUE(remote.calls.contains(u"forget /www/verweis"_s));
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s).first(), u"ShowTransferItem Ordner: verweis|"_s);
+    EXPECT_EQ(statuses(), QStringList { u"Löschen"_s });
+}
+
+TEST_F(DeleteTest, ALinkThatIsNoFileToTheServerIsTriedAsAFolder)
+{
+    ftp.addFile(u"/anderswo/wichtig"_s, "x");
+    ftp.addLink(u"/www/verweis"_s, u"/anderswo"_s);
+    ftp.refuseAll(u"DELE"_s, u"550 Not a plain file."_s);
+    deleteRemote({ u"verweis"_s });
+    EXPECT_EQ(ftp.commands, (QStringList { u"DELE /www/verweis"_s, u"RMD /www/verweis"_s }));
+    EXPECT_TRUE(ftp.has(u"/anderswo/wichtig"_s));
+}
+
+TEST_F(DeleteTest, ALostConnectionEndsTheDeletion)
+{
+    for (const char *name : { "a", "b", "c" }) {
+        ftp.addFile(u"/www/"_s + QString::fromLatin1(name), "x");
+    }
+    ftp.during = [this](const QString &line) {
+        if (line.endsWith(u"/b"_s)) {
+            ftp.close();
+        }
+    };
+    deleteRemote({ u"a"_s, u"b"_s, u"c"_s });
+    EXPECT_EQ(statuses(), (QStringList { u"Löschen"_s, u"Löschen verweigert"_s }));
+    EXPECT_FALSE(ftp.has(u"/www/a"_s));
+    EXPECT_TRUE(ftp.has(u"/www/b"_s) && ftp.has(u"/www/c"_s));
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+}
+
+TEST_F(DeleteTest, ALocalFileGoesWithItsRow)
+{
+    writeLocal(u"a"_s, "abc");
+    writeLocal(u"b"_s, "x");
+    ASSERT_TRUE(QFile::setPermissions(disk(u"a"_s), QFile::ReadOwner));
+    deleteLocal({ u"a"_s });
+    EXPECT_FALSE(onDisk(u"a"_s));
+    EXPECT_TRUE(onDisk(u"b"_s));
+    EXPECT_EQ(
+        queueRow(0),
+        (QStringList { u"Löschen"_s, disk(u"a"_s), u"3"_s, QString(), QString(), QString() }));
+    EXPECT_TRUE(local.calls.contains(u"list "_s + disk()));
+    EXPECT_TRUE(ftp.commands.isEmpty());
+}
+
+TEST_F(DeleteTest, ALocalRowDisappearsAlsoWhenTheFileStays)
+{
+    writeLocal(u"a"_s, "abc");
+    showBoth();
+    local.select({ u"a"_s });
+    expectQuestion(1, true);
+    QFile::remove(disk(u"a"_s));
+    QDir().mkpath(disk(u"a/darin"_s)); // no file any more: cannot be unlinked
+    QStringList namesWhenRecorded;
+    QObject::connect(&local.model(), &QAbstractItemModel::rowsRemoved,
+                     [&] { namesWhenRecorded = local.names(); });
+    namesWhenRecorded = { u"unberührt"_s };
+    command.DeleteLocalItems();
+    EXPECT_TRUE(namesWhenRecorded.isEmpty());
+    EXPECT_EQ(statuses(), QStringList { u"Löschen verweigert"_s });
+    EXPECT_TRUE(shell.log.startsWith(u"\r\n"_s + disk(u"a"_s)));
+    EXPECT_TRUE(onDisk(u"a/darin"_s));
+}
+
+TEST_F(DeleteTest, ALocalFolderGoesAsATree)
+{
+    writeLocal(u"ordner/tief/a"_s, "x");
+    writeLocal(u"ordner/b"_s, "x");
+    deleteLocal({ u"ordner"_s }, u"In den Ordnern: 2 Dateien und 1 Ordner."_s);
+    EXPECT_FALSE(onDisk(u"ordner"_s));
+    EXPECT_TRUE(local.calls.contains(u"forget "_s + disk(u"ordner"_s)));
+    EXPECT_EQ(statuses(), QStringList { u"Löschen"_s });
+    EXPECT_EQ(queueRow(0).value(1), disk(u"ordner"_s));
+}
+
+TEST_F(DeleteTest, ALocalLinkToAFolderIsRemovedAsALink)
+{
+    writeLocal(u"aussen/wichtig"_s, "x");
+    ASSERT_EQ(::symlink(QFile::encodeName(disk(u"aussen"_s)).constData(),
+                        QFile::encodeName(disk(u"verweis"_s)).constData()),
+              0);
+    deleteLocal({ u"verweis"_s });
+    EXPECT_FALSE(onDisk(u"verweis"_s));
+    EXPECT_TRUE(onDisk(u"aussen/wichtig"_s));
+}
+
+TEST_F(DeleteTest, TheWindowLivesWhileALocalTreeGoes)
+{
+    for (int number = 0; number < 2000; ++number) {
+        writeLocal(u"ordner/%1/datei%2"_s.arg(number % 50).arg(number), "x");
+    }
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        ++ticks;
+        command.DeleteLocalItems(); // a second one meanwhile does nothing
+    });
+    timer.start(0);
+    showBoth();
+    local.select({ u"ordner"_s });
+    expectQuestion(1, true, u"In den Ordnern: 2000 Dateien und 50 Ordner."_s);
+    command.DeleteLocalItems();
+    EXPECT_GT(ticks, 0);
+    EXPECT_FALSE(onDisk(u"ordner"_s));
+    EXPECT_EQ(shell.queue.size(), 1);
+}
+
+TEST_F(DeleteTest, AStopEndsTheDeletionSoon)
+{
+    for (int number = 0; number < 500; ++number) {
+        writeLocal(u"ordner/datei%1"_s.arg(number), "x");
+    }
+    writeLocal(u"zuletzt"_s, "x");
+    showBoth();
+    local.select({ u"ordner"_s, u"zuletzt"_s });
+    expectQuestion(2, true, u"In den Ordnern: 500 Dateien und 0 Ordner."_s);
+    QTimer::singleShot(0, [this] { command.stop(); });
+    command.DeleteLocalItems();
+    EXPECT_TRUE(onDisk(u"zuletzt"_s));
+    EXPECT_TRUE(local.markedNames().isEmpty());
+    EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
+}

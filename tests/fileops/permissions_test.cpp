@@ -1,0 +1,232 @@
+#include "fileops/frm_rechte.h"
+#include "fileops/permissions.h"
+#include "support/workbench.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QCheckBox *box(const frm_rechte &dialog, int group, int index)
+{
+    return dialog.findChild<QCheckBox *>(u"chk_rechte%1_%2"_s.arg(group).arg(index));
+}
+
+QString shown(const frm_rechte &dialog)
+{
+    return dialog.findChild<QLabel *>(u"lbl_rechte"_s)->text();
+}
+
+void click(frm_rechte &dialog, const QString &button)
+{
+    dialog.findChild<QPushButton *>(button)->click();
+}
+
+} // namespace
+
+TEST(PermissionMode, SplitsIntoDigitsAndBack)
+{
+    for (int mode = 0; mode <= 777; ++mode) {
+        const PermissionDigits digits = digitsOf(mode);
+        EXPECT_EQ(modeOf(digits), mode);
+        EXPECT_LE(digits.owner, 7);
+    }
+    EXPECT_EQ(modeOf(digitsOf(-5)), 0);
+}
+
+TEST(PermissionMode, IsClampedAsADecimalNumber)
+{
+    EXPECT_EQ(clampMode(-1), 0);
+    EXPECT_EQ(clampMode(0), 0);
+    EXPECT_EQ(clampMode(698), 698);
+    EXPECT_EQ(clampMode(777), 777);
+    EXPECT_EQ(clampMode(4755), 777);
+}
+
+TEST(FrmRechte, IsEmptyAtFirstUse)
+{
+    PermissionChoice choice;
+    choice.PermissionsConfirmed = true;
+    const frm_rechte dialog(choice);
+    EXPECT_EQ(dialog.objectName(), u"frm_rechte"_s);
+    EXPECT_EQ(dialog.windowTitle(), u"Dateirechte einstellen (Unix chmod)"_s);
+    EXPECT_FALSE(choice.PermissionsConfirmed);
+    EXPECT_EQ(shown(dialog), u"0"_s);
+    QStringList titles;
+    for (const QGroupBox *group : dialog.findChildren<QGroupBox *>()) {
+        titles.append(group->title());
+    }
+    EXPECT_EQ(titles, (QStringList { u"Besitzer"_s, u"Benutzergruppe"_s, u"Andere"_s }));
+    for (int group = 1; group <= 3; ++group) {
+        EXPECT_EQ(box(dialog, group, 0)->text(), u"lesen"_s);
+        EXPECT_EQ(box(dialog, group, 1)->text(), u"schreiben"_s);
+        EXPECT_EQ(box(dialog, group, 2)->text(), u"ausführen"_s);
+        for (int index = 0; index < 3; ++index) {
+            EXPECT_FALSE(box(dialog, group, index)->isChecked());
+        }
+    }
+}
+
+TEST(FrmRechte, AddsUpTheTickedBoxes)
+{
+    const int weights[3][3] { { 400, 200, 100 }, { 40, 20, 10 }, { 4, 2, 1 } };
+    for (int group = 1; group <= 3; ++group) {
+        for (int index = 0; index < 3; ++index) {
+            PermissionChoice choice;
+            frm_rechte dialog(choice);
+            box(dialog, group, index)->click();
+            EXPECT_EQ(shown(dialog), QString::number(weights[group - 1][index]));
+            click(dialog, u"cmd_ok"_s);
+            EXPECT_TRUE(choice.PermissionsConfirmed);
+            EXPECT_EQ(choice.PermissionMode, weights[group - 1][index]);
+        }
+    }
+}
+
+TEST(FrmRechte, ShowsTheModeConfirmedLast)
+{
+    PermissionChoice choice;
+    for (const int mode : { 0, 1, 55, 600, 755, 777 }) {
+        choice.PermissionMode = mode;
+        frm_rechte dialog(choice);
+        EXPECT_EQ(shown(dialog), QString::number(mode));
+        click(dialog, u"cmd_ok"_s);
+        EXPECT_EQ(choice.PermissionMode, mode);
+    }
+}
+
+TEST(FrmRechte, CancelKeepsTheMode)
+{
+    PermissionChoice choice;
+    choice.PermissionMode = 644;
+    frm_rechte dialog(choice);
+    dialog.open();
+    box(dialog, 1, 2)->click();
+    click(dialog, u"cmd_abbrechen"_s);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_FALSE(choice.PermissionsConfirmed);
+    EXPECT_EQ(choice.PermissionMode, 644);
+}
+
+TEST(FrmRechte, TheChmodButtonConfirmsAtOnce)
+{
+    PermissionChoice choice;
+    choice.PermissionMode = 22;
+    frm_rechte dialog(choice);
+    dialog.open();
+    const auto *button = dialog.findChild<QPushButton *>(u"cmd_chmod"_s);
+    EXPECT_EQ(button->text(), u"chmod 755"_s);
+    EXPECT_EQ(button->toolTip(), u"Wird häufig für Dateien im cgi-bin Ordner benötigt"_s);
+    click(dialog, u"cmd_chmod"_s);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_TRUE(choice.PermissionsConfirmed);
+    EXPECT_EQ(choice.PermissionMode, 755);
+}
+
+TEST(FrmRechte, TheHelpButtonSendsF1)
+{
+    struct Keys : QObject {
+        int pressed = 0;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::KeyPress) {
+                pressed = static_cast<QKeyEvent *>(event)->key();
+            }
+            return false;
+        }
+    } keys;
+    PermissionChoice choice;
+    frm_rechte dialog(choice);
+    dialog.installEventFilter(&keys);
+    click(dialog, u"cmd_hilfe"_s);
+    EXPECT_EQ(keys.pressed, Qt::Key_F1);
+}
+
+class PermissionTest : public Workbench {
+protected:
+    PermissionTest()
+    {
+        ftp.addFile(u"/www/a.cgi"_s, "x");
+        ftp.addFile(u"/www/b c.cgi"_s, "x");
+        ftp.addFolder(u"/www/ordner"_s);
+        showBoth();
+    }
+    void confirm(int mode)
+    {
+        PermissionCommand(work, [this, mode] {
+            globals.permissions = { mode, true };
+        }).mnu_rechte_Click();
+    }
+    [[nodiscard]] QString columnOf(const QString &name)
+    {
+        return remote.model().row(remote.model().findRow(name)).permissions;
+    }
+};
+
+TEST_F(PermissionTest, SendsTheCommandForEverySelectedRow)
+{
+    remote.selectAll();
+    confirm(755);
+    EXPECT_EQ(ftp.commands,
+              (QStringList { u"RAW SITE chmod 755 a.cgi"_s, u"RAW SITE chmod 755 b c.cgi"_s,
+                             u"RAW SITE chmod 755 ordner"_s }));
+    EXPECT_EQ(columnOf(u"ordner"_s), u"755"_s);
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    EXPECT_EQ(shell.log.left(20), u"a.cgi > 250 Ok\r\nb c."_s);
+}
+
+TEST_F(PermissionTest, KeepsTheTypedDigits)
+{
+    remote.select({ u"a.cgi"_s });
+    confirm(55);
+    confirm(1);
+    EXPECT_EQ(ftp.commands,
+              (QStringList { u"RAW SITE chmod 55 a.cgi"_s, u"RAW SITE chmod 1 a.cgi"_s }));
+}
+
+TEST_F(PermissionTest, AddsOneQueueRow)
+{
+    remote.selectAll();
+    confirm(600);
+    ASSERT_EQ(shell.queue.size(), 1);
+    EXPECT_EQ(queueRow(0),
+              (QStringList { u"Dateirechte"_s, u"setzen auf"_s, u"600"_s, u">"_s, u"/www/"_s,
+                             u"files01"_s }));
+}
+
+TEST_F(PermissionTest, ARefusalIsToldAndTheColumnFollowsAllTheSame)
+{
+    remote.select({ u"a.cgi"_s, u"ordner"_s });
+    ftp.refuseAll(u"a.cgi"_s, u"502 Unknown command."_s);
+    confirm(644);
+    EXPECT_EQ(columnOf(u"a.cgi"_s), u"644"_s);
+    EXPECT_EQ(columnOf(u"ordner"_s), u"644"_s);
+    EXPECT_TRUE(shell.queue.value(0).failed);
+    EXPECT_EQ(shell.queue.value(0).detail, u"a.cgi: 502 Unknown command."_s);
+    EXPECT_TRUE(shell.log.startsWith(u"a.cgi > 502 Unknown command."_s));
+}
+
+TEST_F(PermissionTest, CancelSendsNothing)
+{
+    remote.selectAll();
+    PermissionCommand(work, [this] {
+        globals.permissions.PermissionsConfirmed = false;
+    }).mnu_rechte_Click();
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_TRUE(shell.queue.isEmpty());
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+}
+
+TEST_F(PermissionTest, NeedsAnIdleSession)
+{
+    remote.selectAll();
+    bool shownAtAll = false;
+    ftp.busy = true;
+    PermissionCommand(work, [&shownAtAll] { shownAtAll = true; }).mnu_rechte_Click();
+    EXPECT_FALSE(shownAtAll);
+}
