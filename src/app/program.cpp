@@ -56,7 +56,7 @@ class Run {
 public:
     explicit Run(const QString &commandLine)
         : m_commandLine(commandLine)
-        , m_addresses(readAddresses(addressFiles(QCoreApplication::applicationDirPath())).addresses)
+        , m_addresses(readAddresses(addressFiles(QCoreApplication::applicationDirPath())))
     {
     }
 
@@ -68,7 +68,7 @@ public:
             return 1;
         }
         m_ftp.setTrustFile(trustFile(m_store));
-        frm_info info(m_globals, m_addresses, m_prompts, openWithDesktop);
+        frm_info info(m_globals, m_addresses.addresses, m_prompts, openWithDesktop);
         // Between the two windows there is none; the program must not end there.
         QApplication::setQuitOnLastWindowClosed(false);
         QObject::connect(
@@ -81,16 +81,29 @@ public:
 private:
     void start()
     {
-        m_window = std::make_unique<frm_tarvelo>(
-            WindowServices { m_globals, m_ftp, m_prompts, m_store, m_addresses, m_commandLine });
+        m_window = std::make_unique<frm_tarvelo>(WindowServices {
+            m_globals, m_ftp, m_prompts, m_store, m_addresses.addresses, m_commandLine });
         m_window->show();
         QApplication::setQuitOnLastWindowClosed(true);
+        for (const QString &problem : m_addresses.problems) {
+            m_window->AppendLog(problem + u"\r\n"_s);
+        }
+        takeCommandLineAddress();
         startDecision(m_commandLine) == StartDecision::LoadCommands ? m_window->load_commands()
                                                                     : m_window->show_login();
     }
 
+    void takeCommandLineAddress()
+    {
+        // The log does not repeat the address: it may hold a password.
+        if (commandLineKind(m_commandLine) == CommandLine::Address
+            && !takeAddress(m_commandLine, m_globals)) {
+            m_window->AppendLog(u"Die übergebene FTP-Adresse ist ungültig.\r\n"_s);
+        }
+    }
+
     QString m_commandLine;
-    Addresses m_addresses;
+    AddressesRead m_addresses;
     Globals m_globals;
     SettingsStore m_store;
     QtPrompts m_prompts;

@@ -1,6 +1,7 @@
 #include "app/startup.h"
 
 #include "common/mo_standard.h"
+#include "connections/ftpurl.h"
 
 #include <QFileInfo>
 
@@ -125,6 +126,23 @@ SettingsResult<void> loadProgramState(const SettingsStore &store, const FolderSo
     globals.session.ConnectionLost = false;
     globals.session.DialogCancelled = true;
     return {};
+}
+
+bool takeAddress(const QString &address, Globals &globals)
+{
+    std::optional<ConnectionProfile> connection = profileFromUrl(address);
+    if (!connection) {
+        return false;
+    }
+    connection->ProxyType = globals.connection.ProxyType;
+    connection->ProxyHost = globals.connection.ProxyHost;
+    connection->ProxyUsername = globals.connection.ProxyUsername;
+    connection->ProxyPassword = globals.connection.ProxyPassword;
+    connection->Proxyport = globals.connection.Proxyport;
+    globals.connection = *connection;
+    // The dialog would load this profile over the address.
+    globals.session.Lastconnect.clear();
+    return true;
 }
 
 QString trustFile(const SettingsStore &store)

@@ -14,5 +14,10 @@
 [[nodiscard]] SettingsResult<void> loadProgramState(const SettingsStore &store,
                                                     const FolderSources &sources, Globals &globals);
 
+/// Makes an ftp:// or ftpes:// address the current connection, for the connection dialog to show.
+/// The proxy stays, and no profile is current. @return false, and nothing is changed, when the
+/// address cannot be used
+[[nodiscard]] bool takeAddress(const QString &address, Globals &globals);
+
 /// File that keeps the trusted certificates, beside the settings.
 [[nodiscard]] QString trustFile(const SettingsStore &store);

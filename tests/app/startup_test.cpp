@@ -181,3 +181,32 @@ TEST_F(StartUp, TrustedCertificatesStandBesideTheSettings)
 {
     EXPECT_EQ(trustFile(store), base.filePath(u"config/trusted-certificates"_s));
 }
+
+TEST_F(StartUp, AnAddressIsShownWithTheProxyInPlaceOfAnyProfile)
+{
+    globals.session.Lastconnect = u"zuletzt"_s;
+    globals.connection.RemoteHost = u"files01"_s;
+    globals.connection.Bemerkungen = u"alt"_s;
+    globals.connection.ProxyType = 2;
+    globals.connection.ProxyHost = u"proxy01"_s;
+    globals.connection.Proxyport = 1080;
+    ASSERT_TRUE(takeAddress(u"ftpes://web01@neu.example/html/"_s, globals));
+    EXPECT_EQ(globals.connection.RemoteHost, u"neu.example"_s);
+    EXPECT_EQ(globals.connection.UserName, u"web01"_s);
+    EXPECT_EQ(globals.connection.RemoteDir, u"html/"_s);
+    EXPECT_EQ(globals.connection.Bemerkungen, QString());
+    EXPECT_EQ(globals.connection.encryption, 1);
+    EXPECT_EQ(globals.connection.ProxyType, 2);
+    EXPECT_EQ(globals.connection.ProxyHost, u"proxy01"_s);
+    EXPECT_EQ(globals.connection.Proxyport, 1080);
+    EXPECT_EQ(globals.session.Lastconnect, QString());
+}
+
+TEST_F(StartUp, AnAddressThatCannotBeUsedChangesNothing)
+{
+    globals.session.Lastconnect = u"zuletzt"_s;
+    globals.connection.RemoteHost = u"files01"_s;
+    EXPECT_FALSE(takeAddress(u"ftp://web01%0D%0A@neu.example/"_s, globals));
+    EXPECT_EQ(globals.connection.RemoteHost, u"files01"_s);
+    EXPECT_EQ(globals.session.Lastconnect, u"zuletzt"_s);
+}
