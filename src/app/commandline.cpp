@@ -2,20 +2,11 @@
 
 #include "common/mo_standard.h"
 
-#include <limits>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qsizetype fieldCount = 11;
-
-int lenientInt(const QString &text)
-{
-    constexpr qint64 lowest = std::numeric_limits<int>::min();
-    constexpr qint64 highest = std::numeric_limits<int>::max();
-    return static_cast<int>(qBound(lowest, lenientInteger(text), highest));
-}
 
 } // namespace
 

@@ -55,6 +55,13 @@ qint64 lenientInteger(const QString &text)
     return static_cast<qint64>(up ? below + 1 : below);
 }
 
+int lenientInt(const QString &text)
+{
+    constexpr qint64 lowest = std::numeric_limits<int>::min();
+    constexpr qint64 highest = std::numeric_limits<int>::max();
+    return static_cast<int>(qBound(lowest, lenientInteger(text), highest));
+}
+
 QString ScramblePassword(const QString &text, bool scramble)
 {
     QString result;

@@ -12,6 +12,8 @@ inline constexpr QChar LocalSeparator = u'/';
 [[nodiscard]] double lenientNumber(const QString &text);
 /// Lenient whole number: rounds half to even, saturates at the limits of 64 bits.
 [[nodiscard]] qint64 lenientInteger(const QString &text);
+/// The same, saturating at the limits of int.
+[[nodiscard]] int lenientInt(const QString &text);
 
 /// Shifts every character code by the text's length: down to scramble, up to unscramble
 /// (modulo 256 over Windows-1252; other characters are left alone).
