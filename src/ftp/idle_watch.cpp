@@ -1,11 +1,22 @@
 #include "ftp/idle_watch.h"
 
 #include <array>
+#include <cerrno>
+#include <sys/socket.h>
 
 namespace ftp {
 namespace {
 
 constexpr std::chrono::seconds keepAliveEvery { 60 };
+
+/// Whether something is there to be read, the end of the line included. A wait may end without: the
+/// reactor can still hold the news of bytes that were read long ago.
+bool hasNews(asio::ip::tcp::socket &socket)
+{
+    char byte = 0;
+    const ssize_t count = ::recv(socket.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    return count >= 0 || (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR);
+}
 
 } // namespace
 
@@ -28,8 +39,10 @@ Awaitable<void> IdleWatch::stop()
         co_return;
     }
     m_stopping = true;
-    std::error_code ignored; // a socket that cannot be cancelled has nobody waiting
-    m_session.line().stream().socket().cancel(ignored);
+    if (!m_asking) { // a keep-alive's reply must be read, or the next command would take it for its own
+        std::error_code ignored; // a socket that cannot be cancelled has nobody waiting
+        m_session.line().stream().socket().cancel(ignored);
+    }
     Status ended = co_await m_task->join();
     ignoreError(ended, "its only news, a lost line, was told already");
     m_task.reset();
@@ -41,7 +54,9 @@ Awaitable<Status> IdleWatch::keepAlive()
     static constexpr std::array commands { "NOOP", "PWD", "NOOP", "TYPE I" };
     const std::string command = commands[static_cast<std::size_t>(m_turn++) % commands.size()];
     m_session.dialogue().setMuted(true);
+    m_asking = true;
     auto answer = co_await m_session.ask(command);
+    m_asking = false;
     m_session.dialogue().setMuted(false);
     if (answer && command == "TYPE I" && answer->done()) {
         m_session.rememberType(Type::Binary);
@@ -68,8 +83,12 @@ Awaitable<Status> IdleWatch::watch()
         if (m_stopping || !m_session.usable()) {
             co_return Status {};
         }
+        if (!*elapsed && !hasNews(socket)) {
+            continue;
+        }
         Status alive;
-        if (*elapsed) {
+        const bool asked = *elapsed;
+        if (asked) {
             alive = co_await keepAlive();
         } else {
             // Unasked: a farewell (421), the end of the line, or TLS tickets without any reply.
@@ -78,6 +97,9 @@ Awaitable<Status> IdleWatch::watch()
                 said = Reply {};
             }
             alive = said ? Status {} : Status(tl::unexpected(said.error()));
+        }
+        if (!alive && m_stopping && !asked) {
+            co_return Status {}; // the reading was ended by stop(); a lost line shows in the next command
         }
         if (!alive) {
             m_session.markBroken();

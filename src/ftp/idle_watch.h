@@ -27,6 +27,7 @@ private:
     std::unique_ptr<SideTask> m_task;
     asio::steady_timer m_timer;
     bool m_stopping = false;
+    bool m_asking = false; ///< a keep-alive waits for its reply
     int m_turn = 0;
 };
 
