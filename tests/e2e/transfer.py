@@ -23,7 +23,7 @@ def files_below(path):
             for p in [path, *path.rglob("*")]}
 
 
-def missing(source, target, names):
+def differences(source, target, names):
     """What of the names in folder source is not in folder target with the same bytes."""
     found = []
     for name in names:
@@ -56,12 +56,16 @@ def log_in(program):
     program.wait("the end of the message", lambda: program.box() is None)
 
 
-def transfer(program, view, names, button, arrived):
+def transfer(program, view, names, button, missing):
     """Marks rows, presses a transfer button, waits for the bytes and for the window to be idle."""
     program.select(view, names)
     rows_before = len(program.rows("lvwStatus"))
     program.click(button)
-    program.wait(f"{names} to arrive", lambda: not arrived())
+    try:
+        program.wait(f"{names} to arrive", lambda: not missing())
+    except DriverError as error:
+        raise DriverError(f"{error}\nstill missing or different: {missing()}\n"
+                          f"queue: {program.rows('lvwStatus')}") from None
     program.wait("the queue's rows",
                  lambda: len(program.rows("lvwStatus")) >= rows_before + len(names))
     program.wait("an idle window", lambda: program.enabled(button) and program.enabled("cmbRemoteDir"))
@@ -94,16 +98,18 @@ def run(arguments, folder, display):
                          lambda: set(DOWNLOADS) <= set(program.names("lvwRemote")))
             program.grab(output / "before.png", "frm_tarvelo")
             transfer(program, "lvwLocal", UPLOADS, "cmd_upload",
-                     lambda: missing(local, space, UPLOADS))
+                     lambda: differences(local, space, UPLOADS))
             program.wait("the new listing", lambda: set(UPLOADS) <= set(program.names("lvwRemote")))
             transfer(program, "lvwRemote", DOWNLOADS, "cmd_download",
-                     lambda: missing(space, local, DOWNLOADS))
+                     lambda: differences(space, local, DOWNLOADS))
             program.wait("the new listing", lambda: set(DOWNLOADS) <= set(program.names("lvwLocal")))
             program.grab(output / "after.png", "frm_tarvelo")
         except DriverError:
             with contextlib.suppress(DriverError):
                 program.grab(output / "failed.png")
-                print("log:", program.text("txtLog"), file=sys.stderr)
+                print("Log of the program:", program.text("txtLog"), sep="\n", file=sys.stderr)
+            print("Log of the server:", (folder / "server.log").read_text(), sep="\n",
+                  file=sys.stderr)
             raise
         program.close("frm_tarvelo")
         code = program.end()
