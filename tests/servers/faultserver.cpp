@@ -14,17 +14,17 @@ namespace servers {
 
 namespace {
 
-    Handle newEvent() { return Handle(eventfd(0, EFD_CLOEXEC)); }
+Handle newEvent() { return Handle(eventfd(0, EFD_CLOEXEC)); }
 
-    void raise(const Handle &event) { eventfd_write(event.get(), 1); }
+void raise(const Handle &event) { eventfd_write(event.get(), 1); }
 
-    std::string verbOf(const std::string &line)
-    {
-        std::string verb = line.substr(0, line.find(' '));
-        std::transform(verb.begin(), verb.end(), verb.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-        return verb;
-    }
+std::string verbOf(const std::string &line)
+{
+    std::string verb = line.substr(0, line.find(' '));
+    std::transform(verb.begin(), verb.end(), verb.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return verb;
+}
 
 } // namespace
 

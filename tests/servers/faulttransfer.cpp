@@ -14,23 +14,23 @@ namespace fs = std::filesystem;
 
 namespace {
 
-    constexpr std::size_t blockSize = 65536;
+constexpr std::size_t blockSize = 65536;
 
-    std::string withCarriageReturns(const std::string &text)
-    {
-        std::string result;
-        for (const char c : text) {
-            result += c == '\n' ? "\r\n" : std::string(1, c);
-        }
-        return result;
+std::string withCarriageReturns(const std::string &text)
+{
+    std::string result;
+    for (const char c : text) {
+        result += c == '\n' ? "\r\n" : std::string(1, c);
     }
+    return result;
+}
 
-    void removeCarriageReturns(std::string &text)
-    {
-        for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) {
-            text.erase(at, 1);
-        }
+void removeCarriageReturns(std::string &text)
+{
+    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) {
+        text.erase(at, 1);
     }
+}
 
 } // namespace
 

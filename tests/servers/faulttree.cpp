@@ -12,50 +12,50 @@ namespace fs = std::filesystem;
 
 namespace {
 
-    std::string timeText(std::time_t time, const char *format)
-    {
-        std::tm parts {};
-        gmtime_r(&time, &parts);
-        char text[64];
-        return { text, std::strftime(text, sizeof(text), format, &parts) };
-    }
+std::string timeText(std::time_t time, const char *format)
+{
+    std::tm parts {};
+    gmtime_r(&time, &parts);
+    char text[64];
+    return { text, std::strftime(text, sizeof(text), format, &parts) };
+}
 
-    std::string modeText(mode_t mode)
-    {
-        std::string text = S_ISDIR(mode) ? "d" : S_ISLNK(mode) ? "l" : "-";
-        for (int bit = 8; bit >= 0; --bit) {
-            text += (mode >> bit & 1) != 0 ? "xwr"[bit % 3] : '-';
-        }
-        return text;
+std::string modeText(mode_t mode)
+{
+    std::string text = S_ISDIR(mode) ? "d" : S_ISLNK(mode) ? "l" : "-";
+    for (int bit = 8; bit >= 0; --bit) {
+        text += (mode >> bit & 1) != 0 ? "xwr"[bit % 3] : '-';
     }
+    return text;
+}
 
-    std::string longLine(const fs::path &path, const std::string &name, const struct stat &info)
-    {
-        const bool old = std::time(nullptr) - info.st_mtime > 180L * 24 * 3600;
-        char text[128];
-        std::snprintf(text, sizeof(text), "%s %3lu web      web      %12lld %s ",
-                      modeText(info.st_mode).c_str(), static_cast<unsigned long>(info.st_nlink),
-                      static_cast<long long>(info.st_size),
-                      timeText(info.st_mtime, old ? "%b %e  %Y" : "%b %e %H:%M").c_str());
-        std::string line = text + name;
-        if (S_ISLNK(info.st_mode)) {
-            line += " -> " + fs::read_symlink(path).string();
-        }
-        return line + "\r\n";
+std::string longLine(const fs::path &path, const std::string &name, const struct stat &info)
+{
+    const bool old = std::time(nullptr) - info.st_mtime > 180L * 24 * 3600;
+    char text[128];
+    std::snprintf(text, sizeof(text), "%s %3lu web      web      %12lld %s ",
+                  modeText(info.st_mode).c_str(), static_cast<unsigned long>(info.st_nlink),
+                  static_cast<long long>(info.st_size),
+                  timeText(info.st_mtime, old ? "%b %e  %Y" : "%b %e %H:%M").c_str());
+    std::string line = text + name;
+    if (S_ISLNK(info.st_mode)) {
+        line += " -> " + fs::read_symlink(path).string();
     }
+    return line + "\r\n";
+}
 
-    std::string facts(const std::string &name, const struct stat &info)
-    {
-        char text[128];
-        std::snprintf(text, sizeof(text), "type=%s;size=%lld;modify=%s;UNIX.mode=0%o; ",
-                      S_ISDIR(info.st_mode)       ? "dir"
-                          : S_ISLNK(info.st_mode) ? "OS.unix=symlink"
-                                                  : "file",
-                      static_cast<long long>(info.st_size),
-                      timeText(info.st_mtime, "%Y%m%d%H%M%S").c_str(),
-                      static_cast<unsigned>(info.st_mode & 07777));
-        return text + name + "\r\n";
-    }
+std::string facts(const std::string &name, const struct stat &info)
+{
+    char text[128];
+    std::snprintf(text, sizeof(text), "type=%s;size=%lld;modify=%s;UNIX.mode=0%o; ",
+                  S_ISDIR(info.st_mode)       ? "dir"
+                      : S_ISLNK(info.st_mode) ? "OS.unix=symlink"
+                                              : "file",
+                  static_cast<long long>(info.st_size),
+                  timeText(info.st_mtime, "%Y%m%d%H%M%S").c_str(),
+                  static_cast<unsigned>(info.st_mode & 07777));
+    return text + name + "\r\n";
+}
 
 } // namespace
 
