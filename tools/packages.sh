@@ -5,7 +5,7 @@
 
 # To build the program.
 PACKAGES_BUILD=(g++ cmake ninja-build ccache pkg-config
-    qt6-base-dev qt6-svg-dev qt6-l10n-tools qt6-translations-l10n
+    qt6-base-dev qt6-svg-dev qt6-translations-l10n
     libgl1-mesa-dev libasio-dev libssl-dev libexpected-dev)
 
 # To run it, also without a display, and to serve a sample web space.
