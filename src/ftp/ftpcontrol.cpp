@@ -55,6 +55,7 @@ struct FtpControl::Private {
     /// Runs an operation on the engine's thread while this one keeps handling events.
     template <class T, class Work> FtpResult<T> run(int code, Work work);
     FtpStatus simple(int code, std::function<Awaitable<ftp::Status>(Client &)> work);
+    void tellReason(int code, const ftp::Error &error);
     template <class T> void finish(const std::shared_ptr<Client> &used, const Outcome<T> &outcome);
     void setState(int value);
     void lost(const Client *which);
@@ -116,8 +117,11 @@ template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, W
         q->close();
         return failure(ErrorKind::Aborted, "Aborted");
     }
-    finish(used, *waiting->outcome);
     auto &result = waiting->outcome->result;
+    if (!result) {
+        tellReason(code, result.error());
+    }
+    finish(used, *waiting->outcome);
     if (!result) {
         return tl::unexpected<FtpError>(ftpError(result.error()));
     }
@@ -125,6 +129,15 @@ template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, W
         return {};
     } else {
         return std::move(*result);
+    }
+}
+
+/// A failure that no reply of the server has told about: the log shall say why. The callers of
+/// connect and logout explain their failures themselves, and who aborts knows.
+void FtpControl::Private::tellReason(int code, const ftp::Error &error)
+{
+    if (error.replyCode == 0 && error.kind != ErrorKind::Aborted && code != OpConnect && code != OpLogout) {
+        Q_EMIT q->replyEvent({ code, FtpEvent::Failed, ftpError(error).text + QStringLiteral("\r\n"), 0, 0 });
     }
 }
 
