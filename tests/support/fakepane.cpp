@@ -1,8 +1,8 @@
 #include "support/fakepane.h"
 
 #include "common/mo_standard.h"
+#include "ftp/ftpoperations.h"
 #include "remote/itemkind.h"
-#include "support/fakeftp.h"
 
 #include <QDir>
 
@@ -37,7 +37,7 @@ FakePane::Lister FakePane::disk()
     };
 }
 
-FakePane::Lister FakePane::server(FakeFtp &ftp)
+FakePane::Lister FakePane::server(FtpOperations &ftp)
 {
     return [&ftp](const QString &folder) {
         if (withSeparator(ftp.currentFolder(), u'/') != withSeparator(folder, u'/')) {

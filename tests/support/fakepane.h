@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <functional>
 
-class FakeFtp;
+class FtpOperations;
 
 /// A pane without a widget: selection and current row are plain members, and listing a folder asks
 /// a function for the rows. Notes the calls as "list folder", "text folder", "remember folder",
@@ -19,8 +19,8 @@ public:
 
     /// Rows of the disk: folders, then files.
     [[nodiscard]] static Lister disk();
-    /// Rows of a fake server; changes its folder as the real pane does.
-    [[nodiscard]] static Lister server(FakeFtp &ftp);
+    /// Rows of a server; changes its folder as the real pane does.
+    [[nodiscard]] static Lister server(FtpOperations &ftp);
 
     /// Lists a folder, shows it in the box and forgets the calls so far.
     void show(const QString &folder);
