@@ -12,8 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int CountLimit = 30; // milliseconds that the question may be late
-
 QString labelOf(const MarkedItem &item)
 {
     return (ItemKind::isFolderLike(item.kind) ? u"Ordner: "_s : u"Datei: "_s) + item.name;
@@ -106,7 +104,7 @@ QString DeleteCommand::localDetails(const MarkedItemList &items) const
         if (item.kind != ItemKind::FolderClose) {
             continue;
         }
-        const auto inside = countLocalTree(pathOf(item, LocalSeparator), CountLimit);
+        const auto inside = countLocalTree(pathOf(item, LocalSeparator), m_countLimit);
         if (!inside) {
             return {};
         }

@@ -19,6 +19,9 @@ public:
     /// Works on the local pane; not while the session is busy. The window lives meanwhile.
     void DeleteLocalItems();
 
+    /// How long the question may be late because the content of local folders is counted for it.
+    void setCountLimit(int milliseconds) { m_countLimit = milliseconds; }
+
     /// Whether a deletion is under way.
     [[nodiscard]] bool isRunning() const { return m_running; }
     /// Ends a running local deletion before its next step, for example when the window closes.
@@ -38,6 +41,7 @@ private:
     void refuse(Pane &pane, const MarkedItem &item, const QString &reason);
 
     Workplace m_work;
+    int m_countLimit = 30;
     bool m_running = false;
     std::atomic_bool m_stop = false;
 };

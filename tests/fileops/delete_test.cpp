@@ -10,6 +10,8 @@ using namespace Qt::StringLiterals;
 
 class DeleteTest : public Workbench {
 protected:
+    DeleteTest() { command.setCountLimit(60000); }
+
     void expectQuestion(int count, bool answer, const QString &details = {})
     {
         prompts.expectConfirm(
@@ -223,6 +225,14 @@ TEST_F(DeleteTest, ALocalFolderGoesAsATree)
     EXPECT_EQ(queueRow(0).value(1), disk(u"ordner"_s));
 }
 
+TEST_F(DeleteTest, ATreeThatTakesTooLongToCountIsAskedAboutAllTheSame)
+{
+    writeLocal(u"ordner/a"_s, "x");
+    command.setCountLimit(-1);
+    deleteLocal({ u"ordner"_s }, {});
+    EXPECT_FALSE(onDisk(u"ordner"_s));
+}
+
 TEST_F(DeleteTest, ALocalLinkToAFolderIsRemovedAsALink)
 {
     writeLocal(u"aussen/wichtig"_s, "x");
@@ -236,8 +246,8 @@ TEST_F(DeleteTest, ALocalLinkToAFolderIsRemovedAsALink)
 
 TEST_F(DeleteTest, TheWindowLivesWhileALocalTreeGoes)
 {
-    for (int number = 0; number < 2000; ++number) {
-        writeLocal(u"ordner/%1/datei%2"_s.arg(number % 50).arg(number), "x");
+    for (int number = 0; number < 400; ++number) {
+        writeLocal(u"ordner/%1/datei%2"_s.arg(number % 20).arg(number), "x");
     }
     int ticks = 0;
     QTimer timer;
@@ -248,7 +258,7 @@ TEST_F(DeleteTest, TheWindowLivesWhileALocalTreeGoes)
     timer.start(0);
     showBoth();
     local.select({ u"ordner"_s });
-    expectQuestion(1, true, u"In den Ordnern: 2000 Dateien und 50 Ordner."_s);
+    expectQuestion(1, true, u"In den Ordnern: 400 Dateien und 20 Ordner."_s);
     command.DeleteLocalItems();
     EXPECT_GT(ticks, 0);
     EXPECT_FALSE(onDisk(u"ordner"_s));
