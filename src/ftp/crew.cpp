@@ -10,7 +10,8 @@ namespace ftp {
 namespace {
 
 /// Pauses before a lost connection is made again.
-constexpr std::array pauses { std::chrono::seconds(1), std::chrono::seconds(2), std::chrono::seconds(4) };
+constexpr std::array pauses { std::chrono::milliseconds(100), std::chrono::milliseconds(2000),
+                              std::chrono::milliseconds(5000) };
 
 bool hopeless(ErrorKind kind)
 {
@@ -22,6 +23,7 @@ bool hopeless(ErrorKind kind)
 Crew::Crew(Client &client, Worker worker)
     : m_client(client)
     , m_worker(std::move(worker))
+    , m_home(client.session().folder())
     , m_news(client.session().executor())
     , m_progress(client.session().hooks().progress)
     , m_meter([this](std::int64_t bytes) {
@@ -134,7 +136,6 @@ Awaitable<void> Crew::join(std::shared_ptr<Session> session)
 Awaitable<Status> Crew::reopen()
 {
     Status opened = fail(ErrorKind::ConnectionClosed, "Connection closed by server");
-    const std::string folder = m_client.session().folder();
     for (const auto pause : pauses) {
         asio::steady_timer timer(m_client.session().executor(), pause);
         std::error_code error;
@@ -144,10 +145,18 @@ Awaitable<Status> Crew::reopen()
         }
         opened = co_await m_client.session().open();
         if (opened) {
-            co_return co_await m_client.session().changeFolder(folder);
+            co_return co_await m_client.session().changeFolder(m_home);
         }
     }
     co_return opened;
+}
+
+Awaitable<void> Crew::returnHome()
+{
+    if (m_client.session().usable()) {
+        Status back = co_await m_client.session().changeFolder(m_home);
+        ignoreError(back, "the folder may be one of those that went");
+    }
 }
 
 Awaitable<void> Crew::workAlone()

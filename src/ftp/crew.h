@@ -23,6 +23,9 @@ public:
     /// Works until everything is done. @return the first failure
     Awaitable<Status> run();
 
+    /// Brings the client's session back to its folder, which its worker has left.
+    Awaitable<void> returnHome();
+
     /// A job came in; another session may join for it.
     void jobAdded();
     /// A job is done or was given up; everything is done when none is left.
@@ -50,6 +53,7 @@ private:
 
     Client &m_client;
     Worker m_worker;
+    std::string m_home; ///< folder of the client's session at the start
     asio::steady_timer m_news; ///< cancelled when something changes
     std::optional<Error> m_firstError;
     std::function<void(std::int64_t, std::int64_t)> m_progress;

@@ -20,12 +20,17 @@ Awaitable<Result<std::string>> fetchText(Session &session, std::string command)
     if (session.type() != Type::Ascii) {
         commands.emplace_back("TYPE A");
     }
+    if (command == "MLSD" && !session.factsChosen) {
+        // Not every server sends the permissions unless asked for them (RFC 3659, section 7.9).
+        commands.emplace_back("OPTS MLST type;size;modify;UNIX.mode;");
+        session.factsChosen = true;
+    }
     commands.push_back(*wanted);
     auto replies = co_await session.askAll(commands);
     if (!replies) {
         co_return tl::unexpected(replies.error());
     }
-    if (replies->size() == 2 && replies->front().done()) {
+    if (session.type() != Type::Ascii && replies->front().done()) {
         session.rememberType(Type::Ascii);
     }
     Status begun = co_await data.beginOrOpen(std::move(replies->back()));

@@ -49,6 +49,9 @@ std::optional<std::int64_t> readSize(Text text)
 int readOctal(Text text)
 {
     unsigned value = 0;
+    if (text.starts_with("0o")) { // as pyftpdlib writes it
+        text.remove_prefix(2);
+    }
     for (const char c : text) {
         if (c < '0' || c > '7') {
             return -1;

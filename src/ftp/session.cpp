@@ -91,6 +91,7 @@ Awaitable<Status> Session::openOnce()
     m_usable = false;
     m_encrypted = false;
     m_type = Type::Unknown;
+    dataProven = factsChosen = false;
     auto stream = std::make_unique<Stream>(m_executor);
     Stream &connection = *stream;
     m_line = std::make_unique<TcpControlLine>(std::move(stream), m_login.timeout, m_knowledge->packets);
@@ -111,6 +112,9 @@ Awaitable<Status> Session::openOnce()
     m_greeting = greeting->text();
     if (knownToStumble(m_greeting)) {
         m_knowledge->noPipelining = true;
+    }
+    if (m_greeting.find("pyftpdlib") != std::string::npos) {
+        m_knowledge->noLookAhead = true;
     }
     const bool unescaped = m_greeting.find("vsFTPd") != std::string::npos || m_greeting.find("Pure-FTPd") != std::string::npos;
     m_line->setDoubleTelnetIac(!unescaped);

@@ -51,6 +51,8 @@ struct ServerKnowledge {
     TrustStore trust;
     std::string trustedOnce; ///< fingerprint accepted for this run of the session
     bool noPipelining = false; ///< stumbled over several commands at a time, or is known to
+    /// Carries out commands while a transfer still runs, so that none may be sent ahead of its end.
+    bool noLookAhead = false;
     bool noExtendedPassive = false, noPassive = false;
     bool noSize = false, noModificationTime = false, noSetTime = false;
     bool plainListOnly = false; ///< "LIST -a" was refused or gave nothing
@@ -112,9 +114,13 @@ public:
     [[nodiscard]] bool encrypted() const { return m_encrypted; }
     [[nodiscard]] TlsContext &tls() { return m_tls; }
     [[nodiscard]] bool pipelining() const { return !m_knowledge->noPipelining; }
+    /// Whether commands for the next transfer may follow a transfer command at once.
+    [[nodiscard]] bool lookAhead() const { return pipelining() && !m_knowledge->noLookAhead; }
     [[nodiscard]] Milliseconds timeout() const { return m_login.timeout; }
     /// A passive data connection stood once, so that the next may be trusted to.
     bool dataProven = false;
+    /// The facts of machine listings were chosen.
+    bool factsChosen = false;
     /// Where to count transferred bytes to in transfers that run beside others.
     void setProgressHook(std::function<void(std::int64_t, std::int64_t)> hook) { m_hooks.progress = std::move(hook); }
     void setReplyHook(std::function<void(const Reply &)> hook) { m_hooks.reply = std::move(hook); }

@@ -117,7 +117,9 @@ SslPointer TlsContext::newConnection(int socket, const std::string &host, SSL_SE
                  const_cast<char *>(host.c_str()));
     }
     if (reuse != nullptr) {
-        SSL_set_session(ssl.get(), reuse);
+        // A copy: a connection that ends badly spoils the session that it used.
+        const SslSessionPointer copy(SSL_SESSION_dup(reuse));
+        SSL_set_session(ssl.get(), copy.get());
     }
     return ssl;
 }

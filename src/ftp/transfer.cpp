@@ -13,6 +13,12 @@ constexpr std::size_t blockSize = 256 * 1024;
 constexpr std::size_t fairShare = 4 * 1024 * 1024;
 constexpr std::chrono::milliseconds reportEvery { 33 };
 
+/// Codes that never end a transfer.
+bool isForeign(int code)
+{
+    return code == 211 || code == 213 || code == 227 || code == 229 || code == 257;
+}
+
 } // namespace
 
 void ProgressMeter::tell(std::int64_t bytes)
@@ -113,6 +119,10 @@ Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status 
     if (!answer) {
         session.markBroken();
         co_return tl::unexpected(broken || answer.error().replyCode != 0 ? answer.error() : broken.error());
+    }
+    if (answer->done() && isForeign(answer->code)) {
+        session.markBroken(); // the answer to a later command: the server did not keep the order
+        co_return fail(ErrorKind::Protocol, "The server answered out of order (" + answer->text() + ")");
     }
     if (!answer->done()) {
         const bool ours = !broken && broken.error().kind != ErrorKind::ConnectionClosed;

@@ -59,7 +59,11 @@ public:
         Job job;
         job.folder = std::move(top);
         add(std::move(job));
-        co_return co_await m_crew.run();
+        Status fetched = co_await m_crew.run();
+        if (!m_crew.client().session().features().mlst) {
+            co_await m_crew.returnHome(); // LIST works in the current folder only
+        }
+        co_return fetched;
     }
 
 private:
@@ -215,7 +219,7 @@ Awaitable<Status> TreeGetter::flow(Session &session, Flow &current, std::optiona
         current.data->abort();
         co_return Status {};
     }
-    if (session.pipelining()) {
+    if (session.lookAhead()) {
         if (auto job = take()) {
             next.emplace();
             next->job = std::move(*job);
@@ -465,8 +469,9 @@ Awaitable<Status> TreeGetter::work(Session &session)
         }
         if (!step) {
             const bool usable = session.usable() && step.error().kind == ErrorKind::Truncated;
-            if (step.error().kind == ErrorKind::Timeout || step.error().kind == ErrorKind::Protocol) {
-                session.knowledge().noPipelining = true; // perhaps it was that
+            if (next && step.error().kind != ErrorKind::Aborted) {
+                session.knowledge().noLookAhead = true; // perhaps it was that, so it costs no try
+                --current->job.tries;
             }
             giveBack(std::move(current->job), step.error());
             if (!usable) {

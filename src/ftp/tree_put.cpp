@@ -302,7 +302,7 @@ Awaitable<Status> TreePutter::flow(Session &session, Flow &current, std::optiona
         co_return Status {};
     }
     std::size_t behind = 0;
-    if (session.pipelining()) {
+    if (session.lookAhead()) {
         behind = queueChecks(session, current.job, file);
         if (auto job = take()) {
             next.emplace();
@@ -359,6 +359,8 @@ Awaitable<Status> TreePutter::send(Session &session, Flow &current, OutgoingFile
     }
     if (finished) {
         m_crew.jobDone();
+    } else if (finished.error().kind == ErrorKind::Truncated && ++job.tries < mostTries) {
+        m_jobs.push_front(std::move(job));
     } else {
         refuse(job, finished.error());
     }
@@ -437,10 +439,11 @@ Awaitable<Status> TreePutter::work(Session &session)
             }
         }
         if (!step) {
-            if (step.error().kind == ErrorKind::Timeout || step.error().kind == ErrorKind::Protocol) {
-                session.knowledge().noPipelining = true; // perhaps it was that
-            }
             if (next) { // not begun
+                if (step.error().kind != ErrorKind::Aborted) {
+                    session.knowledge().noLookAhead = true; // perhaps it was that, so it costs no try
+                    --current->job.tries;
+                }
                 m_jobs.push_front(std::move(next->job));
             }
             if (++current->job.tries >= mostTries || step.error().kind == ErrorKind::Aborted) {

@@ -45,14 +45,10 @@ public:
         if (!top->path.starts_with('/')) {
             top->path = joinPath(client.session().folder(), top->path);
         }
-        m_home = client.session().folder();
         m_top = top;
         add(top);
         Status removed = co_await m_crew.run();
-        if (client.session().usable() && client.session().folder() != m_home) {
-            Status back = co_await client.session().changeFolder(m_home);
-            ignoreError(back, "the folder may be one of those that went");
-        }
+        co_await m_crew.returnHome();
         co_return removed;
     }
 
@@ -77,7 +73,6 @@ private:
     Crew m_crew;
     std::vector<DoomedPointer> m_jobs;
     DoomedPointer m_top;
-    std::string m_home;
     bool m_keepTop = false;
 };
 

@@ -248,6 +248,6 @@ TEST_P(RealServers, WorksInActiveMode)
     ASSERT_TRUE(put) << put.error().text;
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, RealServers, testing::ValuesIn(allWays()), [](const auto &info) {
-    return servers::name(info.param.kind) + (info.param.tls ? "_tls" : "_plain");
+INSTANTIATE_TEST_SUITE_P(Ways, RealServers, testing::ValuesIn(allWays()), [](const auto &one) {
+    return servers::name(one.param.kind) + (one.param.tls ? "_tls" : "_plain");
 });
