@@ -1,7 +1,6 @@
 #include "ftp/engine_thread.h"
 
 #include <asio/executor_work_guard.hpp>
-#include <csignal>
 #include <thread>
 
 namespace ftp {
@@ -10,7 +9,6 @@ asio::any_io_executor EngineThread::executor()
 {
     static asio::io_context *const context = [] {
         auto *created = new asio::io_context(1); // lives as long as the process
-        std::signal(SIGPIPE, SIG_IGN); // broken lines are reported by the calls themselves
         std::thread([created] {
             const auto work = asio::make_work_guard(*created);
             created->run();

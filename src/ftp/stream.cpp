@@ -3,6 +3,7 @@
 #include <asio/redirect_error.hpp>
 #include <asio/use_awaitable.hpp>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <openssl/err.h>
 #include <sys/sendfile.h>
@@ -90,6 +91,9 @@ Stream::Stream(const asio::any_io_executor &executor)
     , m_readLimit(executor, m_socket)
     , m_writeLimit(executor, m_socket)
 {
+    // Broken lines are reported by the calls themselves; sendfile and OpenSSL know no other way to
+    // be quiet about it.
+    [[maybe_unused]] static const auto before = std::signal(SIGPIPE, SIG_IGN);
 }
 
 Stream::~Stream() = default;
