@@ -2,6 +2,7 @@
 
 #include "common/codepage.h"
 
+#include <QFile>
 #include <QSaveFile>
 
 #include <limits>
