@@ -7,6 +7,13 @@ target_compile_options(build_flags INTERFACE
 target_compile_definitions(build_flags INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_STRICT_ITERATORS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 
+# What a release does about mistakes that were not found: it reads what servers send.
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(build_flags INTERFACE -fstack-protector-strong)
+  target_compile_definitions(build_flags INTERFACE _FORTIFY_SOURCE=2)
+  target_link_options(build_flags INTERFACE -Wl,-z,relro,-z,now)
+endif()
+
 if(SANITIZE)
   target_compile_options(build_flags INTERFACE
     -fsanitize=${SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

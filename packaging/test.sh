@@ -14,14 +14,14 @@ fail() { printf 'FAILED: %s\n' "$*" >&2; exit 1; }
 
 step "Build the package"
 cmake --preset release >/dev/null
-cmake --build --preset release
+nice cmake --build --preset release --parallel "${TARVELO_JOBS:-$(nproc)}"
 (cd "$build" && rm -f ./*.deb && cpack >/dev/null)
 package=$(echo "$build"/tarvelo-ftp_*.deb)
 [ -f "$package" ] || fail "no package"
 dpkg-deb --info "$package"
 
 step "Check its contents"
-lintian --fail-on error,warning --suppress-tags-from-file packaging/lintian-accepted "$package"
+lintian --allow-root --fail-on error,warning "$package"
 desktop-file-validate packaging/tarvelo-ftp.desktop
 appstreamcli validate --no-net packaging/tarvelo-ftp.metainfo.xml
 for page in packaging/man/tarvelo-ftp.1 packaging/man/de/tarvelo-ftp.1; do
@@ -35,15 +35,17 @@ cleanup() { rm -rf "$alone"; }
 trap cleanup EXIT
 dpkg-deb --extract "$package" "$alone/root"
 cp "$alone/root/usr/bin/tarvelo-ftp" "$alone/"
-# Runs a command and expects that it is still running after three seconds without a word on the console.
+# Runs a command and expects that it is still running after seven seconds, when the info screen has made
+# way for the main window, and has said nothing. Qt's offscreen platform says what it cannot do.
 stays_up() {
-    local log=$alone/log code=0
-    timeout --signal=TERM 3 "$@" >"$log" 2>&1 || code=$?
+    local log=$alone/log code=0 words
+    timeout 7 "$@" >"$log" 2>&1 || code=$?
     [ "$code" = 124 ] || fail "$* ended with $code: $(cat "$log")"
-    [ ! -s "$log" ] || fail "$* complained: $(cat "$log")"
+    words=$(grep -v '^This plugin does not support' "$log" || true)
+    [ -z "$words" ] || fail "$* complained: $words"
 }
 own=(env -i PATH=/usr/bin LANG=C.UTF-8 HOME="$alone/home" TEMP="$alone" XDG_RUNTIME_DIR="$alone/run"
-     QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES='qt.qpa.*=false')
+     QT_QPA_PLATFORM=offscreen)
 mkdir -m 700 "$alone/home" "$alone/run"
 stays_up "${own[@]}" "$alone/tarvelo-ftp"
 [ "$("${own[@]}" "$alone/tarvelo-ftp" --version)" = "Tarvelo FTP 2.20" ] || fail "--version"
@@ -56,7 +58,7 @@ fi
 
 step "Install it on a clean Debian"
 root=$alone/debian
-cleanup() { umount -q "$root/proc" || true; rm -rf "$alone"; }
+cleanup() { umount -ql "$root/proc" || true; rm -rf "$alone"; }
 mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' | head -1)
 debootstrap --variant=minbase bookworm "$root" "${mirror:?no package source is configured}" >"$alone/debootstrap.log" \
     || { tail "$alone/debootstrap.log"; fail "debootstrap"; }
@@ -72,10 +74,10 @@ step "Start it there, as a user"
 inside useradd --create-home anna
 as_anna=(inside su anna -c)
 [ "$("${as_anna[@]}" "tarvelo-ftp --version")" = "Tarvelo FTP 2.20" ] || fail "--version"
-start="XDG_RUNTIME_DIR=/tmp/anna QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES='qt.qpa.*=false'"
+start="XDG_RUNTIME_DIR=/tmp/anna QT_QPA_PLATFORM=offscreen"
 inside install -d -o anna -m 700 /tmp/anna
-stays_up "${as_anna[@]}" "$start timeout 10 tarvelo-ftp"
-stays_up "${as_anna[@]}" "$start timeout 10 tarvelo-ftp ftp://anna@server.example/html/"
+stays_up "${as_anna[@]}" "$start exec timeout 10 tarvelo-ftp"
+stays_up "${as_anna[@]}" "$start exec timeout 10 tarvelo-ftp ftp://anna@server.example/html/"
 
 step "Remove it"
 inside apt-get -q -y purge tarvelo-ftp >"$alone/apt.log" 2>&1 || { tail -20 "$alone/apt.log"; fail "purge"; }
