@@ -46,10 +46,10 @@ class FtpServer:
     user = "web01"
     password = "geheim"
 
-    def __init__(self, root, log):
+    def __init__(self, root, log, options=()):
         self._process = subprocess.Popen(
             ["/usr/bin/python3", str(HERE.parent / "servers" / "pyserver.py"), "--root", str(root),
-             "--user", self.user, "--password", self.password],
+             "--user", self.user, "--password", self.password, *options],
             stdout=subprocess.PIPE, stderr=open(log, "wb"), text=True)
         line = self._process.stdout.readline().split()
         if len(line) != 2:
@@ -68,7 +68,8 @@ class Program:
     """The program with the driver in it. Every method answers when the program has done it, or has
     put it into its event queue; `wait` waits for what follows."""
 
-    def __init__(self, program, driver, arguments, home, display=None, timeout=30):
+    def __init__(self, program, driver, arguments, home, display=None, timeout=30,
+                 variables=None):
         self._timeout = timeout
         self._buffer = b""
         self._files = contextlib.ExitStack()
@@ -88,6 +89,7 @@ class Program:
             environment["QT_QPA_PLATFORM"] = "xcb"
         else:
             environment["QT_QPA_PLATFORM"] = "offscreen"
+        environment.update(variables or {})
         self.log = home / "program.log"
         self.process = subprocess.Popen([str(program), *arguments], env=environment,
                                         stdin=subprocess.DEVNULL, stdout=open(self.log, "wb"),
