@@ -99,6 +99,11 @@ QString withSeparator(const QString &path, QChar separator)
     return path.endsWith(separator) ? path : path + separator;
 }
 
+QString withoutSeparator(const QString &path, QChar separator)
+{
+    return path.size() > 1 && path.endsWith(separator) ? path.chopped(1) : path;
+}
+
 QString NormalizeFolderPath(QString &path, QChar separator)
 {
     const qsizetype open = path.indexOf(u'[');
@@ -131,5 +136,6 @@ QString FormatSize(qint64 bytes)
     const double rounded = std::floor(size * 10.0 + 0.5) / 10.0; // half away from zero
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    return locale.toString(rounded, 'f', 1) + (mega ? QStringLiteral(" MB") : QStringLiteral(" KB"));
+    return locale.toString(rounded, 'f', 1)
+        + (mega ? QStringLiteral(" MB") : QStringLiteral(" KB"));
 }

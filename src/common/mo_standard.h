@@ -31,6 +31,9 @@ bool EnsureFolder(const QString &path, bool create, QChar separator = LocalSepar
 /// The path with a separator at its end; nothing else is changed. Empty becomes the separator.
 [[nodiscard]] QString withSeparator(const QString &path, QChar separator);
 
+/// The path without one separator at its end; "/" stays as it is, "D:\" becomes "D:".
+[[nodiscard]] QString withoutSeparator(const QString &path, QChar separator = LocalSeparator);
+
 /// Folder path of a folder box: drops a "[...]" annotation, trims blanks, adds the separator.
 /// Only for text from a folder box; derived paths are joined with withSeparator.
 QString NormalizeFolderPath(QString &path, QChar separator);

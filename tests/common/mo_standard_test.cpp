@@ -8,10 +8,7 @@
 #include <limits>
 
 namespace {
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
+QString text(const char *utf8) { return QString::fromUtf8(utf8); }
 } // namespace
 
 TEST(TrimBlanks, TrimsBlanksAndNothingElse)
@@ -103,4 +100,14 @@ TEST(FormatSize, KeepsTheGivenBounds)
     EXPECT_EQ(FormatSize(1048577), text("1,0 MB"));
     EXPECT_EQ(FormatSize(2147483647), text("2048,0 MB"));
     EXPECT_EQ(FormatSize(5368709120), text("5120,0 MB"));
+}
+
+TEST(MoStandard, OneSeparatorIsCutButTheRootStays)
+{
+    EXPECT_EQ(withoutSeparator(QStringLiteral("/home/anna/")), QStringLiteral("/home/anna"));
+    EXPECT_EQ(withoutSeparator(QStringLiteral("/home/anna")), QStringLiteral("/home/anna"));
+    EXPECT_EQ(withoutSeparator(QStringLiteral("/home//")), QStringLiteral("/home/"));
+    EXPECT_EQ(withoutSeparator(QStringLiteral("/")), QStringLiteral("/"));
+    EXPECT_EQ(withoutSeparator(QStringLiteral("D:\\"), u'\\'), QStringLiteral("D:"));
+    EXPECT_EQ(withoutSeparator(QString()), QString());
 }

@@ -1,0 +1,254 @@
+#include "dialogs/frm_einstellungen.h"
+
+#include "common/globals.h"
+#include "common/settingsstore.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int mostConnections = 10; ///< servers rarely allow more from one address
+
+template <class T> T *named(const QString &name, const QString &caption)
+{
+    auto *made = new T(caption);
+    made->setObjectName(name);
+    return made;
+}
+
+QPushButton *button(const QString &name, const QString &caption)
+{
+    auto *made = named<QPushButton>(name, caption);
+    made->setAutoDefault(false);
+    return made;
+}
+
+QLabel *labelFor(QWidget *field, const QString &text)
+{
+    auto *label = new QLabel(text);
+    label->setBuddy(field);
+    return label;
+}
+
+QVBoxLayout *columnOf(QWidget *tab)
+{
+    auto *column = new QVBoxLayout(tab);
+    column->setContentsMargins(12, 12, 12, 12);
+    column->setSpacing(6);
+    return column;
+}
+
+} // namespace
+
+frm_einstellungen::frm_einstellungen(const SettingsDialogServices &services, QWidget *parent)
+    : QDialog(parent)
+    , m_services(services)
+    , m_globals(services.globals)
+{
+    setObjectName(u"frm_einstellungen"_s);
+    setWindowTitle(u"Programmeinstellungen"_s);
+    setModal(true);
+    auto *tabs = new QTabWidget;
+    tabs->setObjectName(u"Tab1"_s);
+    tabs->addTab(logTab(), u"Logdatei"_s);
+    tabs->addTab(otherTab(), u"Sonstiges"_s);
+    tabs->addTab(securityTab(), u"Sicherheit"_s);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(12, 12, 12, 12);
+    column->setSpacing(12);
+    column->addWidget(tabs);
+    column->addLayout(buttonRow());
+    load();
+}
+
+QWidget *frm_einstellungen::logTab()
+{
+    m_tx_logfolder = new QLineEdit;
+    m_tx_logfolder->setObjectName(u"tx_logfolder"_s);
+    m_tx_logfolder->setMinimumWidth(m_tx_logfolder->fontMetrics().averageCharWidth() * 50);
+    m_chk_logname
+        = named<QCheckBox>(u"chk_logname"_s, u"Namen für die Logdateien automatisch vergeben."_s);
+    auto *pick = button(u"cmd_ordner_log"_s, u"..."_s);
+    pick->setToolTip(u"Ordner wählen"_s);
+    pick->setAccessibleName(pick->toolTip());
+    pick->setFixedWidth(pick->fontMetrics().horizontalAdvance(u"..."_s) + 24);
+    auto *standard = button(u"cmd_ordner_log_def"_s, u"Standard Ordner"_s);
+    connect(pick, &QPushButton::clicked, this, &frm_einstellungen::browse);
+    connect(standard, &QPushButton::clicked, this,
+            [this] { m_tx_logfolder->setText(m_globals.folders.profiles); });
+
+    auto *tab = new QWidget;
+    auto *line = new QHBoxLayout;
+    line->setSpacing(6);
+    line->addWidget(m_tx_logfolder);
+    line->addWidget(pick);
+    QVBoxLayout *column = columnOf(tab);
+    column->addWidget(
+        labelFor(m_tx_logfolder, u"&Ordner in dem die LOG-Dateien gespeichert werden."_s));
+    column->addLayout(line);
+    column->addWidget(standard, 0, Qt::AlignLeft);
+    column->addSpacing(6);
+    column->addWidget(m_chk_logname);
+    column->addStretch();
+    return tab;
+}
+
+QWidget *frm_einstellungen::otherTab()
+{
+    m_op_fehlermeldungen_0
+        = named<QRadioButton>(u"op_fehlermeldungen_0"_s, u"Fehlermeldungen (Deutsch)"_s);
+    m_op_fehlermeldungen_1 = named<QRadioButton>(u"op_fehlermeldungen_1"_s,
+                                                 u"Detailierte Fehlermeldungen (Englisch)"_s);
+    m_chk_hidden
+        = named<QCheckBox>(u"chk_hidden"_s, u"Versteckte-Dateien und System-Dateien anzeigen"_s);
+    auto *tab = new QWidget;
+    QVBoxLayout *column = columnOf(tab);
+    column->addWidget(m_op_fehlermeldungen_0);
+    column->addWidget(m_op_fehlermeldungen_1);
+    column->addSpacing(6);
+    column->addWidget(m_chk_hidden);
+    column->addStretch();
+    return tab;
+}
+
+QWidget *frm_einstellungen::securityTab()
+{
+    m_cbo_verschluesselung = new QComboBox;
+    m_cbo_verschluesselung->setObjectName(u"cbo_verschluesselung"_s);
+    m_cbo_verschluesselung->addItems({ u"Automatisch"_s, u"Immer"_s, u"Nie"_s });
+    m_cbo_verschluesselung->setToolTip(
+        u"Automatisch: verschlüsselt, wenn der Server es kann. Immer: nie ohne. "
+        "Nie: alles, auch das Passwort, geht lesbar über das Netz."_s);
+    m_spn_verbindungen = new QSpinBox;
+    m_spn_verbindungen->setObjectName(u"spn_verbindungen"_s);
+    m_spn_verbindungen->setRange(1, mostConnections);
+    m_spn_verbindungen->setToolTip(
+        u"So viele Dateien eines Ordners werden höchstens zugleich übertragen."_s);
+    m_lst_vertraut = new QListWidget;
+    m_lst_vertraut->setObjectName(u"lst_vertraut"_s);
+    m_lst_vertraut->setMinimumHeight(m_lst_vertraut->fontMetrics().lineSpacing() * 6);
+    m_lst_vertraut->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_cmd_vertrauen_entfernen = button(u"cmd_vertrauen_entfernen"_s, u"&Entfernen"_s);
+    m_cmd_vertrauen_entfernen->setToolTip(
+        u"Beim nächsten Mal wird wieder gefragt, ob diesem Server zu trauen ist."_s);
+    connect(m_cmd_vertrauen_entfernen, &QPushButton::clicked, this,
+            &frm_einstellungen::forgetSelected);
+    connect(m_lst_vertraut, &QListWidget::currentRowChanged, this,
+            [this](int row) { m_cmd_vertrauen_entfernen->setEnabled(row >= 0); });
+
+    auto *tab = new QWidget;
+    auto *grid = new QGridLayout(tab);
+    grid->setContentsMargins(12, 12, 12, 12);
+    grid->setHorizontalSpacing(12);
+    grid->setVerticalSpacing(6);
+    grid->addWidget(labelFor(m_cbo_verschluesselung, u"&Verschlüsselung"_s), 0, 0);
+    grid->addWidget(m_cbo_verschluesselung, 0, 1, Qt::AlignLeft);
+    grid->addWidget(labelFor(m_spn_verbindungen, u"&Gleichzeitige Verbindungen, höchstens"_s), 1,
+                    0);
+    grid->addWidget(m_spn_verbindungen, 1, 1, Qt::AlignLeft);
+    grid->setRowMinimumHeight(2, 6);
+    grid->addWidget(labelFor(m_lst_vertraut, u"Ve&rtraute Server"_s), 3, 0, 1, 2);
+    grid->addWidget(m_lst_vertraut, 4, 0, 1, 2);
+    grid->addWidget(m_cmd_vertrauen_entfernen, 5, 0, 1, 2, Qt::AlignLeft);
+    grid->setColumnStretch(1, 1);
+    return tab;
+}
+
+QLayout *frm_einstellungen::buttonRow()
+{
+    auto *help = button(u"cmd_hilfe"_s, u"&Hilfe"_s);
+    auto *done = button(u"cmd_ok"_s, u"Fertig"_s);
+    auto *cancel = button(u"cmd_abbrechen"_s, u"&Abbrechen"_s);
+    done->setDefault(true);
+    connect(help, &QPushButton::clicked, this, [this] {
+        QCoreApplication::postEvent(this,
+                                    new QKeyEvent(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier));
+    });
+    connect(done, &QPushButton::clicked, this, &frm_einstellungen::confirm);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(6);
+    row->addWidget(help);
+    row->addStretch();
+    row->addWidget(done);
+    row->addWidget(cancel);
+    return row;
+}
+
+void frm_einstellungen::load()
+{
+    const ProgramSettings &settings = m_globals.settings;
+    m_tx_logfolder->setText(settings.LogFolder);
+    m_chk_logname->setChecked(settings.LogName);
+    (settings.ErrorMsg ? m_op_fehlermeldungen_1 : m_op_fehlermeldungen_0)->setChecked(true);
+    m_chk_hidden->setChecked(settings.HiddenFile);
+    const bool known = settings.encryption >= 0 && settings.encryption <= 2;
+    m_cbo_verschluesselung->setCurrentIndex(known ? settings.encryption : 0);
+    m_spn_verbindungen->setValue(settings.connections);
+    fillTrusted();
+}
+
+void frm_einstellungen::browse()
+{
+    m_globals.folderChoice.PickedFolder = m_globals.settings.LogFolder;
+    m_services.pickFolder(this);
+    if (m_globals.folderChoice.FolderPicked) {
+        m_tx_logfolder->setText(m_globals.folderChoice.PickedFolder);
+    }
+}
+
+void frm_einstellungen::fillTrusted()
+{
+    m_lst_vertraut->clear();
+    m_lst_vertraut->addItems(m_services.trusted.list());
+    m_cmd_vertrauen_entfernen->setEnabled(false);
+}
+
+void frm_einstellungen::forgetSelected()
+{
+    const int row = m_lst_vertraut->currentRow();
+    if (row >= 0) {
+        m_services.trusted.remove(row);
+        fillTrusted();
+        m_lst_vertraut->setCurrentRow(qMin(row, m_lst_vertraut->count() - 1));
+    }
+}
+
+void frm_einstellungen::confirm()
+{
+    ProgramSettings &settings = m_globals.settings;
+    settings.LogFolder = m_tx_logfolder->text();
+    settings.HtmlRoot.clear(); // Intended: the dialog has no field for it and always clears it.
+    settings.ErrorMsg = !m_op_fehlermeldungen_0->isChecked();
+    settings.LogName = m_chk_logname->isChecked();
+    settings.HiddenFile = m_chk_hidden->isChecked();
+    settings.encryption = m_cbo_verschluesselung->currentIndex();
+    settings.connections = m_spn_verbindungen->value();
+
+    SettingsStore &store = m_services.store;
+    store.setInteger(OwnSettings::Security, u"Encryption"_s, settings.encryption);
+    store.setInteger(OwnSettings::Security, u"Connections"_s, settings.connections);
+    // Intended: a store that cannot be written is not told; the settings hold for this run.
+    store.save(u"Properties"_s,
+               { { u"LogFolder"_s, settings.LogFolder },
+                 { u"LogName"_s, SettingsStore::fromBoolean(settings.LogName) },
+                 { u"ErrorMsg"_s, SettingsStore::fromBoolean(settings.ErrorMsg) },
+                 { u"HtmlRoot"_s, settings.HtmlRoot },
+                 { u"HiddenFile"_s, SettingsStore::fromBoolean(settings.HiddenFile) } });
+    accept();
+}
