@@ -3,19 +3,26 @@
 #include "app/commands.h"
 #include "app/draganddrop.h"
 #include "app/logpanel.h"
+#include "app/startup.h"
 #include "app/transfercolumn.h"
 #include "app/windowmemory.h"
 #include "common/globals.h"
 #include "common/settingsstore.h"
 #include "common/workingfolders.h"
+#include "connections/frmConnect.h"
+#include "connections/frm_zertifikat.h"
+#include "connections/ftpurl.h"
 #include "connections/session.h"
 #include "dialogs/frmAbout.h"
+#include "dialogs/frm_einstellungen.h"
+#include "dialogs/frm_get_folder.h"
 #include "dialogs/frm_info.h"
 #include "dialogs/helpkeyfilter.h"
 #include "dialogs/helpmenu.h"
 #include "ftp/ftpcontrol.h"
 #include "local/localpane.h"
 #include "remote/icons.h"
+#include "remote/itemkind.h"
 #include "remote/liststyle.h"
 #include "remote/paneview.h"
 #include "remote/remotepane.h"
@@ -32,6 +39,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -79,18 +87,21 @@ frm_tarvelo::frm_tarvelo(const WindowServices &services)
     connectQueue();
     new DragAndDrop(
         *m_local, *m_remote, *m_features, [this] { return isBusy(); }, this);
+    setRememberButtonsEnabled(!m_globals.session.Lastconnect.isEmpty());
     m_session->showDisconnected();
     m_local->addDrives(drives());
     m_local->refresh();
     UpdateLocalCommandStates();
-    m_local->view().setFocus();
-    m_globals.active = {}; // a list counts as used only once the user has been in it
-    WindowMemory(m_services.store).restore(*this, *m_layout, *m_local, *m_remote);
+    setTabOrder(centralWidget(), &m_local->view());
+    // No list has the focus at first: one counts as used only once the user has been in it.
+    centralWidget()->setFocus();
+    WindowMemory(m_services.store).restore({ *this, *m_layout, *m_local, *m_remote, *m_queue });
 }
 
 frm_tarvelo::~frm_tarvelo()
 {
-    WindowMemory(m_services.store).save(*this, *m_layout, *m_local, *m_remote);
+    m_services.ftp.setCertificateQuestion({});
+    WindowMemory(m_services.store).save({ *this, *m_layout, *m_local, *m_remote, *m_queue });
 }
 
 void frm_tarvelo::buildPanes()
@@ -125,9 +136,7 @@ void frm_tarvelo::buildLayout()
 {
     m_queueModel = new QueueModel(this);
     m_queue = new QueueView(*m_queueModel, m_services.prompts, this);
-    auto *airy = new ListStyle;
-    airy->setParent(m_queue);
-    m_queue->setStyle(airy);
+    ListStyle::apply(*m_queue);
     m_progress = new ProgressPanel(m_features->progress, this);
     m_layout = std::make_unique<MainLayout>(
         *this, MainLayoutParts { m_local, m_column, m_remote, m_progress, m_queue, m_log });
@@ -168,6 +177,7 @@ void frm_tarvelo::connectMenu()
     onTrigger(m_menu.mnu_rechte, [this] { m_features->rights.mnu_rechte_Click(); });
     onTrigger(m_menu.mnuRefresh, [this] { refreshActive(); });
     onTrigger(m_menu.mnuSelectall, [this] { selectAllActive(); });
+    onTrigger(m_menu.mnu_einstell, [this] { showSettings(); });
     HelpMenu::Actions actions;
     actions.sendF1 = sendHelpKey;
     actions.showInfo = [this] {
@@ -249,6 +259,9 @@ void frm_tarvelo::connectPane(FilePane &pane, FilePane &other)
 
 void frm_tarvelo::connectSession()
 {
+    m_services.ftp.setCertificateQuestion([this](const FtpCertificate &certificate) {
+        return frm_zertifikat::ask(certificate, this);
+    });
     connect(m_session.get(), &Session::logToBeCleared, m_log, &LogPanel::clear);
     connect(m_session.get(), &Session::captionChanged, this, &QWidget::setWindowTitle);
     connect(m_session.get(), &Session::progress, this, &frm_tarvelo::showProgress);
@@ -293,6 +306,8 @@ void frm_tarvelo::connectColumn()
             [this] { isBusy() ? void() : m_features->transfers.cmd_upload_Click(); });
     connect(m_column, &TransferColumn::downloadClicked, this,
             [this] { isBusy() ? void() : m_features->transfers.cmd_download_Click(); });
+    connect(m_rememberLocal, &QToolButton::clicked, this, [this] { rememberFolder(false); });
+    connect(m_rememberRemote, &QToolButton::clicked, this, [this] { rememberFolder(true); });
     connect(m_column, &TransferColumn::transferTypeChosen, this,
             [this](int type) { m_globals.connection.TransferType = type; });
 }
@@ -309,9 +324,46 @@ void frm_tarvelo::show_login() { m_logins->show_login(); }
 
 void frm_tarvelo::load_commands() { m_logins->load_commands(m_services.commandLine); }
 
-void frm_tarvelo::showConnectDialog(bool /*connectionStands*/)
+void frm_tarvelo::showConnectDialog(bool connectionStands)
 {
-    m_globals.session.DialogCancelled = true;
+    frmConnect dialog({ m_globals, m_services.store, m_services.prompts,
+                        [this](const FtpProxy &proxy) { setProxy(proxy); },
+                        [this](QWidget *parent) { pickFolder(parent); } },
+                      connectionStands, this);
+    // An address on the command line is for the first time only.
+    if (const auto address = profileFromUrl(std::exchange(m_services.commandLine, {}))) {
+        dialog.setFields(fieldsOf(*address));
+    }
+    dialog.exec();
+}
+
+void frm_tarvelo::pickFolder(QWidget *parent)
+{
+    frm_get_folder(m_globals, m_services.prompts, drives(), Icons::icon(ItemKind::FolderClose),
+                   parent)
+        .exec();
+}
+
+void frm_tarvelo::showSettings()
+{
+    const bool hidden = m_globals.settings.HiddenFile;
+    frm_einstellungen({ m_globals, m_services.store,
+                        [this](QWidget *parent) { pickFolder(parent); },
+                        trustedServersIn(trustFile(m_services.store)) },
+                      this)
+        .exec();
+    if (hidden != m_globals.settings.HiddenFile) {
+        refreshLocal();
+    }
+}
+
+void frm_tarvelo::rememberFolder(bool remote)
+{
+    const auto written = remote ? rememberRemote(m_globals, m_remote->box().currentText())
+                                : rememberLocal(m_globals, m_local->box().currentText());
+    if (!written) {
+        m_services.prompts.message(written.error());
+    }
 }
 
 void frm_tarvelo::ConnectSequence() { m_session->ConnectSequence(); }
@@ -393,6 +445,9 @@ void frm_tarvelo::AddQueueRow(const QueueRow &row) { m_queue->AddQueueRow(row); 
 void frm_tarvelo::ShowTransferItem(const QString &text, const QString &sizeText)
 {
     m_features->progress.ShowTransferItem(text, sizeText);
+    if (text.isEmpty()) {
+        SetAbortEnabled(false); // the last progress report may come after the last reply
+    }
 }
 
 void frm_tarvelo::refreshLocal()

@@ -99,6 +99,9 @@ private:
     void selectAllActive();
     void goUp(bool remote);
     void DeleteSelected();
+    void pickFolder(QWidget *parent);
+    void showSettings();
+    void rememberFolder(bool remote);
     void showProgress(const FtpEvent &event);
     void refreshRemote();
     void refreshLocal();

@@ -4,6 +4,7 @@
 #include "common/globals.h"
 #include "common/mo_standard.h"
 #include "common/prompts.h"
+#include "remote/icons.h"
 
 #include <QClipboard>
 #include <QFileInfo>
@@ -26,6 +27,8 @@ QToolButton *addButton(QHBoxLayout *row, const QString &name, const QString &tex
     auto *button = new QToolButton;
     button->setObjectName(name);
     button->setText(text);
+    button->setIcon(Icons::icon(name));
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setToolTip(toolTip);
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::TabFocus);

@@ -1,6 +1,8 @@
 #include "app/mainlayout.h"
 
+#include <QLabel>
 #include <QMainWindow>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -18,6 +20,23 @@ QSplitter *newSplitter(Qt::Orientation orientation, const QString &name)
     return splitter;
 }
 
+/// A list with its caption above, as tall as the row of buttons above the list beside it.
+QWidget *withCaption(QWidget *list, const QString &caption)
+{
+    auto *box = new QWidget;
+    auto *column = new QVBoxLayout(box);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(grid);
+    auto *label = new QLabel(caption);
+    label->setBuddy(list);
+    QToolButton button;
+    button.setText(caption);
+    label->setFixedHeight(button.sizeHint().height());
+    column->addWidget(label);
+    column->addWidget(list, 1);
+    return box;
+}
+
 } // namespace
 
 MainLayout::MainLayout(QMainWindow &window, const MainLayoutParts &pieces)
@@ -32,7 +51,7 @@ MainLayout::MainLayout(QMainWindow &window, const MainLayoutParts &pieces)
     panes->setStretchFactor(1, 0); // the column keeps its width
     panes->setStretchFactor(2, 1);
 
-    lower->addWidget(pieces.queue);
+    lower->addWidget(withCaption(pieces.queue, u"Übertragungen"_s));
     lower->addWidget(pieces.log);
     lower->setStretchFactor(0, 1);
     lower->setStretchFactor(1, 1);

@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QMainWindow>
 #include <QScreen>
+#include <QTreeView>
 
 using namespace Qt::StringLiterals;
 
@@ -19,39 +20,50 @@ const QString group = QStringLiteral("Window");
 void firstSize(QMainWindow &window, const MainLayout &layout)
 {
     const QSize room = window.screen()->availableSize() * 9 / 10;
-    window.resize(QSize(1080, 720).boundedTo(room).expandedTo(window.minimumSize()));
+    window.resize(QSize(1180, 760).boundedTo(room).expandedTo(window.minimumSize()));
     layout.parts->setSizes({ 440, 220 });
     layout.lower->setSizes({ 500, 500 });
 }
 
+/// First widths of the queue's columns, in widths of a letter.
+void firstColumns(QHeaderView &header)
+{
+    const int letter = header.fontMetrics().averageCharWidth();
+    for (int column = 0; const int letters : { 18, 30, 12, 11, 30, 20 }) {
+        header.resizeSection(column++, letters * letter);
+    }
+}
+
 } // namespace
 
-void WindowMemory::save(const QMainWindow &window, const MainLayout &layout, FilePane &local,
-                        FilePane &remote) const
+void WindowMemory::save(const RememberedParts &parts) const
 {
-    m_store.setBytes(group, u"Geometry"_s, window.saveGeometry());
-    for (const QSplitter *splitter : { layout.panes, layout.lower, layout.parts }) {
+    m_store.setBytes(group, u"Geometry"_s, parts.window.saveGeometry());
+    for (const QSplitter *splitter :
+         { parts.layout.panes, parts.layout.lower, parts.layout.parts }) {
         m_store.setBytes(group, splitter->objectName(), splitter->saveState());
     }
-    for (FilePane *pane : { &local, &remote }) {
+    for (FilePane *pane : { &parts.local, &parts.remote }) {
         if (pane->columnsAreSized()) {
             m_store.setBytes(group, pane->view().objectName(), pane->view().header()->saveState());
         }
     }
+    m_store.setBytes(group, parts.queue.objectName(), parts.queue.header()->saveState());
     m_store.sync();
 }
 
-void WindowMemory::restore(QMainWindow &window, const MainLayout &layout, FilePane &local,
-                           FilePane &remote) const
+void WindowMemory::restore(const RememberedParts &parts) const
 {
-    if (!window.restoreGeometry(m_store.bytes(group, u"Geometry"_s))) {
-        firstSize(window, layout);
+    if (!parts.window.restoreGeometry(m_store.bytes(group, u"Geometry"_s))) {
+        firstSize(parts.window, parts.layout);
+        firstColumns(*parts.queue.header());
     }
-    for (QSplitter *splitter : { layout.panes, layout.lower, layout.parts }) {
+    for (QSplitter *splitter : { parts.layout.panes, parts.layout.lower, parts.layout.parts }) {
         splitter->restoreState(m_store.bytes(group, splitter->objectName()));
     }
-    restoreColumns(local);
-    restoreColumns(remote);
+    restoreColumns(parts.local);
+    restoreColumns(parts.remote);
+    parts.queue.header()->restoreState(m_store.bytes(group, parts.queue.objectName()));
 }
 
 void WindowMemory::restoreColumns(FilePane &pane) const

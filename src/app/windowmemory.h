@@ -2,8 +2,18 @@
 
 class FilePane;
 class QMainWindow;
+class QTreeView;
 class SettingsStore;
 struct MainLayout;
+
+/// The parts of the window whose sizes are kept.
+struct RememberedParts {
+    QMainWindow &window;
+    const MainLayout &layout;
+    FilePane &local;
+    FilePane &remote;
+    QTreeView &queue;
+};
 
 /// Keeps size and place of the window, its splitters and its columns in the settings, in a group
 /// of their own.
@@ -14,11 +24,9 @@ public:
     {
     }
 
-    void save(const QMainWindow &window, const MainLayout &layout, FilePane &local,
-              FilePane &remote) const;
+    void save(const RememberedParts &parts) const;
     /// What was never saved gets a sensible first size.
-    void restore(QMainWindow &window, const MainLayout &layout, FilePane &local,
-                 FilePane &remote) const;
+    void restore(const RememberedParts &parts) const;
 
 private:
     void restoreColumns(FilePane &pane) const;

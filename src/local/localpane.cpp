@@ -117,9 +117,15 @@ void LocalPane::ListLocalFolder(const QString &path, FolderSource source)
     }
 }
 
+void LocalPane::setShown(const QString &folder)
+{
+    m_shown = folder;
+    m_globals.session.CurrentLocalDir = folder;
+}
+
 void LocalPane::showPending()
 {
-    m_shown = withSeparator(m_job->request.path, LocalSeparator);
+    setShown(withSeparator(m_job->request.path, LocalSeparator));
     view().setHint(QStringLiteral("Der Ordner wird gelesen ..."));
     showRows({ upRow() });
 }
@@ -131,7 +137,7 @@ void LocalPane::takeResult()
     }
     LocalListing listing = std::move(m_job->result);
     abandonJob();
-    m_shown = listing.folder;
+    setShown(listing.folder);
     view().setHint(!listing.readable ? QStringLiteral("Dieser Ordner lässt sich nicht öffnen.")
                        : listing.rows.size() == 1 ? QStringLiteral("Dieser Ordner ist leer.")
                                                   : QString());

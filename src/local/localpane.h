@@ -61,6 +61,7 @@ private:
     void abandonJob();
     void takeResult();
     void showPending();
+    void setShown(const QString &folder);
 
     Globals &m_globals;
     Reader m_reader;

@@ -20,9 +20,7 @@
 PaneView::PaneView(QWidget *parent)
     : QTreeView(parent)
 {
-    auto *airy = new ListStyle;
-    airy->setParent(this);
-    setStyle(airy);
+    ListStyle::apply(*this);
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true); // big folders: no row is measured
@@ -104,7 +102,7 @@ void PaneView::sizeColumnsToContents()
     for (int column = 1; column <= others; ++column) {
         // sizeHintForColumn() looks at the visible rows only, so this stays cheap in big folders.
         const int width
-            = std::max(sizeHintForColumn(column), header()->sectionSizeHint(column)) + 12;
+            = std::max(sizeHintForColumn(column), header()->sectionSizeHint(column)) + 6;
         header()->resizeSection(column, width);
         used += width;
     }
@@ -310,7 +308,8 @@ void PaneView::startDrag(Qt::DropActions /*actions*/)
     drag->setMimeData(dragged);
     drag->setPixmap(Icons::icon(ItemKind::File).pixmap(QSize(32, 32), devicePixelRatioF()));
     drag->setHotSpot(QPoint(8, 4));
-    Q_EMIT dragEnded(drag->exec(Qt::CopyAction) != Qt::IgnoreAction);
+    const Qt::DropAction result = m_dragRunner ? m_dragRunner(*drag) : drag->exec(Qt::CopyAction);
+    Q_EMIT dragEnded(result != Qt::IgnoreAction);
 }
 
 void PaneView::setDropRow(int row)

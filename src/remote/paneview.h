@@ -3,6 +3,7 @@
 #include <QTreeView>
 #include <functional>
 
+class QDrag;
 class QMimeData;
 class QRubberBand;
 
@@ -30,6 +31,9 @@ public:
 
     /// Asked when the user begins to drag; hands over what is dragged, null when nothing may be.
     void setDragSource(std::function<QMimeData *()> source) { m_dragSource = std::move(source); }
+    /// Runs a drag to its end; tests put their own, where no platform can drag.
+    using DragRunner = std::function<Qt::DropAction(QDrag &)>;
+    void setDragRunner(DragRunner runner) { m_dragRunner = std::move(runner); }
     /// Asked whether something that is dragged over the list may be dropped here.
     void setDropFilter(std::function<bool(const QMimeData &)> filter);
     [[nodiscard]] int dropRow() const { return m_dropRow; } ///< highlighted row, -1 for none
@@ -72,6 +76,7 @@ private:
     QString m_hint;
     std::function<QMimeData *()> m_dragSource;
     std::function<bool(const QMimeData &)> m_dropFilter;
+    DragRunner m_dragRunner;
     QRubberBand *m_band = nullptr;
     QPoint m_bandOrigin; ///< in the coordinates of the whole list
     QItemSelection m_bandBase; ///< what was selected before, kept with Ctrl
