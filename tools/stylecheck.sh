@@ -11,8 +11,9 @@ cd "$(dirname "$0")/.." || exit 2
 
 files()
 {
-    # Not in a clone (or in one that belongs to somebody else): all files but the built ones.
-    if ! git ls-files --cached --others --exclude-standard -- "$@" 2>/dev/null; then
+    if [ -e .git ]; then
+        git ls-files --cached --others --exclude-standard -- "$@"
+    else
         find . -path ./build -prune -o -type f -print | sed 's|^\./||' | grep -E "$(
             printf '%s\n' "$@" | sed -e 's|\.|\\.|g' -e 's|\*|.*|g' -e 's|^|^|' -e 's|$|$|' | paste -sd'|')"
     fi
@@ -20,7 +21,6 @@ files()
 
 mapfile -t cpp < <(files '*.cpp' '*.h')
 mapfile -t text < <(files '*.cpp' '*.h' '*.sh' '*.py' '*.cmake' '*CMakeLists.txt' '*.md' '.ci/run')
-[ ${#cpp[@]} -gt 0 ] || { echo "no files found"; exit 2; }
 
 findings=$(mktemp)
 trap 'rm -f "$findings"' EXIT
@@ -59,8 +59,9 @@ done
 mapfile -t tests < <(printf '%s\n' "${cpp[@]}" | grep '^tests/')
 look "fixed sleep in a test; wait for a condition" \
     '\b(sleep_for|sleep_until|usleep|nanosleep|qSleep)\b|QThread::\w*sleep|\bqWait *\(|(^|[^\w.:])sleep *\(' "${tests[@]}"
-look "skipped test; only for the reason that servers::canRun gives" \
-    'GTEST_SKIP\(\)(?! << why;)|QSKIP|\bDISABLED_' "${tests[@]}"
+mapfile -t gated < <(printf '%s\n' "${tests[@]}" | grep -v '^tests/servers/everyserver\.h$')
+look "skipped test; only a server that cannot run here may be skipped (tests/servers/everyserver.h)" \
+    'GTEST_SKIP|QSKIP|\bDISABLED_' "${gated[@]}"
 
 # Words that have no place in the source; each line of the list is one pattern.
 while IFS= read -r word; do

@@ -1,0 +1,338 @@
+#include "app/windowbench.h"
+
+#include "app/transfercolumn.h"
+
+#include <QFile>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QRadioButton>
+#include <QSplitter>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace {
+
+class MainWindow : public WindowBench {
+protected:
+    void file(const char *name, const QByteArray &content = "x")
+    {
+        QFile made(home.filePath(QString::fromUtf8(name)));
+        ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+        made.write(content);
+    }
+    std::string menu(const char *name) const
+    {
+        QStringList texts;
+        for (const QAction *action : find<QMenu>(name)->actions()) {
+            texts << action->objectName() + u'='
+                    + (action->isSeparator() ? QStringLiteral("-") : action->text());
+        }
+        return texts.join(u'|').toStdString();
+    }
+    bool enabled(const char *name) const { return item(name)->isEnabled(); }
+};
+
+const char *const bars[] { "tbToolBar", "tbToolBar_rem" };
+const char *const keys[] { "NewFolder", "ViewFile",   "DeleteFiles", "Refresh",
+                           "SelectAll", "RenameFile", "Cdup" };
+
+} // namespace
+
+TEST_F(MainWindow, HasItsMenus)
+{
+    EXPECT_EQ(window->objectName(), QStringLiteral("frm_tarvelo"));
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Tarvelo FTP"));
+    EXPECT_EQ(menu("mnuFile"), "mnuExit=&Beenden|mnuLogin=&Login|mnuLogout=Log&out");
+    EXPECT_EQ(menu("mnuActions"),
+              "mnuRename=&Umbenennen|mnuMakeDirectory=&Verzeichnis erstellen|mnuDelete=&Löschen|"
+              "mnuView=&Ansehen|mnuRefresh=&Aktualisieren|mnuSelectall=Alles &Markieren|mnu_line=-|"
+              "mnu_rechte=Dateirechte vergeben Unix chmod");
+    EXPECT_EQ(menu("mnu_einstellungen"), "mnu_einstell=Programm&einstellungen");
+    EXPECT_EQ(find<QMenu>("mnuHelp")->actions().size(), 10);
+    QStringList titles;
+    for (const QAction *action : window->menuBar()->actions()) {
+        titles << action->text();
+    }
+    EXPECT_EQ(titles.join(u'|'), QStringLiteral("&Datei|&Befehle|&Einstellungen|&Hilfe"));
+}
+
+TEST_F(MainWindow, TheFamiliarKeysStandInTheMenus)
+{
+    const std::pair<const char *, const char *> expected[] { { "mnuRename", "F2" },
+                                                             { "mnuRefresh", "F5" },
+                                                             { "mnuMakeDirectory", "F7" },
+                                                             { "mnuSelectall", "Ctrl+A" } };
+    for (const auto &[name, key] : expected) {
+        EXPECT_EQ(item(name)->shortcut(), QKeySequence(QString::fromLatin1(key))) << name;
+        EXPECT_FALSE(item(name)->text().contains(u'\t')) << name;
+    }
+}
+
+TEST_F(MainWindow, BothToolBarsHaveTheSameSevenButtons)
+{
+    const char *const texts[] { "New Folder", "View File",   "Delete Files",    "Refresh",
+                                "Select All", "Rename File", "Change Directory" };
+    const char *const tips[] { "Neuer Ordner",
+                               "Datei ansehen",
+                               "Löschen der markierten Dateien",
+                               "Aktualisieren",
+                               "Alles markieren",
+                               "Datei oder Ordner umbenennen",
+                               "Zum übergeordneten Ordner" };
+    for (const char *bar : bars) {
+        const QList<QAction *> actions = find<QToolBar>(bar)->actions();
+        ASSERT_EQ(actions.size(), 7);
+        for (int i = 0; i < 7; ++i) {
+            EXPECT_EQ(actions.at(i)->objectName(), QString::fromLatin1(keys[i]));
+            EXPECT_EQ(actions.at(i)->text(), QString::fromLatin1(texts[i]));
+            EXPECT_EQ(actions.at(i)->toolTip(), QString::fromUtf8(tips[i]));
+            EXPECT_FALSE(actions.at(i)->icon().isNull());
+            EXPECT_EQ(find<QToolBar>(bar)->widgetForAction(actions.at(i))->focusPolicy(),
+                      Qt::NoFocus)
+                << "a click must not take the focus from the lists";
+        }
+    }
+}
+
+TEST_F(MainWindow, HasTheTransferModeOptions)
+{
+    const char *const captions[] { "Binär", "ASCII", "EBCIDIC" };
+    const char *const tips[] {
+        "Die Dateien werden Binär übertragen. (Empfohlen)",
+        "Die Dateien werden im ASCII Modus übertragen. (Erforderlich für CGI-Scripte)",
+        "Dieser Modus wird normalerweise nicht benötigt.",
+    };
+    const int types[] { TypeBinary, TypeAscii, TypeEbcdic };
+    int below = -1;
+    for (int i = 0; i < 3; ++i) {
+        auto *option = find<QRadioButton>(qPrintable(QStringLiteral("op_transfer_%1").arg(i)));
+        EXPECT_EQ(option->text(), QString::fromUtf8(captions[i]));
+        EXPECT_EQ(option->toolTip(), QString::fromUtf8(tips[i]));
+        EXPECT_EQ(qobject_cast<QGroupBox *>(option->parentWidget())->title(),
+                  QStringLiteral("Übertragungsmodus"));
+        EXPECT_GT(option->y(), below);
+        below = option->y();
+        option->click();
+        EXPECT_EQ(globals.connection.TransferType, types[i]);
+    }
+    globals.connection.TransferType = TypeAscii;
+    open();
+    EXPECT_TRUE(find<QRadioButton>("op_transfer_1")->isChecked());
+}
+
+TEST_F(MainWindow, StartsWithoutAConnection)
+{
+    EXPECT_TRUE(enabled("mnuLogin"));
+    EXPECT_FALSE(enabled("mnuLogout"));
+    EXPECT_TRUE(find<QMenu>("mnuActions")->menuAction()->isEnabled());
+    EXPECT_TRUE(find<QWidget>("img_ampel_rot")->isVisible());
+    EXPECT_FALSE(find<QWidget>("img_ampel_gruen")->isVisible());
+    EXPECT_EQ(find<QWidget>("img_ampel_rot")->toolTip(),
+              QStringLiteral("Keine Verbindung zum Server hergestellt"));
+    EXPECT_EQ(find<QWidget>("img_ampel_gruen")->toolTip(),
+              QStringLiteral("Verbindung zum Server hergestellt"));
+    EXPECT_FALSE(find<QWidget>("cmdAbort")->isEnabled());
+    for (const char *key : keys) {
+        EXPECT_FALSE(button("tbToolBar_rem", key)->isEnabled()) << key;
+    }
+    for (const char *key : { "NewFolder", "Refresh", "SelectAll", "Cdup" }) {
+        EXPECT_TRUE(button("tbToolBar", key)->isEnabled()) << key;
+    }
+    for (const char *key : { "ViewFile", "DeleteFiles", "RenameFile" }) {
+        EXPECT_FALSE(button("tbToolBar", key)->isEnabled()) << key;
+    }
+    EXPECT_EQ(find<QComboBox>("cmbLocalDir")->currentText(), home.path() + u'/');
+    EXPECT_EQ(window->remotePane().view().hint(),
+              QStringLiteral("Nicht mit einem Server verbunden."));
+}
+
+TEST_F(MainWindow, SetCommandsEnabledSwitchesMenusBarsAndLights)
+{
+    struct Case {
+        bool login, logout, commands, toolbars;
+    };
+    for (const Case &one : { Case { false, false, false, false }, Case { true, false, true, true },
+                             Case { false, true, true, true }, Case { true, true, false, true } }) {
+        for (const bool third : { false, true }) {
+            window->SetCommandsEnabled(one.login, one.logout, third, one.commands, one.toolbars);
+            EXPECT_EQ(enabled("mnuLogin"), one.login);
+            EXPECT_EQ(enabled("mnuLogout"), one.logout);
+            EXPECT_EQ(find<QMenu>("mnuActions")->menuAction()->isEnabled(), one.commands);
+            for (const char *bar : bars) {
+                for (const char *key : keys) {
+                    EXPECT_EQ(button(bar, key)->isEnabled(), one.toolbars) << key;
+                }
+            }
+            EXPECT_TRUE(find<QWidget>("img_ampel_rot")->isVisible()) << "nothing stands";
+        }
+    }
+}
+
+TEST_F(MainWindow, SelectionInTheLocalPaneDecidesAboutTheCommands)
+{
+    file("seite.html");
+    QDir(home.path()).mkdir(QStringLiteral("bilder"));
+    refreshLocal();
+    FilePane &local = window->localPane();
+    select(local, { "seite.html" });
+    EXPECT_TRUE(enabled("mnuView") && enabled("mnuRename") && enabled("mnuDelete"));
+    EXPECT_TRUE(button("tbToolBar", "ViewFile")->isEnabled());
+    EXPECT_FALSE(enabled("mnu_rechte"));
+    select(local, { "bilder" });
+    EXPECT_TRUE(enabled("mnuRename") && enabled("mnuDelete"));
+    EXPECT_FALSE(enabled("mnuView"));
+    EXPECT_FALSE(button("tbToolBar", "ViewFile")->isEnabled());
+    local.view().selectRowNumbers({ 0 });
+    EXPECT_FALSE(enabled("mnuRename") || enabled("mnuDelete") || enabled("mnuView"));
+    local.selectAll();
+    EXPECT_TRUE(button("tbToolBar", "DeleteFiles")->isEnabled());
+    local.clearSelection();
+    EXPECT_FALSE(button("tbToolBar", "DeleteFiles")->isEnabled());
+}
+
+TEST_F(MainWindow, TheListThatHadTheFocusLastIsTheActiveOne)
+{
+    EXPECT_FALSE(globals.active.RemoteListActive || globals.active.LocalListActive
+                 || globals.active.QueueListActive);
+    const auto flags = [this] {
+        return std::tuple(globals.active.RemoteListActive, globals.active.LocalListActive,
+                          globals.active.QueueListActive);
+    };
+    focus(window->remotePane().view());
+    EXPECT_EQ(flags(), std::tuple(true, false, false));
+    focus(window->localPane().view());
+    EXPECT_EQ(flags(), std::tuple(false, true, false));
+    focus(*find<QTreeView>("lvwStatus"));
+    EXPECT_EQ(flags(), std::tuple(false, false, true));
+    focus(*find<QWidget>("txtLog"));
+    EXPECT_EQ(flags(), std::tuple(false, false, true)) << "only lists count";
+}
+
+TEST_F(MainWindow, MenuCommandsFollowTheActiveList)
+{
+    file("a.txt");
+    focus(*find<QTreeView>("lvwStatus"));
+    item("mnuRefresh")->trigger();
+    EXPECT_GE(rowOf(window->localPane(), "a.txt"), 0) << "the queue counts as the local pane";
+    item("mnuSelectall")->trigger();
+    EXPECT_EQ(window->localPane().selectedRows().size(), window->localPane().model().rowCount());
+    prompts.expectConfirm(QStringLiteral("Delete queue items selected?"), false,
+                          QStringLiteral("Confirm Delete Queue Items"));
+    item("mnuDelete")->trigger();
+}
+
+TEST_F(MainWindow, TheLocalToolBarWorksOnTheLocalPane)
+{
+    file("a.txt");
+    button("tbToolBar", "Refresh")->trigger();
+    LocalPane &local = window->localPane();
+    EXPECT_GE(rowOf(local, "a.txt"), 0);
+    button("tbToolBar", "SelectAll")->trigger();
+    EXPECT_EQ(local.selectedRows().size(), local.model().rowCount());
+    EXPECT_EQ(local.selectedRows().first(), 0);
+    button("tbToolBar", "Cdup")->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    EXPECT_EQ(find<QComboBox>("cmbLocalDir")->currentText(), QFileInfo(home.path()).path() + u'/');
+    EXPECT_EQ(globals.session.CurrentLocalDir, QFileInfo(home.path()).path() + u'/');
+}
+
+TEST_F(MainWindow, KeysOfThePanesReachTheCommands)
+{
+    QDir(home.path()).mkdir(QStringLiteral("bilder"));
+    refreshLocal();
+    LocalPane &local = window->localPane();
+    focus(local.view());
+    select(local, { "bilder" });
+    QTest::keyClick(&local.view(), Qt::Key_Return);
+    EXPECT_EQ(local.folder(), home.path() + QStringLiteral("/bilder/"));
+    QTest::keyClick(&local.view(), Qt::Key_Backspace);
+    EXPECT_EQ(local.folder(), home.path() + u'/');
+    select(local, { "bilder" });
+    prompts.expectConfirm(
+        QStringLiteral("Sind Sie sicher, dass Sie 1 Dateien oder Ordner löschen möchten?"), false,
+        QStringLiteral("Confirm Delete"),
+        QStringLiteral("In den Ordnern: 0 Dateien und 0 Ordner."));
+    QTest::keyClick(&local.view(), Qt::Key_Delete);
+    QTest::keyClick(&local.view(), Qt::Key_Tab);
+    EXPECT_TRUE(window->remotePane().view().hasFocus());
+    QTest::keyClick(&window->remotePane().view(), Qt::Key_Tab);
+    EXPECT_TRUE(local.view().hasFocus());
+}
+
+TEST_F(MainWindow, F2RenamesInPlace)
+{
+    file("alt.txt");
+    refreshLocal();
+    LocalPane &local = window->localPane();
+    focus(local.view());
+    select(local, { "alt.txt" });
+    item("mnuRename")->trigger();
+    auto *editor = local.view().viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, QStringLiteral("neu.txt"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] { return QFile::exists(home.filePath(QStringLiteral("neu.txt"))); }));
+    EXPECT_GE(rowOf(local, "neu.txt"), 0);
+}
+
+TEST_F(MainWindow, NeverGetsSmallerThanItsMinimum)
+{
+    window->resize(100, 100);
+    EXPECT_EQ(window->size(), QSize(667, 467));
+    for (const char *name : { "lvwLocal", "lvwRemote", "lvwStatus", "txtLog", "cmd_download",
+                              "cmd_upload", "cmdAbort", "cmd_desktop" }) {
+        auto *widget = find<QWidget>(name);
+        const QRect place(widget->mapTo(window.get(), QPoint()), widget->size());
+        EXPECT_TRUE(window->rect().contains(place)) << name;
+        EXPECT_GE(widget->height(), 20) << name;
+    }
+    EXPECT_GE(find<QWidget>("lvwLocal")->height(), 60);
+}
+
+TEST_F(MainWindow, RemembersItsSizeAndSplitters)
+{
+    window->resize(900, 600);
+    auto *splitter = find<QSplitter>("split_fenster");
+    splitter->setSizes({ 500, 100, 200 });
+    const QList<int> sizes = splitter->sizes();
+    open();
+    EXPECT_EQ(window->size(), QSize(900, 600));
+    EXPECT_EQ(find<QSplitter>("split_fenster")->sizes(), sizes);
+    EXPECT_TRUE(store.text(QStringLiteral("Settings"), QStringLiteral("Geometry")).isEmpty());
+}
+
+TEST_F(MainWindow, EveryControlHasANameForScreenReaders)
+{
+    for (const char *name :
+         { "lvwLocal", "lvwRemote", "lvwStatus", "cmbLocalDir", "cmbRemoteDir", "txtLog",
+           "cmd_desktop", "cmd_dir_merken_lokal", "cmd_dir_merken_remote", "cmd_download",
+           "cmd_upload", "img_ampel_rot", "img_ampel_gruen", "Progress", "tbToolBar",
+           "tbToolBar_rem" }) {
+        EXPECT_FALSE(find<QWidget>(name)->accessibleName().isEmpty()) << name;
+    }
+    EXPECT_EQ(find<QWidget>("cmd_download")->toolTip(),
+              QStringLiteral("Download der markierten Objekte"));
+    EXPECT_EQ(find<QWidget>("cmd_upload")->toolTip(),
+              QStringLiteral("Upload der markierten Objekte"));
+}
+
+TEST_F(MainWindow, CommandsWithoutAConnectionDoAndSayNothing)
+{
+    find<QAbstractButton>("cmd_download")->click();
+    find<QAbstractButton>("cmd_upload")->click();
+    find<QAbstractButton>("img_ampel_gruen")->click();
+    for (const char *key : keys) {
+        button("tbToolBar_rem", key)->setEnabled(true);
+        button("tbToolBar_rem", key)->trigger();
+    }
+    focus(window->remotePane().view());
+    for (const char *name : { "mnuRename", "mnuMakeDirectory", "mnuDelete", "mnuView", "mnuRefresh",
+                              "mnuSelectall" }) {
+        item(name)->setEnabled(true);
+        item(name)->trigger();
+    }
+    window->DoRemoteRefresh(QStringLiteral("/"));
+    EXPECT_EQ(window->remotePane().model().rowCount(), 0);
+}

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "app/frm_tarvelo.h"
+#include "common/globals.h"
+#include "common/settingsstore.h"
+#include "common/workingfolders.h"
+#include "ftp/ftpcontrol.h"
+#include "local/localpane.h"
+#include "remote/paneview.h"
+#include "remote/remotepane.h"
+#include "support/scriptedprompts.h"
+
+#include <QAction>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolBar>
+#include <gtest/gtest.h>
+#include <memory>
+
+/// The real main window with scripted boxes, a settings file of its own and an empty home folder.
+class WindowBench : public testing::Test {
+protected:
+    WindowBench()
+        : store(home.filePath(QStringLiteral("settings.ini")))
+    {
+        qputenv("HOME", home.path().toLocal8Bit());
+        globals.folders.desktop = home.path();
+        globals.folders.profiles = home.filePath(QStringLiteral("mo_def"));
+        globals.folders.temporary = home.filePath(QStringLiteral("temp/"));
+        QDir(home.path()).mkpath(QStringLiteral("temp"));
+        open();
+    }
+
+    void open(const QString &commandLine = {})
+    {
+        window.reset();
+        window = std::make_unique<frm_tarvelo>(
+            WindowServices { globals, ftp, prompts, store, Addresses(), commandLine });
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !window->localPane().isReading(); }));
+    }
+
+    template <class Widget> Widget *find(const char *name) const
+    {
+        auto *found = window->findChild<Widget *>(QString::fromLatin1(name));
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+    QAction *item(const char *name) const { return find<QAction>(name); }
+    /// A button of one of the tool bars.
+    QAction *button(const char *bar, const char *key) const
+    {
+        auto *found = find<QToolBar>(bar)->findChild<QAction *>(QString::fromLatin1(key));
+        EXPECT_NE(found, nullptr) << key;
+        return found;
+    }
+    void refreshLocal()
+    {
+        window->localPane().refresh();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !window->localPane().isReading(); }));
+    }
+    static int rowOf(FilePane &pane, const char *name)
+    {
+        return pane.model().findRow(QString::fromUtf8(name));
+    }
+    static void select(FilePane &pane, const std::vector<const char *> &names)
+    {
+        QList<int> rows;
+        for (const char *name : names) {
+            rows.append(rowOf(pane, name));
+            ASSERT_GE(rows.last(), 0) << name;
+        }
+        std::sort(rows.begin(), rows.end());
+        pane.view().selectRowNumbers(rows);
+        pane.view().selectionModel()->setCurrentIndex(pane.model().index(rows.last(), 0),
+                                                      QItemSelectionModel::NoUpdate);
+    }
+    void focus(QWidget &widget)
+    {
+        widget.setFocus();
+        ASSERT_TRUE(QTest::qWaitFor([&widget] { return widget.hasFocus(); }));
+    }
+
+    QTemporaryDir home;
+    Globals globals;
+    SettingsStore store;
+    ScriptedPrompts prompts;
+    FtpControl ftp;
+    std::unique_ptr<frm_tarvelo> window;
+};
