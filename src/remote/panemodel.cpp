@@ -52,6 +52,28 @@ template <class Key> std::vector<int> sortedOrder(const std::vector<Key> &keys, 
     return rows;
 }
 
+/// Row numbers in the order of a column's texts.
+std::vector<int> orderOf(const QList<PaneRow> &rows, int column, Qt::SortOrder order)
+{
+    if (column != ColumnName) {
+        // Digits and signs of one form: their codes have the order that a language gives them.
+        std::vector<QString> texts;
+        texts.reserve(static_cast<std::size_t>(rows.size()));
+        for (const PaneRow &row : rows) {
+            texts.push_back(cellText(row, column));
+        }
+        return sortedOrder(texts, order);
+    }
+    // A key is made once a row; comparing two keys is far cheaper than comparing two texts.
+    std::vector<QCollatorSortKey> keys;
+    keys.reserve(static_cast<std::size_t>(rows.size()));
+    const QCollator collator = textOrder();
+    for (const PaneRow &row : rows) {
+        keys.push_back(collator.sortKey(row.name));
+    }
+    return sortedOrder(keys, order);
+}
+
 /// The blue of rows that an operation works on; readable on the palette's background.
 QColor markedColour()
 {
@@ -86,16 +108,9 @@ QList<PaneRow> RegroupRows(const QList<PaneRow> &sorted)
 
 QList<PaneRow> sortRows(QList<PaneRow> rows, int column, Qt::SortOrder order)
 {
-    // A key is made once a row; comparing two keys is far cheaper than comparing two texts.
-    std::vector<QCollatorSortKey> keys;
-    keys.reserve(static_cast<std::size_t>(rows.size()));
-    const QCollator collator = textOrder();
-    for (const PaneRow &row : std::as_const(rows)) {
-        keys.push_back(collator.sortKey(cellText(row, column)));
-    }
     QList<PaneRow> result;
     result.reserve(rows.size());
-    for (const int row : sortedOrder(keys, order)) {
+    for (const int row : orderOf(rows, column, order)) {
         result.append(std::move(rows[row]));
     }
     return result;
