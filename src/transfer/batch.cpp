@@ -46,6 +46,7 @@ void Batch::end()
     shell.UpdateRemoteCommandStates();
     shell.UpdateLocalCommandStates();
     m_tools.progress.finish();
+    shell.SetAbortEnabled(false); // the last progress report may have come after the last reply
     shell.SetFolderBoxesEnabled(true);
 }
 

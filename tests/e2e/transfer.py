@@ -56,6 +56,12 @@ def log_in(program):
     program.wait("the end of the message", lambda: program.box() is None)
 
 
+def is_idle(program, button):
+    return (program.enabled(button) and program.enabled("cmbRemoteDir")
+            and not program.enabled("cmdAbort")
+            and not any(row.get("ghosted") for row in program.rows("lvwRemote")))
+
+
 def transfer(program, view, names, button, missing):
     """Marks rows, presses a transfer button, waits for the bytes and for the window to be idle."""
     program.select(view, names)
@@ -68,7 +74,7 @@ def transfer(program, view, names, button, missing):
                           f"queue: {program.rows('lvwStatus')}") from None
     program.wait("the queue's rows",
                  lambda: len(program.rows("lvwStatus")) >= rows_before + len(names))
-    program.wait("an idle window", lambda: program.enabled(button) and program.enabled("cmbRemoteDir"))
+    program.wait("an idle window", lambda: is_idle(program, button))
 
 
 def report(title, source, names):

@@ -56,6 +56,7 @@ TEST_F(DownloadTest, LeavesTheWindowReadyAndTheTargetListed)
     EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 0 1 1 1"_s));
     EXPECT_FALSE(shellCalls(u"UpdateRemoteCommandStates"_s).isEmpty());
     EXPECT_FALSE(shellCalls(u"UpdateLocalCommandStates"_s).isEmpty());
+    EXPECT_TRUE(shell.calls.contains(u"SetAbortEnabled 0"_s)); // nothing is left to abort
     EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
     EXPECT_TRUE(local.calls.contains(u"list "_s + disk()));
     EXPECT_EQ(local.text, disk());
