@@ -24,7 +24,7 @@ std::string dateOf(const ftp::Entry &entry)
 
 TEST(ParseList, KnowsNothingOfABlankText)
 {
-    for (const char *text : { "", "\r\n", "\n\n", "   \r\n\t\r\n", "\r" }) {
+    for (const char *text : { "", "\r\n", "\n\n", "   \r\n\t\r\n", "\r", " \r\r\n" }) {
         EXPECT_FALSE(ftp::parseList(text, now).understood);
         EXPECT_FALSE(ftp::parseMlsd(text).understood);
         EXPECT_TRUE(ftp::parseList(text, now).entries.empty());

@@ -51,6 +51,10 @@ struct Faults {
     /// Bytes that arrive before the reply to the last command was sent are lost. Certain only
     /// together with replyDelay.
     Shared<bool> noPipelining;
+    /// Commands that arrive during a transfer are answered at once, before its own last reply; PASV
+    /// and EPSV close the running data connection then, and that reply never comes. Some servers do
+    /// that.
+    Shared<bool> answersDuringTransfers;
     Shared<int> maxSessions { -1 }; ///< further ones get tooManyReply
     Shared<std::string> tooManyReply { "421 Too many connections" }; ///< a 530 comes after PASS
 

@@ -267,6 +267,24 @@ TEST_F(FaultServerTest, BreaksUploads)
     EXPECT_EQ(client->send("STOR x", "abc"), "");
 }
 
+TEST_F(FaultServerTest, AnswersDuringTransfers)
+{
+    server.fault.answersDuringTransfers = true;
+    const auto client = loggedIn();
+    auto data = client->openDataFor("STOR x");
+    client->write("SIZE x\r\n");
+    ASSERT_TRUE(server.waitForCommand("STOR"));
+    data->write("abc");
+    EXPECT_EQ(client->readReply().substr(0, 3), "213"); // not 226
+    data->finish();
+    EXPECT_EQ(client->readReply().substr(0, 3), "226");
+    data = client->openDataFor("STOR x");
+    client->write("EPSV\r\n");
+    data->write("abc");
+    EXPECT_EQ(client->readReply().substr(0, 3), "229");
+    EXPECT_EQ(client->command("NOOP").substr(0, 3), "200"); // no 226 ever
+}
+
 TEST_F(FaultServerTest, TellsForeignAndDeadPorts)
 {
     const auto client = loggedIn();

@@ -85,6 +85,8 @@ private:
     /// What goes wrong with the next transfer. @param bytes  receives after how many bytes
     Wrong wrongAfter(long &bytes, bool upload) const;
     void finishTransfer(Stream &data, Wrong wrong);
+    /// Looks at what has arrived during a transfer. @return false when the transfer is over by that
+    bool mayGoOn(Stream &data);
     bool abortArrived();
     void waitForClient(Stream &data);
 
@@ -102,6 +104,7 @@ private:
     std::chrono::steady_clock::time_point m_arrived; ///< of the command that is carried out
     bool m_open = true;
     bool m_tooMany = false;
+    bool m_transferring = false;
 
     std::string m_user;
     bool m_passwordGood = false;

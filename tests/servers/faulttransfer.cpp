@@ -36,6 +36,7 @@ void removeCarriageReturns(std::string &text)
 
 void FaultSession::openPassivePort()
 {
+    m_transferring = false; // of two data connections the older one goes
     m_activePort = 0;
     m_passive = listenOn(m_server.address);
 }
@@ -126,6 +127,7 @@ std::unique_ptr<Stream> FaultSession::openData()
         return nullptr;
     }
     reply("150 Here it comes.");
+    m_transferring = true;
     auto data = std::make_unique<Stream>(std::move(handle), m_drop);
     if (!m_protectData) {
         return data;
@@ -222,9 +224,7 @@ void FaultSession::sendData(std::string bytes, bool mayBeFaulty)
             reply("426 Failure writing network stream.");
             return;
         }
-        if (abortArrived()) {
-            data->drop();
-            reply("426 Aborted.");
+        if (!mayGoOn(*data)) {
             return;
         }
     }
@@ -276,6 +276,9 @@ void FaultSession::receiveData(const fs::path &path, long offset)
             return;
         }
         offset += static_cast<long>(block.size());
+        if (!mayGoOn(*data)) {
+            return;
+        }
     }
     if (got < 0) {
         data->drop();
@@ -317,6 +320,25 @@ void FaultSession::finishTransfer(Stream &data, Wrong wrong)
     if (!m_fault.noFinalReply.get()) {
         reply(text.empty() ? "226 Transfer complete." : text);
     }
+}
+
+bool FaultSession::mayGoOn(Stream &data)
+{
+    if (abortArrived()) {
+        data.drop();
+        reply("426 Aborted.");
+        return false;
+    }
+    std::string line;
+    while (m_fault.answersDuringTransfers.get() && m_buffer.find('\n') != std::string::npos
+           && readLine(line)) {
+        execute(line);
+        if (!m_transferring) {
+            data.drop();
+            return false;
+        }
+    }
+    return true;
 }
 
 /// Whether ABOR has arrived, perhaps behind Telnet's signals.
