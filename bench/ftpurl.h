@@ -18,11 +18,15 @@ namespace bench_detail {
 inline std::string decodePercent(std::string_view text)
 {
     const auto digit = [](char c) {
-        return c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+        return c >= '0' && c <= '9' ? c - '0'
+            : c >= 'a' && c <= 'f'  ? c - 'a' + 10
+            : c >= 'A' && c <= 'F'  ? c - 'A' + 10
+                                    : -1;
     };
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 && digit(text[i + 2]) >= 0) {
+        if (text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0
+            && digit(text[i + 2]) >= 0) {
             bytes += static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2]));
             i += 2;
         } else {
@@ -53,10 +57,12 @@ inline std::optional<BenchUrl> parseBenchUrl(std::string_view text)
         const std::string_view login = server.substr(0, at);
         const std::size_t colon = std::min(login.find(':'), login.size());
         url.user = bench_detail::decodePercent(login.substr(0, colon));
-        url.password = colon < login.size() ? bench_detail::decodePercent(login.substr(colon + 1)) : "";
+        url.password
+            = colon < login.size() ? bench_detail::decodePercent(login.substr(colon + 1)) : "";
         server.remove_prefix(at + 1);
     }
-    if (const std::size_t colon = server.rfind(':'); colon != std::string_view::npos && server.find(']', colon) == std::string_view::npos) {
+    if (const std::size_t colon = server.rfind(':');
+        colon != std::string_view::npos && server.find(']', colon) == std::string_view::npos) {
         unsigned long port = 0;
         for (const char c : server.substr(colon + 1)) {
             if (c < '0' || c > '9' || port > 65535) {

@@ -58,7 +58,8 @@ std::optional<Options> parseArguments(const std::vector<std::string> &arguments)
     }
     const bool noLocal = !plain.empty() && (plain[0] == "list" || plain[0] == "remove-tree");
     const auto url = plain.size() > 1 ? parseBenchUrl(plain[1]) : std::nullopt;
-    if (plain.size() != (noLocal ? 2U : 3U) || !url || options.sessions < 1 || options.timeout < 1) {
+    if (plain.size() != (noLocal ? 2U : 3U) || !url || options.sessions < 1
+        || options.timeout < 1) {
         return std::nullopt;
     }
     options.verb = plain[0];
@@ -118,7 +119,8 @@ ftp::Awaitable<ftp::Status> work(ftp::Client &client, const Options &options, Fi
     if (!folder) {
         co_return tl::unexpected(folder.error());
     }
-    figures = { static_cast<std::int64_t>(folder->rawText.size()), static_cast<std::int64_t>(folder->entries.size()) };
+    figures = { static_cast<std::int64_t>(folder->rawText.size()),
+                static_cast<std::int64_t>(folder->entries.size()) };
     if (!options.json) {
         for (const ftp::FolderEntry &entry : folder->entries) {
             std::cout << entry.type << ' ' << entry.size << ' ' << entry.name << '\n';
@@ -127,7 +129,8 @@ ftp::Awaitable<ftp::Status> work(ftp::Client &client, const Options &options, Fi
     co_return ftp::Status {};
 }
 
-ftp::Awaitable<void> session(ftp::Client &client, const Options &options, Figures &figures, ftp::Status &outcome)
+ftp::Awaitable<void> session(ftp::Client &client, const Options &options, Figures &figures,
+                             ftp::Status &outcome)
 {
     outcome = co_await client.open();
     if (outcome) {
@@ -155,13 +158,17 @@ void print(const Options &options, const Figures &figures, double seconds, std::
 {
     rusage usage {};
     getrusage(RUSAGE_SELF, &usage);
-    const auto cpu = [](const timeval &time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
-    std::printf(options.json ? "{\"seconds\": %.4f, \"bytes\": %lld, \"files\": %lld, \"round_trips\": %llu, "
-                               "\"cpu_seconds\": %.4f, \"peak_bytes\": %lld}\n"
-                             : "%.4f s, %lld bytes, %lld files, %llu round trips, %.4f s CPU, peak %lld bytes\n",
-                seconds, static_cast<long long>(figures.bytes), static_cast<long long>(figures.files),
-                static_cast<unsigned long long>(packets), cpu(usage.ru_utime) + cpu(usage.ru_stime),
-                static_cast<long long>(usage.ru_maxrss) * 1024);
+    const auto cpu = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    std::printf(
+        options.json
+            ? "{\"seconds\": %.4f, \"bytes\": %lld, \"files\": %lld, \"round_trips\": %llu, "
+              "\"cpu_seconds\": %.4f, \"peak_bytes\": %lld}\n"
+            : "%.4f s, %lld bytes, %lld files, %llu round trips, %.4f s CPU, peak %lld bytes\n",
+        seconds, static_cast<long long>(figures.bytes), static_cast<long long>(figures.files),
+        static_cast<unsigned long long>(packets), cpu(usage.ru_utime) + cpu(usage.ru_stime),
+        static_cast<long long>(usage.ru_maxrss) * 1024);
 }
 
 } // namespace
@@ -170,19 +177,24 @@ int main(int argc, char **argv)
 {
     const auto options = parseArguments({ argv + 1, argv + argc });
     if (!options) {
-        std::cerr << "usage: tarvelo-bench get|put|get-tree|put-tree URL PATH | list|remove-tree URL\n"
-                     "       [--sessions N] [--passive 0|1] [--timeout S] [--json] [--accept-any-certificate]\n";
+        std::cerr
+            << "usage: tarvelo-bench get|put|get-tree|put-tree URL PATH | list|remove-tree URL\n"
+               "       [--sessions N] [--passive 0|1] [--timeout S] [--json] "
+               "[--accept-any-certificate]\n";
         return 2;
     }
     const auto start = std::chrono::steady_clock::now();
     asio::io_context context(1);
     ftp::Hooks hooks;
     if (options->acceptAny) {
-        hooks.certificate = [](ftp::CertificateQuestion) -> ftp::Awaitable<ftp::Trust> { co_return ftp::Trust::Once; };
+        hooks.certificate = [](ftp::CertificateQuestion) -> ftp::Awaitable<ftp::Trust> {
+            co_return ftp::Trust::Once;
+        };
     }
     hooks.note = [](const std::string &text) { std::cerr << text << '\n'; };
     const auto knowledge = std::make_shared<ftp::ServerKnowledge>("");
-    ftp::Client client(context.get_executor(), loginOf(*options), hooks, knowledge, options->sessions);
+    ftp::Client client(context.get_executor(), loginOf(*options), hooks, knowledge,
+                       options->sessions);
     Figures figures;
     ftp::Status outcome;
     asio::co_spawn(context, session(client, *options, figures, outcome), asio::detached);

@@ -17,7 +17,9 @@ constexpr std::int64_t quarterHour = 15 * 60;
 std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc)
 {
     const std::int64_t difference = listed - (utc - utc % 60);
-    const auto rounded = static_cast<std::int64_t>(std::llround(static_cast<double>(difference) / quarterHour)) * quarterHour;
+    const auto rounded
+        = static_cast<std::int64_t>(std::llround(static_cast<double>(difference) / quarterHour))
+        * quarterHour;
     const bool plausible = std::abs(difference - rounded) <= 60 && std::abs(rounded) <= 14 * 3600;
     return plausible ? std::optional(rounded) : std::nullopt;
 }
@@ -48,10 +50,7 @@ Awaitable<Status> Client::open()
     co_return opened;
 }
 
-Awaitable<Status> Client::quit()
-{
-    co_return co_await m_session.quit();
-}
+Awaitable<Status> Client::quit() { co_return co_await m_session.quit(); }
 
 void Client::abort()
 {
@@ -76,15 +75,9 @@ Awaitable<void> Client::stopWatching()
     }
 }
 
-std::string Client::folder()
-{
-    return m_names.decodePath(m_session.folder());
-}
+std::string Client::folder() { return m_names.decodePath(m_session.folder()); }
 
-std::string Client::encode(const std::string &path)
-{
-    return m_names.encode(path, folder());
-}
+std::string Client::encode(const std::string &path) { return m_names.encode(path, folder()); }
 
 Awaitable<Status> Client::changeFolder(std::string path)
 {
@@ -95,17 +88,16 @@ Awaitable<Status> Client::changeFolder(std::string path)
     co_return co_await m_session.changeFolder(encode(path));
 }
 
-Awaitable<Status> Client::changeToParent()
-{
-    co_return co_await m_session.changeToParent();
-}
+Awaitable<Status> Client::changeToParent() { co_return co_await m_session.changeToParent(); }
 
 Awaitable<Status> Client::learnZone(const Listing &listing)
 {
     ServerKnowledge &server = m_session.knowledge();
-    const auto telling = std::find_if(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
-        return entry.type == '-' && entry.time && !entry.utc && entry.precision != Entry::Precision::Day;
-    });
+    const auto telling
+        = std::find_if(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
+              return entry.type == '-' && entry.time && !entry.utc
+                  && entry.precision != Entry::Precision::Day;
+          });
     if (server.zoneOffset || server.noModificationTime || telling == listing.entries.end()) {
         co_return Status {};
     }
@@ -113,7 +105,9 @@ Awaitable<Status> Client::learnZone(const Listing &listing)
     auto answer = co_await m_session.ask("MDTM " + telling->name);
     m_session.dialogue().setMuted(false);
     if (!answer) {
-        co_return answer.error().kind == ErrorKind::BadArgument ? Status {} : Status(tl::unexpected(answer.error()));
+        co_return answer.error().kind == ErrorKind::BadArgument
+            ? Status {}
+            : Status(tl::unexpected(answer.error()));
     }
     const auto utc = answer->code == 213 ? parseTimeVal(answer->message()) : std::nullopt;
     if (utc) {
@@ -133,7 +127,8 @@ FolderEntry Client::present(const Entry &entry, const std::string &folder)
     shown.target = entry.target;
     shown.dayOnly = entry.time && entry.precision == Entry::Precision::Day;
     if (entry.time) {
-        const std::int64_t offset = entry.utc || shown.dayOnly ? 0 : m_session.knowledge().zoneOffset.value_or(0);
+        const std::int64_t offset
+            = entry.utc || shown.dayOnly ? 0 : m_session.knowledge().zoneOffset.value_or(0);
         shown.time = toEpoch(*entry.time) - offset;
     }
     return shown;
@@ -159,13 +154,15 @@ Awaitable<Result<Folder>> Client::list()
     co_return result;
 }
 
-Awaitable<Result<std::int64_t>> Client::get(std::string remotePath, std::string localPath, std::int64_t offset, Type type)
+Awaitable<Result<std::int64_t>> Client::get(std::string remotePath, std::string localPath,
+                                            std::int64_t offset, Type type)
 {
     GetRequest request { encode(remotePath), std::move(localPath), offset, type, {} };
     co_return co_await retrieve(m_session, std::move(request));
 }
 
-Awaitable<Result<std::int64_t>> Client::put(std::string localPath, std::string remotePath, std::int64_t offset, Type type)
+Awaitable<Result<std::int64_t>> Client::put(std::string localPath, std::string remotePath,
+                                            std::int64_t offset, Type type)
 {
     PutRequest request { std::move(localPath), encode(remotePath), offset, type, {} };
     co_return co_await store(m_session, std::move(request));

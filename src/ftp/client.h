@@ -57,8 +57,10 @@ public:
     Awaitable<Result<Folder>> list();
 
     /// @return the offset that was really used
-    Awaitable<Result<std::int64_t>> get(std::string remotePath, std::string localPath, std::int64_t offset, Type type);
-    Awaitable<Result<std::int64_t>> put(std::string localPath, std::string remotePath, std::int64_t offset, Type type);
+    Awaitable<Result<std::int64_t>> get(std::string remotePath, std::string localPath,
+                                        std::int64_t offset, Type type);
+    Awaitable<Result<std::int64_t>> put(std::string localPath, std::string remotePath,
+                                        std::int64_t offset, Type type);
 
     Awaitable<Status> makeFolder(std::string path);
     Awaitable<Status> removeFolder(std::string path);

@@ -47,7 +47,8 @@ Error lookUpError(int code, const std::string &host)
     const bool unknown = code == EAI_NONAME || code == EAI_NODATA || code == EAI_ADDRFAMILY
         || code == EAI_AGAIN || code == EAI_FAIL;
     if (!unknown) {
-        return { ErrorKind::UnknownHost, 0, std::string("Name resolution failed: ") + ::gai_strerror(code) };
+        return { ErrorKind::UnknownHost, 0,
+                 std::string("Name resolution failed: ") + ::gai_strerror(code) };
     }
     std::string text = "No such host is known";
     if (code == EAI_AGAIN || code == EAI_FAIL) {
@@ -60,8 +61,8 @@ Error lookUpError(int code, const std::string &host)
     return { ErrorKind::UnknownHost, 0, text };
 }
 
-Awaitable<Result<Endpoints>> lookUp(asio::any_io_executor executor, std::string host, std::uint16_t port,
-                                    Milliseconds limit)
+Awaitable<Result<Endpoints>> lookUp(asio::any_io_executor executor, std::string host,
+                                    std::uint16_t port, Milliseconds limit)
 {
     std::error_code notLiteral;
     const auto literal = asio::ip::make_address(host, notLiteral);
@@ -73,7 +74,10 @@ Awaitable<Result<Endpoints>> lookUp(asio::any_io_executor executor, std::string 
     }
     // getaddrinfo cannot be interrupted: the thread owns what it touches and may outlive us.
     struct Wait {
-        explicit Wait(const asio::any_io_executor &on) : timer(on) { }
+        explicit Wait(const asio::any_io_executor &on)
+            : timer(on)
+        {
+        }
         asio::steady_timer timer;
         LookUp result;
         bool done = false;
@@ -102,8 +106,8 @@ Awaitable<Result<Endpoints>> lookUp(asio::any_io_executor executor, std::string 
     co_return std::move(wait->result.endpoints);
 }
 
-Awaitable<Status> connectTo(Stream &stream, std::string host, std::uint16_t port, const Proxy &proxy,
-                            Milliseconds limit)
+Awaitable<Status> connectTo(Stream &stream, std::string host, std::uint16_t port,
+                            const Proxy &proxy, Milliseconds limit)
 {
     const bool through = proxy.kind != ProxyKind::None;
     const std::string &name = through ? proxy.host : host;

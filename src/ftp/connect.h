@@ -9,16 +9,15 @@ namespace ftp {
 
 /// All addresses of a name, in the resolver's order. The look-up runs beside the engine's thread
 /// and is left behind when the session is aborted.
-Awaitable<Result<std::vector<asio::ip::tcp::endpoint>>> lookUp(asio::any_io_executor executor,
-                                                               std::string host, std::uint16_t port,
-                                                               Milliseconds limit);
+Awaitable<Result<std::vector<asio::ip::tcp::endpoint>>>
+lookUp(asio::any_io_executor executor, std::string host, std::uint16_t port, Milliseconds limit);
 
 /// A failed look-up as the program describes it. @param code  of getaddrinfo
 [[nodiscard]] Error lookUpError(int code, const std::string &host);
 
 /// A TCP connection to host and port, directly or through a SOCKS proxy; the addresses of a name
 /// are tried one after the other and only the last failure counts.
-Awaitable<Status> connectTo(Stream &stream, std::string host, std::uint16_t port, const Proxy &proxy,
-                            Milliseconds limit);
+Awaitable<Status> connectTo(Stream &stream, std::string host, std::uint16_t port,
+                            const Proxy &proxy, Milliseconds limit);
 
 } // namespace ftp

@@ -30,7 +30,8 @@ Result<std::string> encodeCommand(std::string_view command, bool doubleTelnetIac
     return line;
 }
 
-TcpControlLine::TcpControlLine(std::unique_ptr<Stream> stream, Milliseconds writeLimit, std::uint64_t &packets)
+TcpControlLine::TcpControlLine(std::unique_ptr<Stream> stream, Milliseconds writeLimit,
+                               std::uint64_t &packets)
     : m_stream(std::move(stream))
     , m_writeLimit(writeLimit)
     , m_packets(packets)
@@ -127,11 +128,13 @@ Awaitable<Result<Reply>> TcpControlLine::readReply(Milliseconds limit)
     }
 }
 
-Awaitable<Status> TcpControlLine::startTls(TlsContext &context, std::string host, Milliseconds limit)
+Awaitable<Status> TcpControlLine::startTls(TlsContext &context, std::string host,
+                                           Milliseconds limit)
 {
     m_buffer.clear();
     m_begin = 0;
-    co_return co_await m_stream->startTls(context, std::move(host), Stream::TlsRole::Control, limit);
+    co_return co_await m_stream->startTls(context, std::move(host), Stream::TlsRole::Control,
+                                          limit);
 }
 
 } // namespace ftp

@@ -15,7 +15,8 @@ inline constexpr std::size_t longestCommand = 4096;
 /// A command as it goes over the wire, with CR LF. The one place that refuses CR, LF and NUL,
 /// which would end the command early and let a name carry commands of its own.
 /// @param doubleTelnetIac  send the byte FF twice (RFC 959, section 5.3; RFC 854)
-[[nodiscard]] Result<std::string> encodeCommand(std::string_view command, bool doubleTelnetIac = false);
+[[nodiscard]] Result<std::string> encodeCommand(std::string_view command,
+                                                bool doubleTelnetIac = false);
 
 /// The control connection as the dialogues see it; tests put a script in its place.
 struct ControlLine {

@@ -1,10 +1,10 @@
 #include "ftp/crew.h"
 
+#include <array>
 #include <asio/co_spawn.hpp>
 #include <asio/detached.hpp>
 #include <asio/redirect_error.hpp>
 #include <asio/use_awaitable.hpp>
-#include <array>
 
 namespace ftp {
 namespace {
@@ -35,10 +35,7 @@ Crew::Crew(Client &client, Worker worker)
     m_news.expires_at(asio::steady_timer::time_point::max());
 }
 
-void Crew::wakeAll()
-{
-    m_news.cancel();
-}
+void Crew::wakeAll() { m_news.cancel(); }
 
 void Crew::note(const std::string &text) const
 {
@@ -58,10 +55,7 @@ void Crew::failed(const Error &error)
     }
 }
 
-void Crew::addBytes(std::int64_t bytes)
-{
-    m_meter.add(bytes);
-}
+void Crew::addBytes(std::int64_t bytes) { m_meter.add(bytes); }
 
 void Crew::jobAdded()
 {
@@ -109,7 +103,8 @@ void Crew::hire()
     }
     ++m_helpers;
     const Session &first = m_client.session();
-    auto session = std::make_shared<Session>(first.executor(), first.loginData(), quietHooks(), first.sharedKnowledge());
+    auto session = std::make_shared<Session>(first.executor(), first.loginData(), quietHooks(),
+                                             first.sharedKnowledge());
     m_client.addHelper(session);
     asio::co_spawn(first.executor(), join(std::move(session)), asio::detached);
 }
@@ -170,7 +165,8 @@ Awaitable<void> Crew::workAlone()
             failed(worked.error());
             break;
         }
-        note("Die Verbindung ging verloren (" + worked.error().text + "); sie wird wieder hergestellt.");
+        note("Die Verbindung ging verloren (" + worked.error().text
+             + "); sie wird wieder hergestellt.");
         Status opened = co_await reopen();
         if (!opened) {
             failed(worked.error());

@@ -13,7 +13,8 @@ namespace {
 /// Failures on the way to the data connection are one kind for the user, except those that end all.
 Status asDataError(Status status)
 {
-    if (!status && status.error().kind != ErrorKind::Aborted && status.error().kind != ErrorKind::TlsFailed) {
+    if (!status && status.error().kind != ErrorKind::Aborted
+        && status.error().kind != ErrorKind::TlsFailed) {
         return fail(ErrorKind::DataConnection, "No data connection: " + status.error().text);
     }
     return status;
@@ -28,10 +29,7 @@ DataConnection::DataConnection(Session &session)
     m_session.addDataStream(m_stream.get());
 }
 
-DataConnection::~DataConnection()
-{
-    m_session.removeDataStream(m_stream.get());
-}
+DataConnection::~DataConnection() { m_session.removeDataStream(m_stream.get()); }
 
 bool DataConnection::useExtended() const
 {
@@ -54,7 +52,8 @@ Result<std::string> DataConnection::command()
     const auto own = m_session.line().stream().socket().local_endpoint(error);
     const std::uint16_t port = m_acceptor->local_endpoint(error).port();
     const std::string address = own.address().to_string();
-    return own.address().is_v6() ? "EPRT " + formatEprt(address, port) : "PORT " + formatPort(address, port);
+    return own.address().is_v6() ? "EPRT " + formatEprt(address, port)
+                                 : "PORT " + formatPort(address, port);
 }
 
 Status DataConnection::listen()
@@ -71,7 +70,8 @@ Status DataConnection::listen()
     if (!error) {
         m_acceptor->listen(1, error);
     }
-    return error ? Status(fail(ErrorKind::DataConnection, "No data connection: " + error.message())) : Status {};
+    return error ? Status(fail(ErrorKind::DataConnection, "No data connection: " + error.message()))
+                 : Status {};
 }
 
 Awaitable<Status> DataConnection::begin(Reply reply)

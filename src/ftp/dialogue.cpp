@@ -2,10 +2,7 @@
 
 namespace ftp {
 
-Awaitable<Result<Reply>> Dialogue::reply()
-{
-    return reply(m_limit);
-}
+Awaitable<Result<Reply>> Dialogue::reply() { return reply(m_limit); }
 
 Awaitable<Result<Reply>> Dialogue::reply(Milliseconds limit)
 {

@@ -25,7 +25,9 @@ void FtpBridge::detach()
 void FtpBridge::event(int status, QString text, std::int64_t bytes, std::int64_t total)
 {
     FtpEvent told { operation, status, std::move(text), bytes, total };
-    post([self = shared_from_this(), told = std::move(told)] { Q_EMIT self->m_control->replyEvent(told); });
+    post([self = shared_from_this(), told = std::move(told)] {
+        Q_EMIT self->m_control->replyEvent(told);
+    });
 }
 
 ftp::Hooks FtpBridge::hooks()
@@ -36,19 +38,24 @@ ftp::Hooks FtpBridge::hooks()
         self->event(ftpStatus(reply), ftpText(reply.text()) + QStringLiteral("\r\n"), 0, 0);
     };
     made.note = [self](const std::string &text) {
-        self->event(FtpEvent::Completed, QString::fromStdString(text) + QStringLiteral("\r\n"), 0, 0);
+        self->event(FtpEvent::Completed, QString::fromStdString(text) + QStringLiteral("\r\n"), 0,
+                    0);
     };
     made.progress = [self](std::int64_t bytes, std::int64_t total) {
         self->event(FtpEvent::InProgress, {}, bytes, total);
     };
-    made.certificate = [self](ftp::CertificateQuestion asked) { return self->ask(std::move(asked)); };
+    made.certificate
+        = [self](ftp::CertificateQuestion asked) { return self->ask(std::move(asked)); };
     return made;
 }
 
 ftp::Awaitable<ftp::Trust> FtpBridge::ask(ftp::CertificateQuestion asked)
 {
     struct Wait {
-        explicit Wait(const asio::any_io_executor &executor) : timer(executor) { }
+        explicit Wait(const asio::any_io_executor &executor)
+            : timer(executor)
+        {
+        }
         asio::steady_timer timer;
         std::optional<ftp::Trust> answer;
     };

@@ -12,7 +12,10 @@
 /// that still winds up has somebody harmless to talk to.
 class FtpBridge : public std::enable_shared_from_this<FtpBridge> {
 public:
-    explicit FtpBridge(FtpControl *control) : m_control(control) { }
+    explicit FtpBridge(FtpControl *control)
+        : m_control(control)
+    {
+    }
 
     /// Runs something on the control's thread, unless the control is gone.
     void post(std::function<void()> work);

@@ -92,7 +92,8 @@ template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, W
     const auto waiting = std::make_shared<Waiting>();
     const std::shared_ptr<Client> used = client;
     const auto report = bridge;
-    auto watchLost = [this, report, which = used.get()] { report->post([this, which] { lost(which); }); };
+    auto watchLost
+        = [this, report, which = used.get()] { report->post([this, which] { lost(which); }); };
     asio::co_spawn(
         ftp::EngineThread::executor(),
         [](std::shared_ptr<Client> on, Work step, auto whenLost) -> Awaitable<Outcome<T>> {
@@ -136,8 +137,10 @@ template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, W
 /// connect and logout explain their failures themselves, and who aborts knows.
 void FtpControl::Private::tellReason(int code, const ftp::Error &error)
 {
-    if (error.replyCode == 0 && error.kind != ErrorKind::Aborted && code != OpConnect && code != OpLogout) {
-        Q_EMIT q->replyEvent({ code, FtpEvent::Failed, ftpError(error).text + QStringLiteral("\r\n"), 0, 0 });
+    if (error.replyCode == 0 && error.kind != ErrorKind::Aborted && code != OpConnect
+        && code != OpLogout) {
+        Q_EMIT q->replyEvent(
+            { code, FtpEvent::Failed, ftpError(error).text + QStringLiteral("\r\n"), 0, 0 });
     }
 }
 
@@ -154,7 +157,8 @@ void FtpControl::Private::finish(const std::shared_ptr<Client> &used, const Outc
     }
 }
 
-FtpStatus FtpControl::Private::simple(int code, std::function<Awaitable<ftp::Status>(Client &)> work)
+FtpStatus FtpControl::Private::simple(int code,
+                                      std::function<Awaitable<ftp::Status>(Client &)> work)
 {
     return run<void>(code, std::move(work));
 }
@@ -179,73 +183,43 @@ FtpControl::FtpControl(QObject *parent)
 {
 }
 
-FtpControl::~FtpControl()
-{
-    d->bridge->detach();
-}
+FtpControl::~FtpControl() { d->bridge->detach(); }
 
-int FtpControl::state() const
-{
-    return d->state;
-}
+int FtpControl::state() const { return d->state; }
 
-bool FtpControl::isBusy() const
-{
-    return d->busy;
-}
+bool FtpControl::isBusy() const { return d->busy; }
 
 void FtpControl::setTimeout(int milliseconds)
 {
     d->login.timeout = ftp::Milliseconds(milliseconds);
 }
 
-void FtpControl::setPassiveMode(bool passive)
-{
-    d->login.passive = passive;
-}
+void FtpControl::setPassiveMode(bool passive) { d->login.passive = passive; }
 
-void FtpControl::setTransferType(int type)
-{
-    d->transferType = type;
-}
+void FtpControl::setTransferType(int type) { d->transferType = type; }
 
-int FtpControl::transferType() const
-{
-    return d->transferType;
-}
+int FtpControl::transferType() const { return d->transferType; }
 
-void FtpControl::setStoreMode(int mode)
-{
-    d->storeMode = mode;
-}
+void FtpControl::setStoreMode(int mode) { d->storeMode = mode; }
 
-void FtpControl::setProxy(const FtpProxy &proxy)
-{
-    d->login.proxy = engineProxy(proxy);
-}
+void FtpControl::setProxy(const FtpProxy &proxy) { d->login.proxy = engineProxy(proxy); }
 
 void FtpControl::setEncryption(FtpEncryption encryption)
 {
     d->login.encryption = static_cast<ftp::Encryption>(encryption);
 }
 
-void FtpControl::setSessionLimit(int sessions)
-{
-    d->sessionLimit = sessions;
-}
+void FtpControl::setSessionLimit(int sessions) { d->sessionLimit = sessions; }
 
-void FtpControl::setTrustFile(const QString &path)
-{
-    d->trustFile = path.toStdString();
-}
+void FtpControl::setTrustFile(const QString &path) { d->trustFile = path.toStdString(); }
 
 void FtpControl::setCertificateQuestion(std::function<FtpTrust(const FtpCertificate &)> question)
 {
     d->bridge->question = std::move(question);
 }
 
-FtpStatus FtpControl::connectAndLogin(const QString &server, const QString &user, const QString &password,
-                                      const QString &account, int port)
+FtpStatus FtpControl::connectAndLogin(const QString &server, const QString &user,
+                                      const QString &password, const QString &account, int port)
 {
     if (d->busy) {
         return failure(ErrorKind::Busy, "Another operation is running");
@@ -259,8 +233,9 @@ FtpStatus FtpControl::connectAndLogin(const QString &server, const QString &user
     login.host = server.toStdString();
     login.port = static_cast<std::uint16_t>(port);
     login.credentials = { user.toStdString(), password.toStdString(), account.toStdString() };
-    d->client = ownedByEngine(new Client(ftp::EngineThread::executor(), std::move(login), d->bridge->hooks(),
-                                         std::make_shared<ftp::ServerKnowledge>(d->trustFile), d->sessionLimit));
+    d->client = ownedByEngine(
+        new Client(ftp::EngineThread::executor(), std::move(login), d->bridge->hooks(),
+                   std::make_shared<ftp::ServerKnowledge>(d->trustFile), d->sessionLimit));
     const auto used = d->client;
     FtpStatus opened = d->simple(OpConnect, [](Client &client) { return client.open(); });
     if (opened && d->client == used) {
@@ -291,14 +266,13 @@ FtpResult<bool> FtpControl::resumeSupport()
     return d->run<bool>(OpConnect, [](Client &client) { return client.supportsRestart(); });
 }
 
-QString FtpControl::currentFolder() const
-{
-    return d->folder;
-}
+QString FtpControl::currentFolder() const { return d->folder; }
 
 FtpStatus FtpControl::setCurrentFolder(const QString &folder)
 {
-    return d->simple(OpChangeFolder, [path = folder.toStdString()](Client &client) { return client.changeFolder(path); });
+    return d->simple(OpChangeFolder, [path = folder.toStdString()](Client &client) {
+        return client.changeFolder(path);
+    });
 }
 
 FtpStatus FtpControl::changeToParentFolder()
@@ -308,13 +282,14 @@ FtpStatus FtpControl::changeToParentFolder()
 
 FtpStatus FtpControl::list()
 {
-    auto listed = d->run<RemoteListing>(OpList, [](Client &client) -> Awaitable<ftp::Result<RemoteListing>> {
-        auto folder = co_await client.list();
-        if (!folder) {
-            co_return tl::unexpected(folder.error());
-        }
-        co_return ftpListing(*folder);
-    });
+    auto listed = d->run<RemoteListing>(
+        OpList, [](Client &client) -> Awaitable<ftp::Result<RemoteListing>> {
+            auto folder = co_await client.list();
+            if (!folder) {
+                co_return tl::unexpected(folder.error());
+            }
+            co_return ftpListing(*folder);
+        });
     if (!listed) {
         return tl::unexpected<FtpError>(listed.error());
     }
@@ -322,18 +297,16 @@ FtpStatus FtpControl::list()
     return {};
 }
 
-const RemoteListing &FtpControl::listing() const
-{
-    return d->listing;
-}
+const RemoteListing &FtpControl::listing() const { return d->listing; }
 
 FtpStatus FtpControl::getFile(const QString &remotePath, const QString &localPath, qint64 &offset)
 {
-    const auto used = d->run<std::int64_t>(
-        OpGetFile, [remote = remotePath.toStdString(), local = localPath.toStdString(), from = offset,
-                    type = engineType(d->transferType)](Client &client) {
-            return client.get(remote, local, from, type);
-        });
+    const auto used
+        = d->run<std::int64_t>(OpGetFile,
+                               [remote = remotePath.toStdString(), local = localPath.toStdString(),
+                                from = offset, type = engineType(d->transferType)](Client &client) {
+                                   return client.get(remote, local, from, type);
+                               });
     if (!used) {
         return tl::unexpected<FtpError>(used.error());
     }
@@ -344,11 +317,12 @@ FtpStatus FtpControl::getFile(const QString &remotePath, const QString &localPat
 FtpStatus FtpControl::putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
 {
     const qint64 from = d->storeMode == StoreContinue ? offset : 0;
-    const auto used = d->run<std::int64_t>(
-        OpPutFile, [remote = remotePath.toStdString(), local = localPath.toStdString(), from,
-                    type = engineType(d->transferType)](Client &client) {
-            return client.put(local, remote, from, type);
-        });
+    const auto used
+        = d->run<std::int64_t>(OpPutFile,
+                               [remote = remotePath.toStdString(), local = localPath.toStdString(),
+                                from, type = engineType(d->transferType)](Client &client) {
+                                   return client.put(local, remote, from, type);
+                               });
     if (!used) {
         return tl::unexpected<FtpError>(used.error());
     }
@@ -358,48 +332,57 @@ FtpStatus FtpControl::putFile(const QString &localPath, const QString &remotePat
 
 FtpStatus FtpControl::getMultiple(const QString &pattern, const QString &localFolder)
 {
-    return d->simple(OpGetMultiple, [remote = folderOfPattern(pattern).toStdString(), local = localFolder.toStdString(),
-                                     type = engineType(d->transferType)](Client &client) {
-        return ftp::getTree(client, remote, local, type);
-    });
+    return d->simple(OpGetMultiple,
+                     [remote = folderOfPattern(pattern).toStdString(),
+                      local = localFolder.toStdString(), type = engineType(d->transferType)](
+                         Client &client) { return ftp::getTree(client, remote, local, type); });
 }
 
 FtpStatus FtpControl::putMultiple(const QString &pattern, const QString &remoteFolder)
 {
-    return d->simple(OpPutMultiple, [local = folderOfPattern(pattern).toStdString(), remote = remoteFolder.toStdString(),
-                                     type = engineType(d->transferType)](Client &client) {
-        return ftp::putTree(client, local, remote, type);
-    });
+    return d->simple(OpPutMultiple,
+                     [local = folderOfPattern(pattern).toStdString(),
+                      remote = remoteFolder.toStdString(), type = engineType(d->transferType)](
+                         Client &client) { return ftp::putTree(client, local, remote, type); });
 }
 
 FtpStatus FtpControl::makeFolder(const QString &name)
 {
-    return d->simple(OpMakeFolder, [path = name.toStdString()](Client &client) { return client.makeFolder(path); });
+    return d->simple(OpMakeFolder, [path = name.toStdString()](Client &client) {
+        return client.makeFolder(path);
+    });
 }
 
 FtpStatus FtpControl::removeFolder(const QString &path)
 {
-    return d->simple(OpRemoveFolder, [raw = path.toStdString()](Client &client) { return client.removeFolder(raw); });
+    return d->simple(OpRemoveFolder, [raw = path.toStdString()](Client &client) {
+        return client.removeFolder(raw);
+    });
 }
 
 FtpStatus FtpControl::deleteFile(const QString &path)
 {
-    return d->simple(OpDelete, [raw = path.toStdString()](Client &client) { return client.removeFile(raw); });
+    return d->simple(OpDelete,
+                     [raw = path.toStdString()](Client &client) { return client.removeFile(raw); });
 }
 
 FtpStatus FtpControl::rename(const QString &oldName, const QString &newName)
 {
-    return d->simple(OpRename, [from = oldName.toStdString(), to = newName.toStdString()](Client &client) {
-        return client.rename(from, to);
-    });
+    return d->simple(OpRename,
+                     [from = oldName.toStdString(), to = newName.toStdString()](Client &client) {
+                         return client.rename(from, to);
+                     });
 }
 
 FtpStatus FtpControl::sendRaw(const QString &command)
 {
-    return d->simple(OpRawCommand, [line = command.toStdString()](Client &client) { return client.raw(line); });
+    return d->simple(OpRawCommand,
+                     [line = command.toStdString()](Client &client) { return client.raw(line); });
 }
 
 FtpStatus FtpControl::removeTree(const QString &folder)
 {
-    return d->simple(OpRemoveFolder, [path = folder.toStdString()](Client &client) { return ftp::removeTree(client, path); });
+    return d->simple(OpRemoveFolder, [path = folder.toStdString()](Client &client) {
+        return ftp::removeTree(client, path);
+    });
 }

@@ -37,12 +37,14 @@ public:
 
     void setTimeout(int milliseconds) override; ///< limit of inactivity for each wait
     void setPassiveMode(bool passive) override;
-    void setTransferType(int type) override; ///< FtpTransferType, used by the next transfer or listing
+    void
+    setTransferType(int type) override; ///< FtpTransferType, used by the next transfer or listing
     [[nodiscard]] int transferType() const override;
     void setStoreMode(int mode) override; ///< FtpStoreMode, used by the next put
     void setProxy(const FtpProxy &proxy) override; ///< used by the next connect
     void setEncryption(FtpEncryption encryption) override; ///< used by the next connect
-    void setSessionLimit(int sessions) override; ///< most connections of a folder transfer, 1 or more
+    void
+    setSessionLimit(int sessions) override; ///< most connections of a folder transfer, 1 or more
     void setTrustFile(const QString &path); ///< where trusted certificates are kept
     /// Asked on this thread when a certificate is not trusted; without a question it is rejected.
     void setCertificateQuestion(std::function<FtpTrust(const FtpCertificate &)> question);

@@ -6,10 +6,7 @@
 #include <cstdio>
 #include <ctime>
 
-QString ftpText(const std::string &raw)
-{
-    return QString::fromStdString(ftp::toUtf8(raw));
-}
+QString ftpText(const std::string &raw) { return QString::fromStdString(ftp::toUtf8(raw)); }
 
 FtpError ftpError(const ftp::Error &error)
 {
@@ -32,9 +29,11 @@ QString reasonText(ftp::CertificateProblem problem)
     case ftp::CertificateProblem::None:
         break;
     case ftp::CertificateProblem::SelfSigned:
-        return QStringLiteral("Der Server hat sein Zertifikat selbst ausgestellt; niemand sonst bürgt dafür.");
+        return QStringLiteral(
+            "Der Server hat sein Zertifikat selbst ausgestellt; niemand sonst bürgt dafür.");
     case ftp::CertificateProblem::UnknownIssuer:
-        return QStringLiteral("Der Aussteller des Zertifikats ist auf diesem Computer nicht bekannt.");
+        return QStringLiteral(
+            "Der Aussteller des Zertifikats ist auf diesem Computer nicht bekannt.");
     case ftp::CertificateProblem::WrongHost:
         return QStringLiteral("Das Zertifikat wurde für einen anderen Servernamen ausgestellt.");
     case ftp::CertificateProblem::Expired:
@@ -73,7 +72,9 @@ int permissionNumber(int bits)
 
 QString typeText(char type)
 {
-    return type == 'd' ? QStringLiteral("d") : type == 'l' ? QStringLiteral("l") : QStringLiteral("-");
+    return type == 'd' ? QStringLiteral("d")
+        : type == 'l'  ? QStringLiteral("l")
+                       : QStringLiteral("-");
 }
 
 } // namespace
@@ -81,9 +82,14 @@ QString typeText(char type)
 FtpCertificate ftpCertificate(const ftp::CertificateQuestion &question)
 {
     const ftp::Certificate &shown = question.certificate;
-    return { QString::fromStdString(question.host), ftpText(shown.subject), ftpText(shown.issuer),
-             QString::fromStdString(shown.validFrom), QString::fromStdString(shown.validUntil),
-             QString::fromStdString(shown.fingerprint), reasonText(question.problem), question.changed };
+    return { QString::fromStdString(question.host),
+             ftpText(shown.subject),
+             ftpText(shown.issuer),
+             QString::fromStdString(shown.validFrom),
+             QString::fromStdString(shown.validUntil),
+             QString::fromStdString(shown.fingerprint),
+             reasonText(question.problem),
+             question.changed };
 }
 
 RemoteListing ftpListing(const ftp::Folder &folder)
@@ -93,8 +99,9 @@ RemoteListing ftpListing(const ftp::Folder &folder)
     listing.rawText = ftpText(folder.rawText);
     listing.entries.reserve(static_cast<qsizetype>(folder.entries.size()));
     for (const ftp::FolderEntry &entry : folder.entries) {
-        listing.entries.append({ QString::fromStdString(entry.name), typeText(entry.type), entry.size,
-                                 dateText(entry), permissionNumber(entry.permissions), ftpText(entry.target) });
+        listing.entries.append({ QString::fromStdString(entry.name), typeText(entry.type),
+                                 entry.size, dateText(entry), permissionNumber(entry.permissions),
+                                 ftpText(entry.target) });
     }
     return listing;
 }
@@ -114,8 +121,9 @@ ftp::Type engineType(int transferType)
 ftp::Proxy engineProxy(const FtpProxy &proxy)
 {
     const bool known = proxy.type >= 1 && proxy.type <= 7;
-    return { known ? static_cast<ftp::ProxyKind>(proxy.type) : ftp::ProxyKind::None, proxy.host.toStdString(),
-             static_cast<std::uint16_t>(proxy.port), proxy.user.toStdString(), proxy.password.toStdString() };
+    return { known ? static_cast<ftp::ProxyKind>(proxy.type) : ftp::ProxyKind::None,
+             proxy.host.toStdString(), static_cast<std::uint16_t>(proxy.port),
+             proxy.user.toStdString(), proxy.password.toStdString() };
 }
 
 QString folderOfPattern(const QString &pattern)

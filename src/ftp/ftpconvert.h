@@ -14,5 +14,6 @@
 [[nodiscard]] FtpEvent::Status ftpStatus(const ftp::Reply &reply);
 [[nodiscard]] ftp::Type engineType(int transferType);
 [[nodiscard]] ftp::Proxy engineProxy(const FtpProxy &proxy);
-/// Folder of a pattern: one pair of quotes and one final "/*" (or "\*") taken off, the rest as it is.
+/// Folder of a pattern: one pair of quotes and one final "/*" (or "\*") taken off, the rest as it
+/// is.
 [[nodiscard]] QString folderOfPattern(const QString &pattern);

@@ -28,8 +28,10 @@ public:
     [[nodiscard]] virtual const RemoteListing &listing() const = 0;
 
     /// @param offset  bytes of localPath to keep; 0 afterwards when the engine had to start anew
-    virtual FtpStatus getFile(const QString &remotePath, const QString &localPath, qint64 &offset) = 0;
-    virtual FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset) = 0;
+    virtual FtpStatus getFile(const QString &remotePath, const QString &localPath, qint64 &offset)
+        = 0;
+    virtual FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
+        = 0;
     virtual FtpStatus getMultiple(const QString &pattern, const QString &localFolder) = 0;
     virtual FtpStatus putMultiple(const QString &pattern, const QString &remoteFolder) = 0;
 

@@ -38,7 +38,8 @@ struct FtpEvent {
     /// the engine in the same form; empty for pure byte counts.
     QString text;
     qint64 bytes = 0; ///< bytes so far, for operations 14 to 17
-    qint64 total = 0; ///< bytes of the whole tree as far as known, for operations 15 and 16; 0 = unknown
+    qint64 total
+        = 0; ///< bytes of the whole tree as far as known, for operations 15 and 16; 0 = unknown
 };
 Q_DECLARE_METATYPE(FtpEvent)
 
@@ -47,7 +48,10 @@ struct FtpError {
     ftp::ErrorKind kind = ftp::ErrorKind::Protocol;
     int replyCode = 0; ///< 0 = no reply of the server involved
     QString text; ///< description: the server's reply or an English text of the engine
-    [[nodiscard]] int number() const { return replyCode > 0 ? replyCode : 1000 + static_cast<int>(kind); }
+    [[nodiscard]] int number() const
+    {
+        return replyCode > 0 ? replyCode : 1000 + static_cast<int>(kind);
+    }
 };
 
 /// A value or the reason why there is none; must be looked at.

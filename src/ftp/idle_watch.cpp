@@ -39,7 +39,8 @@ Awaitable<void> IdleWatch::stop()
         co_return;
     }
     m_stopping = true;
-    if (!m_asking) { // a keep-alive's reply must be read, or the next command would take it for its own
+    if (!m_asking) { // a keep-alive's reply must be read, or the next command would take it for its
+                     // own
         std::error_code ignored; // a socket that cannot be cancelled has nobody waiting
         m_session.line().stream().socket().cancel(ignored);
     }
@@ -78,7 +79,8 @@ Awaitable<Status> IdleWatch::watch()
                 socket.cancel(ignored);
             }
         });
-        co_await socket.async_wait(asio::ip::tcp::socket::wait_read, asio::redirect_error(asio::use_awaitable, error));
+        co_await socket.async_wait(asio::ip::tcp::socket::wait_read,
+                                   asio::redirect_error(asio::use_awaitable, error));
         m_timer.cancel();
         if (m_stopping || !m_session.usable()) {
             co_return Status {};
@@ -99,7 +101,8 @@ Awaitable<Status> IdleWatch::watch()
             alive = said ? Status {} : Status(tl::unexpected(said.error()));
         }
         if (!alive && m_stopping && !asked) {
-            co_return Status {}; // the reading was ended by stop(); a lost line shows in the next command
+            co_return Status {}; // the reading was ended by stop(); a lost line shows in the next
+                                 // command
         }
         if (!alive) {
             m_session.markBroken();

@@ -102,7 +102,8 @@ Awaitable<Result<Listing>> listCurrentFolder(Session &session, std::string *rawT
     if (!text) {
         co_return tl::unexpected(text.error());
     }
-    Listing listing = text->machine ? parseMlsd(text->bytes) : parseList(text->bytes, serverNow(session.knowledge()));
+    Listing listing = text->machine ? parseMlsd(text->bytes)
+                                    : parseList(text->bytes, serverNow(session.knowledge()));
     if (rawText != nullptr) {
         *rawText = std::move(text->bytes);
     }

@@ -15,7 +15,8 @@ namespace {
 std::string temporaryBeside(const std::string &path)
 {
     const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+    const std::string folder
+        = slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
     const std::string name = path.substr(folder.size());
     return folder + "." + name.substr(0, 200) + ".tarvelo-XXXXXX";
 }
@@ -67,7 +68,7 @@ Status replaceFile(const std::string &path, std::string_view text)
 
 std::optional<std::int64_t> fileSize(const std::string &path)
 {
-    struct stat status {};
+    struct stat status { };
     if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
@@ -87,7 +88,7 @@ IncomingFile::~IncomingFile()
 Status IncomingFile::open(const std::string &path, std::int64_t offset)
 {
     m_path = path;
-    struct stat status {};
+    struct stat status { };
     const bool exists = ::stat(path.c_str(), &status) == 0;
     if (exists && !S_ISREG(status.st_mode)) {
         return fail(ErrorKind::LocalFile, "Not a regular file: " + path);
@@ -114,15 +115,13 @@ Status IncomingFile::open(const std::string &path, std::int64_t offset)
     return m_file >= 0 ? Status {} : Status(localError(errno, path));
 }
 
-Status IncomingFile::write(std::string_view bytes)
-{
-    return writeAll(m_file, bytes, m_path);
-}
+Status IncomingFile::write(std::string_view bytes) { return writeAll(m_file, bytes, m_path); }
 
 Status IncomingFile::commit(std::optional<std::int64_t> modified)
 {
     if (modified) {
-        const std::array<timespec, 2> times { timespec { 0, UTIME_OMIT }, timespec { *modified, 0 } };
+        const std::array<timespec, 2> times { timespec { 0, UTIME_OMIT },
+                                              timespec { *modified, 0 } };
         // A file system that keeps no times is no reason to fail.
         if (::futimens(m_file, times.data()) != 0) {
             errno = 0;
@@ -154,7 +153,7 @@ Status OutgoingFile::open(const std::string &path)
     if (m_file < 0) {
         return localError(errno, path);
     }
-    struct stat status {};
+    struct stat status { };
     if (::fstat(m_file, &status) != 0) {
         return localError(errno, path);
     }

@@ -55,7 +55,8 @@ Awaitable<Status> loginAs(Dialogue &dialogue, std::string user, Credentials cred
     co_return answer->done() ? Status {} : Status(refusal(*answer));
 }
 
-Awaitable<Status> reachServer(Dialogue &dialogue, const Proxy &proxy, std::string host, std::uint16_t port)
+Awaitable<Status> reachServer(Dialogue &dialogue, const Proxy &proxy, std::string host,
+                              std::uint16_t port)
 {
     const bool names = proxy.kind == ProxyKind::Site || proxy.kind == ProxyKind::Open;
     if (!proxy.user.empty() && proxy.kind != ProxyKind::UserNoLogin) {
@@ -68,7 +69,8 @@ Awaitable<Status> reachServer(Dialogue &dialogue, const Proxy &proxy, std::strin
     if (!names) {
         co_return Status {};
     }
-    const std::string command = (proxy.kind == ProxyKind::Site ? "SITE " : "OPEN ") + hostAndPort(host, port);
+    const std::string command
+        = (proxy.kind == ProxyKind::Site ? "SITE " : "OPEN ") + hostAndPort(host, port);
     auto answer = co_await dialogue.ask(command);
     if (!answer) {
         co_return tl::unexpected(answer.error());
@@ -88,9 +90,11 @@ Error loginError(Error error, bool encrypted)
     if (error.replyCode == 0) {
         return error;
     }
-    if (!encrypted && containsAny(error.text, { "tls", "ssl", "encrypt", "cleartext", "use auth" })) {
+    if (!encrypted
+        && containsAny(error.text, { "tls", "ssl", "encrypt", "cleartext", "use auth" })) {
         error.kind = ErrorKind::TlsRequired;
-    } else if (error.replyCode == 421 || containsAny(error.text, { "too many", "maximum", "already connected" })) {
+    } else if (error.replyCode == 421
+               || containsAny(error.text, { "too many", "maximum", "already connected" })) {
         error.kind = ErrorKind::TooManyConnections;
     } else {
         error.kind = ErrorKind::LoginRefused;

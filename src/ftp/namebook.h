@@ -25,7 +25,8 @@ private:
     [[nodiscard]] std::string encodeName(std::string_view prefix, std::string_view name) const;
     void learn(std::string_view raw);
 
-    std::map<std::string, std::string, std::less<>> m_raw; ///< UTF-8 path -> raw name, odd names only
+    std::map<std::string, std::string, std::less<>>
+        m_raw; ///< UTF-8 path -> raw name, odd names only
     bool m_announced = false;
     bool m_sawUtf8 = false, m_sawOther = false;
 };

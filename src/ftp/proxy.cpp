@@ -8,11 +8,13 @@
 namespace ftp {
 namespace {
 
-Awaitable<Status> readExactly(Stream &stream, unsigned char *buffer, std::size_t size, Milliseconds limit)
+Awaitable<Status> readExactly(Stream &stream, unsigned char *buffer, std::size_t size,
+                              Milliseconds limit)
 {
     std::size_t have = 0;
     while (have < size) {
-        auto count = co_await stream.readSome(reinterpret_cast<char *>(buffer) + have, size - have, limit);
+        auto count
+            = co_await stream.readSome(reinterpret_cast<char *>(buffer) + have, size - have, limit);
         if (!count) {
             co_return tl::unexpected(count.error());
         }
@@ -84,7 +86,9 @@ Awaitable<Status> socks5Login(Stream &stream, const Proxy &proxy, Milliseconds l
     if (!read) {
         co_return read;
     }
-    co_return answer[1] == 0 ? Status {} : Status(fail(ErrorKind::Proxy, "SOCKS proxy: user or password refused"));
+    co_return answer[1] == 0
+        ? Status {}
+        : Status(fail(ErrorKind::Proxy, "SOCKS proxy: user or password refused"));
 }
 
 /// The rest of a SOCKS5 answer: the address bound by the proxy, which nobody needs.
@@ -109,7 +113,8 @@ Awaitable<Status> socks5(Stream &stream, const Proxy &proxy, std::string host, s
     if (host.size() > 255 || proxy.user.size() > 255 || proxy.password.size() > 255) {
         co_return fail(ErrorKind::BadArgument, "SOCKS proxy: name too long");
     }
-    const std::string greeting = proxy.user.empty() ? std::string("\x05\x01\x00", 3) : std::string("\x05\x02\x00\x02", 4);
+    const std::string greeting
+        = proxy.user.empty() ? std::string("\x05\x01\x00", 3) : std::string("\x05\x02\x00\x02", 4);
     Status sent = co_await stream.write(greeting, limit);
     if (!sent) {
         co_return sent;
@@ -162,8 +167,8 @@ Awaitable<Status> socks5(Stream &stream, const Proxy &proxy, std::string host, s
 
 } // namespace
 
-Awaitable<Status> socksConnect(Stream &stream, const Proxy &proxy, std::string host, std::uint16_t port,
-                               Milliseconds limit)
+Awaitable<Status> socksConnect(Stream &stream, const Proxy &proxy, std::string host,
+                               std::uint16_t port, Milliseconds limit)
 {
     if (proxy.kind == ProxyKind::Socks4) {
         return socks4(stream, proxy, std::move(host), port, limit);

@@ -46,7 +46,9 @@ Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, G
     }
     RemoteFacts facts;
     std::size_t next = 0;
-    const auto unknown = [](const Reply &reply) { return reply.code == 500 || reply.code == 502 || reply.code == 504; };
+    const auto unknown = [](const Reply &reply) {
+        return reply.code == 500 || reply.code == 502 || reply.code == 504;
+    };
     if (askSize) {
         const Reply &reply = (*replies)[next++];
         facts.size = sizeOf(reply);
@@ -84,10 +86,12 @@ std::int64_t usableOffset(const GetRequest &request, const Hooks &hooks)
     return reason == nullptr ? request.offset : 0;
 }
 
-Status checkComplete(const Session &session, const DataConnection &, std::int64_t have, const RemoteFacts &facts, bool properEnd)
+Status checkComplete(const Session &session, const DataConnection &, std::int64_t have,
+                     const RemoteFacts &facts, bool properEnd)
 {
     if (facts.size && have < *facts.size) {
-        return fail(ErrorKind::Truncated, "The transfer was cut short: " + std::to_string(have) + " of "
+        return fail(ErrorKind::Truncated,
+                    "The transfer was cut short: " + std::to_string(have) + " of "
                         + std::to_string(*facts.size) + " bytes");
     }
     if (session.encrypted() && !properEnd && !facts.size) {

@@ -29,11 +29,13 @@ public:
             return block;
         }
         m_text.clear();
-        std::visit([&](auto &converter) {
-            if constexpr (!std::is_same_v<std::decay_t<decltype(converter)>, std::monostate>) {
-                block.empty() ? converter.finish(m_text) : converter.convert(block, m_text);
-            }
-        }, m_converter);
+        std::visit(
+            [&](auto &converter) {
+                if constexpr (!std::is_same_v<std::decay_t<decltype(converter)>, std::monostate>) {
+                    block.empty() ? converter.finish(m_text) : converter.convert(block, m_text);
+                }
+            },
+            m_converter);
         return m_text;
     }
 

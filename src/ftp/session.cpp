@@ -16,9 +16,8 @@ constexpr Milliseconds pipelinePatience { 8000 };
 bool knownToStumble(const std::string &greeting)
 {
     static constexpr std::array names { "icrosoft FTP Service", "MadGoat", "MikroTik" };
-    return std::any_of(names.begin(), names.end(), [&](const char *name) {
-        return greeting.find(name) != std::string::npos;
-    });
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char *name) { return greeting.find(name) != std::string::npos; });
 }
 
 } // namespace
@@ -74,7 +73,8 @@ void Session::abort()
 Awaitable<Status> Session::open()
 {
     Status opened = co_await openOnce();
-    const bool stumbled = !opened && opened.error().kind == ErrorKind::Timeout && m_usable && pipelining();
+    const bool stumbled
+        = !opened && opened.error().kind == ErrorKind::Timeout && m_usable && pipelining();
     if (stumbled && !m_aborted) {
         m_knowledge->noPipelining = true;
         opened = co_await openOnce();
@@ -94,9 +94,11 @@ Awaitable<Status> Session::openOnce()
     dataProven = factsChosen = false;
     auto stream = std::make_unique<Stream>(m_executor);
     Stream &connection = *stream;
-    m_line = std::make_unique<TcpControlLine>(std::move(stream), m_login.timeout, m_knowledge->packets);
+    m_line = std::make_unique<TcpControlLine>(std::move(stream), m_login.timeout,
+                                              m_knowledge->packets);
     m_dialogue = std::make_unique<Dialogue>(*m_line, m_login.timeout, m_hooks.reply);
-    Status connected = co_await connectTo(connection, m_login.host, m_login.port, m_login.proxy, m_login.timeout);
+    Status connected = co_await connectTo(connection, m_login.host, m_login.port, m_login.proxy,
+                                          m_login.timeout);
     if (!connected) {
         co_return connected;
     }
@@ -116,7 +118,8 @@ Awaitable<Status> Session::openOnce()
     if (m_greeting.find("pyftpdlib") != std::string::npos) {
         m_knowledge->noLookAhead = true;
     }
-    const bool unescaped = m_greeting.find("vsFTPd") != std::string::npos || m_greeting.find("Pure-FTPd") != std::string::npos;
+    const bool unescaped = m_greeting.find("vsFTPd") != std::string::npos
+        || m_greeting.find("Pure-FTPd") != std::string::npos;
     m_line->setDoubleTelnetIac(!unescaped);
     Status login = co_await logIn();
     if (!login) {
@@ -139,7 +142,8 @@ Awaitable<Status> Session::logIn()
     if (named) {
         // The server is named in USER, so there is no moment at which AUTH could reach it first.
         const bool wanted = m_login.encryption == Encryption::Always
-            || (m_login.encryption == Encryption::Automatic && m_knowledge->trust.seen(m_login.host, m_login.port));
+            || (m_login.encryption == Encryption::Automatic
+                && m_knowledge->trust.seen(m_login.host, m_login.port));
         if (wanted) {
             co_return fail(ErrorKind::TlsFailed, "This kind of proxy does not allow encryption");
         }
@@ -149,7 +153,8 @@ Awaitable<Status> Session::logIn()
             co_return encryption;
         }
     }
-    const std::string user = proxyUserName(proxy, m_login.credentials.user, m_login.host, m_login.port);
+    const std::string user
+        = proxyUserName(proxy, m_login.credentials.user, m_login.host, m_login.port);
     co_return co_await loginAs(*m_dialogue, user, m_login.credentials);
 }
 
@@ -166,11 +171,13 @@ Awaitable<Status> Session::encrypt()
     }
     if (!answer->done()) {
         if (m_login.encryption == Encryption::Always) {
-            co_return fail(ErrorKind::TlsFailed, "The server does not offer encryption (" + answer->text() + ")");
+            co_return fail(ErrorKind::TlsFailed,
+                           "The server does not offer encryption (" + answer->text() + ")");
         }
         if (m_knowledge->trust.seen(m_login.host, m_login.port)) {
-            co_return fail(ErrorKind::TlsFailed,
-                           "The server offered encryption before and does not any more; nothing was sent");
+            co_return fail(
+                ErrorKind::TlsFailed,
+                "The server offered encryption before and does not any more; nothing was sent");
         }
         note("Der Server bietet keine Verschlüsselung an; die Verbindung ist unverschlüsselt.");
         co_return Status {};
@@ -195,7 +202,8 @@ Awaitable<Status> Session::checkCertificate()
     TrustStore &trust = m_knowledge->trust;
     const std::string known = trust.fingerprint(m_login.host, m_login.port);
     if (problem == CertificateProblem::None) {
-        ignoreError(trust.remember(m_login.host, m_login.port), "without the note the next login only asks again");
+        ignoreError(trust.remember(m_login.host, m_login.port),
+                    "without the note the next login only asks again");
         co_return Status {};
     }
     if (!fingerprint.empty() && (fingerprint == known || fingerprint == m_knowledge->trustedOnce)) {
@@ -214,8 +222,9 @@ Awaitable<Status> Session::checkCertificate()
         co_return fail(ErrorKind::CertificateRejected, "The server's certificate is not trusted");
     }
     m_knowledge->trustedOnce = fingerprint;
-    const Status kept = answer == Trust::Always ? trust.trust(m_login.host, m_login.port, fingerprint)
-                                                : trust.remember(m_login.host, m_login.port);
+    const Status kept = answer == Trust::Always
+        ? trust.trust(m_login.host, m_login.port, fingerprint)
+        : trust.remember(m_login.host, m_login.port);
     if (!kept) {
         note(kept.error().text);
     }
@@ -239,7 +248,8 @@ std::vector<std::string> Session::setUpCommands() const
 Status Session::takeSetUpReply(std::string_view command, const Reply &reply)
 {
     if (command == "PROT P" && !reply.done()) {
-        return fail(ErrorKind::TlsFailed, "The server does not encrypt data connections (" + reply.text() + ")");
+        return fail(ErrorKind::TlsFailed,
+                    "The server does not encrypt data connections (" + reply.text() + ")");
     }
     if (command == "FEAT" && reply.done()) {
         m_features = parseFeat(reply);

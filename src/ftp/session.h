@@ -47,7 +47,10 @@ struct Hooks {
 
 /// What all connections to one server share: learned once, used by all.
 struct ServerKnowledge {
-    explicit ServerKnowledge(std::string trustFile) : trust(std::move(trustFile)) { }
+    explicit ServerKnowledge(std::string trustFile)
+        : trust(std::move(trustFile))
+    {
+    }
     TrustStore trust;
     std::string trustedOnce; ///< fingerprint accepted for this run of the session
     bool noPipelining = false; ///< stumbled over several commands at a time, or is known to
@@ -58,7 +61,8 @@ struct ServerKnowledge {
     bool plainListOnly = false; ///< "LIST -a" was refused or gave nothing
     std::uint64_t packets = 0; ///< packets of commands sent, over all sessions
     std::optional<bool> restart; ///< transfers can be restarted at an offset
-    std::optional<std::int64_t> zoneOffset; ///< seconds that the server's listing clock is ahead of UTC
+    std::optional<std::int64_t>
+        zoneOffset; ///< seconds that the server's listing clock is ahead of UTC
 };
 
 /// Transfer types as the wire names them (RFC 959, section 3.1.1).
@@ -108,7 +112,10 @@ public:
     [[nodiscard]] const LoginData &loginData() const { return m_login; }
     [[nodiscard]] const Features &features() const { return m_features; }
     [[nodiscard]] ServerKnowledge &knowledge() { return *m_knowledge; }
-    [[nodiscard]] const std::shared_ptr<ServerKnowledge> &sharedKnowledge() const { return m_knowledge; }
+    [[nodiscard]] const std::shared_ptr<ServerKnowledge> &sharedKnowledge() const
+    {
+        return m_knowledge;
+    }
     [[nodiscard]] const Hooks &hooks() const { return m_hooks; }
     [[nodiscard]] const asio::any_io_executor &executor() const { return m_executor; }
     [[nodiscard]] bool encrypted() const { return m_encrypted; }
@@ -122,7 +129,10 @@ public:
     /// The facts of machine listings were chosen.
     bool factsChosen = false;
     /// Where to count transferred bytes to in transfers that run beside others.
-    void setProgressHook(std::function<void(std::int64_t, std::int64_t)> hook) { m_hooks.progress = std::move(hook); }
+    void setProgressHook(std::function<void(std::int64_t, std::int64_t)> hook)
+    {
+        m_hooks.progress = std::move(hook);
+    }
     void setReplyHook(std::function<void(const Reply &)> hook) { m_hooks.reply = std::move(hook); }
 
     /// Data streams register while they are open, so that abort reaches them.

@@ -39,7 +39,10 @@ public:
 
 private:
     struct State {
-        explicit State(const asio::any_io_executor &executor) : timer(executor) { }
+        explicit State(const asio::any_io_executor &executor)
+            : timer(executor)
+        {
+        }
         asio::steady_timer timer;
         std::optional<Status> result;
     };

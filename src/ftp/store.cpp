@@ -13,16 +13,19 @@ constexpr std::size_t blockSize = 256 * 1024;
 constexpr std::size_t fairShare = 4 * 1024 * 1024;
 
 /// Sends a file without the bytes passing through this process.
-Awaitable<Status> pumpByKernel(Session &session, Stream &stream, const OutgoingFile &file, std::int64_t at, ProgressMeter &meter)
+Awaitable<Status> pumpByKernel(Session &session, Stream &stream, const OutgoingFile &file,
+                               std::int64_t at, ProgressMeter &meter)
 {
     while (at < file.size()) {
-        const auto most = static_cast<std::size_t>(std::min<std::int64_t>(fairShare, file.size() - at));
+        const auto most
+            = static_cast<std::size_t>(std::min<std::int64_t>(fairShare, file.size() - at));
         auto sent = co_await stream.sendFile(file.descriptor(), at, most, session.timeout());
         if (!sent) {
             co_return tl::unexpected(sent.error());
         }
         if (*sent == 0) {
-            co_return fail(ErrorKind::LocalFile, "The file became shorter while it was sent: " + file.path());
+            co_return fail(ErrorKind::LocalFile,
+                           "The file became shorter while it was sent: " + file.path());
         }
         at += static_cast<std::int64_t>(*sent);
         meter.add(static_cast<std::int64_t>(*sent));
@@ -33,21 +36,25 @@ Awaitable<Status> pumpByKernel(Session &session, Stream &stream, const OutgoingF
     co_return Status {};
 }
 
-Awaitable<Status> pumpBlocks(Session &session, Stream &stream, const OutgoingFile &file, std::int64_t at, Type type, ProgressMeter &meter)
+Awaitable<Status> pumpBlocks(Session &session, Stream &stream, const OutgoingFile &file,
+                             std::int64_t at, Type type, ProgressMeter &meter)
 {
     Sender sender(type);
     std::vector<char> block(blockSize);
     std::size_t inARow = 0;
     while (at < file.size()) {
-        const auto most = static_cast<std::size_t>(std::min<std::int64_t>(blockSize, file.size() - at));
+        const auto most
+            = static_cast<std::size_t>(std::min<std::int64_t>(blockSize, file.size() - at));
         auto count = file.read(at, block.data(), most);
         if (!count) {
             co_return tl::unexpected(count.error());
         }
         if (*count == 0) {
-            co_return fail(ErrorKind::LocalFile, "The file became shorter while it was sent: " + file.path());
+            co_return fail(ErrorKind::LocalFile,
+                           "The file became shorter while it was sent: " + file.path());
         }
-        Status sent = co_await stream.write(sender.convert(std::string_view(block.data(), *count)), session.timeout());
+        Status sent = co_await stream.write(sender.convert(std::string_view(block.data(), *count)),
+                                            session.timeout());
         if (!sent) {
             co_return sent;
         }
@@ -59,7 +66,8 @@ Awaitable<Status> pumpBlocks(Session &session, Stream &stream, const OutgoingFil
             co_await asio::post(session.executor(), asio::use_awaitable);
         }
     }
-    co_return co_await stream.write(sender.plain() ? std::string_view() : sender.convert({}), session.timeout());
+    co_return co_await stream.write(sender.plain() ? std::string_view() : sender.convert({}),
+                                    session.timeout());
 }
 
 struct StorePlan {
@@ -68,7 +76,8 @@ struct StorePlan {
 };
 
 /// Where the upload may start: a continued file must have exactly the wanted size on the server.
-Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request, std::int64_t localSize)
+Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
+                                  std::int64_t localSize)
 {
     StorePlan result;
     if (request.offset == 0) {
@@ -88,7 +97,8 @@ Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request, s
         co_return tl::unexpected(size.error());
     }
     const bool known = size->code == 213;
-    if ((known && std::string(size->message()) != std::to_string(request.offset)) || request.offset > localSize) {
+    if ((known && std::string(size->message()) != std::to_string(request.offset))
+        || request.offset > localSize) {
         note("Die Datei auf dem Server hat eine andere Größe; sie wird von vorn übertragen.");
         co_return result;
     }
@@ -108,7 +118,8 @@ Awaitable<Status> verify(Session &session, const PutRequest &request, const Outg
         commands.push_back("SIZE " + request.remotePath);
     }
     if (setTime) {
-        commands.push_back("MFMT " + formatTimeVal(fromEpoch(file.modified())) + " " + request.remotePath);
+        commands.push_back("MFMT " + formatTimeVal(fromEpoch(file.modified())) + " "
+                           + request.remotePath);
     }
     if (commands.empty()) {
         co_return Status {};
@@ -117,8 +128,10 @@ Awaitable<Status> verify(Session &session, const PutRequest &request, const Outg
     if (!replies) {
         co_return tl::unexpected(replies.error());
     }
-    if (askSize && replies->front().code == 213 && replies->front().message() != std::to_string(file.size())) {
-        co_return fail(ErrorKind::Truncated, "The server holds " + std::string(replies->front().message()) + " of "
+    if (askSize && replies->front().code == 213
+        && replies->front().message() != std::to_string(file.size())) {
+        co_return fail(ErrorKind::Truncated,
+                       "The server holds " + std::string(replies->front().message()) + " of "
                            + std::to_string(file.size()) + " bytes");
     }
     server.noSetTime = setTime && replies->back().code / 100 == 5;
@@ -133,7 +146,8 @@ Milliseconds patience(Milliseconds limit, std::int64_t size)
 
 } // namespace
 
-Awaitable<Status> sendFile(Session &session, DataConnection &data, const OutgoingFile &file, std::int64_t offset, Type type, ProgressMeter &meter)
+Awaitable<Status> sendFile(Session &session, DataConnection &data, const OutgoingFile &file,
+                           std::int64_t offset, Type type, ProgressMeter &meter)
 {
     Status step = co_await data.establish();
     if (!step) {
@@ -183,7 +197,8 @@ Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
     if (!step) {
         co_return tl::unexpected(step.error());
     }
-    SideTask pumping(session.executor(), sendFile(session, data, file, planned->offset, request.type, meter));
+    SideTask pumping(session.executor(),
+                     sendFile(session, data, file, planned->offset, request.type, meter));
     auto answer = co_await session.dialogue().reply();
     if (!answer || !answer->preliminary()) {
         data.abort();
@@ -192,12 +207,14 @@ Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
         if (!answer || answer->done()) {
             session.markBroken();
         }
-        co_return answer ? (answer->done() ? Result<std::int64_t>(fail(ErrorKind::Protocol, "The server ended a transfer before it began"))
+        co_return answer ? (answer->done() ? Result<std::int64_t>(fail(
+                                ErrorKind::Protocol, "The server ended a transfer before it began"))
                                            : Result<std::int64_t>(refusal(*answer)))
                          : Result<std::int64_t>(tl::unexpected(answer.error()));
     }
     Status sent = co_await pumping.join();
-    Status finished = co_await finishTransfer(session, data, sent, patience(session.timeout(), file.size()));
+    Status finished
+        = co_await finishTransfer(session, data, sent, patience(session.timeout(), file.size()));
     meter.finish();
     if (finished) {
         finished = co_await verify(session, request, file);

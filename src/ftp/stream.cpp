@@ -55,10 +55,7 @@ void Deadline::arm(Milliseconds limit)
     }
 }
 
-void Deadline::disarm()
-{
-    m_state->armed = false;
-}
+void Deadline::disarm() { m_state->armed = false; }
 
 void Deadline::stop()
 {
@@ -163,7 +160,9 @@ Status Stream::beginConnect(const asio::ip::tcp::endpoint &endpoint)
     if (error) {
         return socketError(error.value());
     }
-    if (::connect(m_socket.native_handle(), endpoint.data(), static_cast<socklen_t>(endpoint.size())) != 0
+    if (::connect(m_socket.native_handle(), endpoint.data(),
+                  static_cast<socklen_t>(endpoint.size()))
+            != 0
         && errno != EINPROGRESS) {
         return socketError(errno);
     }
@@ -221,8 +220,11 @@ Awaitable<Result<std::size_t>> Stream::readSome(char *buffer, std::size_t size, 
             m_closeNotify = true;
             co_return std::size_t { 0 };
         }
-        if (why == SSL_ERROR_SSL && ERR_GET_REASON(ERR_peek_last_error()) == SSL_R_UNEXPECTED_EOF_WHILE_READING) {
-            co_return std::size_t { 0 }; // ended without close_notify: the caller decides what that means
+        if (why == SSL_ERROR_SSL
+            && ERR_GET_REASON(ERR_peek_last_error()) == SSL_R_UNEXPECTED_EOF_WHILE_READING) {
+            co_return std::size_t {
+                0
+            }; // ended without close_notify: the caller decides what that means
         }
         Status ready = co_await waitForTls(result, limit);
         if (!ready) {
@@ -303,7 +305,8 @@ Awaitable<Status> Stream::waitForTls(int result, Milliseconds limit)
         if (code == SSL_ERROR_SYSCALL) {
             co_return self.socketError(number == 0 ? ECONNRESET : number);
         }
-        co_return self.m_aborted ? Status(fail(ErrorKind::Aborted, "Aborted")) : Status(tlsFailure());
+        co_return self.m_aborted ? Status(fail(ErrorKind::Aborted, "Aborted"))
+                                 : Status(tlsFailure());
     }(*this, why, errno);
 }
 

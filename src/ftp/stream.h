@@ -30,7 +30,10 @@ public:
 
 private:
     struct State {
-        explicit State(const asio::any_io_executor &executor) : timer(executor) { }
+        explicit State(const asio::any_io_executor &executor)
+            : timer(executor)
+        {
+        }
         asio::steady_timer timer;
         asio::ip::tcp::socket *socket = nullptr;
         std::chrono::steady_clock::time_point until {};
@@ -66,10 +69,12 @@ public:
     Awaitable<Status> finishConnect(Milliseconds limit);
     /// Takes over an accepted connection.
     Status adopt(asio::ip::tcp::socket socket);
-    /// Client handshake. @param role  a control connection leaves its session in the context, a data
+    /// Client handshake. @param role  a control connection leaves its session in the context, a
+    /// data
     ///                                connection resumes it
     enum class TlsRole { Control, Data };
-    Awaitable<Status> startTls(TlsContext &context, std::string host, TlsRole role, Milliseconds limit);
+    Awaitable<Status> startTls(TlsContext &context, std::string host, TlsRole role,
+                               Milliseconds limit);
 
     /// Reads what is there, at least one byte; 0 means the peer ended the stream.
     Awaitable<Result<std::size_t>> readSome(char *buffer, std::size_t size, Milliseconds limit);

@@ -43,7 +43,8 @@ std::string fingerprint(X509 *certificate)
 {
     std::array<unsigned char, EVP_MAX_MD_SIZE> bytes {};
     unsigned int size = 0;
-    if (certificate == nullptr || X509_digest(certificate, EVP_sha256(), bytes.data(), &size) != 1) {
+    if (certificate == nullptr
+        || X509_digest(certificate, EVP_sha256(), bytes.data(), &size) != 1) {
         return {};
     }
     static constexpr std::string_view digits = "0123456789ABCDEF";
@@ -63,7 +64,8 @@ tl::unexpected<Error> tlsFailure()
     const unsigned long code = ERR_peek_last_error();
     const char *reason = code == 0 ? nullptr : ERR_reason_error_string(code);
     ERR_clear_error();
-    return fail(ErrorKind::TlsFailed, std::string("TLS failed: ") + (reason == nullptr ? "unknown reason" : reason));
+    return fail(ErrorKind::TlsFailed,
+                std::string("TLS failed: ") + (reason == nullptr ? "unknown reason" : reason));
 }
 
 TlsContext::TlsContext()
@@ -74,7 +76,9 @@ TlsContext::TlsContext()
     SSL_CTX_set_default_verify_paths(context);
     // The answer is asked after the handshake, since the user may trust a certificate by hand.
     SSL_CTX_set_verify(context, SSL_VERIFY_NONE, nullptr);
-    SSL_CTX_set_mode(context, SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER | SSL_MODE_RELEASE_BUFFERS);
+    SSL_CTX_set_mode(context,
+                     SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER
+                         | SSL_MODE_RELEASE_BUFFERS);
     SSL_CTX_set_read_ahead(context, 1);
     SSL_CTX_set_default_read_buffer_len(context, readAhead);
     SSL_CTX_set_session_cache_mode(context, SSL_SESS_CACHE_CLIENT | SSL_SESS_CACHE_NO_INTERNAL);
@@ -126,9 +130,9 @@ SslPointer TlsContext::newConnection(int socket, const std::string &host, SSL_SE
 
 Certificate describeCertificate(X509 *certificate)
 {
-    return { oneLine(X509_get_subject_name(certificate)), oneLine(X509_get_issuer_name(certificate)),
-             day(X509_get0_notBefore(certificate)), day(X509_get0_notAfter(certificate)),
-             fingerprint(certificate) };
+    return { oneLine(X509_get_subject_name(certificate)),
+             oneLine(X509_get_issuer_name(certificate)), day(X509_get0_notBefore(certificate)),
+             day(X509_get0_notAfter(certificate)), fingerprint(certificate) };
 }
 
 CertificateProblem certificateProblem(SSL *ssl)

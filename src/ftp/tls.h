@@ -53,7 +53,15 @@ struct Certificate {
 };
 
 /// Why a certificate is not trusted; None: it is.
-enum class CertificateProblem { None, SelfSigned, UnknownIssuer, WrongHost, Expired, NotYetValid, Other };
+enum class CertificateProblem {
+    None,
+    SelfSigned,
+    UnknownIssuer,
+    WrongHost,
+    Expired,
+    NotYetValid,
+    Other
+};
 
 [[nodiscard]] Certificate describeCertificate(X509 *certificate);
 /// The verification's result of a finished handshake; host names and addresses are checked too.

@@ -94,16 +94,19 @@ Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::str
         }
         if (answer->done()) {
             session.markBroken(); // a transfer that ended before it began: out of step
-            co_return fail(ErrorKind::Protocol, "The server ended a transfer before it began (" + answer->text() + ")");
+            co_return fail(ErrorKind::Protocol,
+                           "The server ended a transfer before it began (" + answer->text() + ")");
         }
         co_return refusal(*answer);
     }
     co_return co_await standing.join();
 }
 
-Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken, Milliseconds limit)
+Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken,
+                                 Milliseconds limit)
 {
-    const bool stalled = !broken && (broken.error().kind == ErrorKind::Timeout || broken.error().kind == ErrorKind::Aborted);
+    const bool stalled = !broken
+        && (broken.error().kind == ErrorKind::Timeout || broken.error().kind == ErrorKind::Aborted);
     if (!broken) {
         data.abort();
     }
@@ -118,15 +121,18 @@ Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status 
     data.drainAndClose();
     if (!answer) {
         session.markBroken();
-        co_return tl::unexpected(broken || answer.error().replyCode != 0 ? answer.error() : broken.error());
+        co_return tl::unexpected(broken || answer.error().replyCode != 0 ? answer.error()
+                                                                         : broken.error());
     }
     if (answer->done() && isForeign(answer->code)) {
         session.markBroken(); // the answer to a later command: the server did not keep the order
-        co_return fail(ErrorKind::Protocol, "The server answered out of order (" + answer->text() + ")");
+        co_return fail(ErrorKind::Protocol,
+                       "The server answered out of order (" + answer->text() + ")");
     }
     if (!answer->done()) {
         const bool ours = !broken && broken.error().kind != ErrorKind::ConnectionClosed;
-        co_return ours ? broken : Status(refusal(*answer)); // our disk full says more than "aborted"
+        co_return ours ? broken
+                       : Status(refusal(*answer)); // our disk full says more than "aborted"
     }
     co_return broken;
 }

@@ -13,7 +13,10 @@ namespace ftp {
 class ProgressMeter {
 public:
     using Report = std::function<void(std::int64_t bytes)>;
-    explicit ProgressMeter(Report report) : m_report(std::move(report)) { }
+    explicit ProgressMeter(Report report)
+        : m_report(std::move(report))
+    {
+    }
     void start() { tell(0); }
     void add(std::int64_t bytes);
     void finish() { tell(m_bytes); }
@@ -40,7 +43,8 @@ Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::str
 /// Waits for the final reply of a transfer (RFC 959, section 5.4: 226 or 250).
 /// @param broken  what went wrong on the data connection, if anything; the server's reply, which
 ///                tells the reason, wins over it
-Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken, Milliseconds limit);
+Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken,
+                                 Milliseconds limit);
 
 /// Text of a listing of the current folder.
 struct ListingText {
@@ -62,7 +66,8 @@ struct GetRequest {
 /// @return the offset that was really used
 Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request);
 
-/// The whole way of a file's bytes: waits for the connection, sends from offset on, ends the stream.
+/// The whole way of a file's bytes: waits for the connection, sends from offset on, ends the
+/// stream.
 Awaitable<Status> sendFile(Session &session, DataConnection &data, const OutgoingFile &file,
                            std::int64_t offset, Type type, ProgressMeter &meter);
 

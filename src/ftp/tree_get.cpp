@@ -83,7 +83,8 @@ private:
     Awaitable<Status> again(Session &session, Job &job);
     [[nodiscard]] std::string transferCommand(Session &session, const Job &job) const;
     void takeListing(Session &session, const Job &job, const Listing &listing);
-    void takeEntry(Session &session, const std::shared_ptr<const TreeFolder> &folder, const Entry &entry);
+    void takeEntry(Session &session, const std::shared_ptr<const TreeFolder> &folder,
+                   const Entry &entry);
     Status finishFile(const Job &job, IncomingFile &file, std::int64_t bytes);
     void refuse(const Job &job, const Error &error);
     void add(Job job);
@@ -266,7 +267,8 @@ Awaitable<Result<std::optional<Error>>> awaitStart(Session &session, DataConnect
 Status TreeGetter::finishFile(const Job &job, IncomingFile &file, std::int64_t bytes)
 {
     if (m_type == Type::Binary && !job.link && job.size >= 0 && bytes < job.size) {
-        return fail(ErrorKind::Truncated, "The transfer was cut short: " + std::to_string(bytes) + " of "
+        return fail(ErrorKind::Truncated,
+                    "The transfer was cut short: " + std::to_string(bytes) + " of "
                         + std::to_string(job.size) + " bytes");
     }
     return file.commit(job.time == 0 ? std::nullopt : std::optional(job.time));
@@ -335,25 +337,29 @@ Awaitable<Status> TreeGetter::receiveListing(Session &session, Flow &flow)
         co_return Status {};
     }
     std::string text;
-    Status received = co_await receiveAll(session, *flow.data, [&text](std::string_view block) -> Status {
-        text += block;
-        return {};
-    });
+    Status received
+        = co_await receiveAll(session, *flow.data, [&text](std::string_view block) -> Status {
+              text += block;
+              return {};
+          });
     Status finished = co_await finishTransfer(session, *flow.data, received, session.timeout());
     if (!finished) {
         co_return finished;
     }
-    const std::int64_t now = static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0);
-    takeListing(session, flow.job, session.features().mlst ? parseMlsd(text) : parseList(text, fromEpoch(now)));
+    const std::int64_t now
+        = static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0);
+    takeListing(session, flow.job,
+                session.features().mlst ? parseMlsd(text) : parseList(text, fromEpoch(now)));
     done();
     co_return Status {};
 }
 
 void TreeGetter::takeListing(Session &session, const Job &job, const Listing &listing)
 {
-    struct stat status {};
+    struct stat status { };
     const std::string &local = job.folder->local;
-    if (::mkdir(local.c_str(), 0777) != 0 && (::stat(local.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))) {
+    if (::mkdir(local.c_str(), 0777) != 0
+        && (::stat(local.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))) {
         const Error error = localError(errno == 0 ? ENOTDIR : errno, local).value();
         m_crew.note(error.text);
         m_crew.failed(error);
@@ -364,7 +370,8 @@ void TreeGetter::takeListing(Session &session, const Job &job, const Listing &li
     }
 }
 
-void TreeGetter::takeEntry(Session &session, const std::shared_ptr<const TreeFolder> &folder, const Entry &entry)
+void TreeGetter::takeEntry(Session &session, const std::shared_ptr<const TreeFolder> &folder,
+                           const Entry &entry)
 {
     if (entry.name == "." || entry.name == "..") {
         return;
@@ -488,7 +495,8 @@ Awaitable<Status> TreeGetter::work(Session &session)
 
 } // namespace
 
-Awaitable<Status> getTree(Client &client, std::string remoteFolder, std::string localFolder, Type type)
+Awaitable<Status> getTree(Client &client, std::string remoteFolder, std::string localFolder,
+                          Type type)
 {
     TreeGetter getter(client, type);
     co_return co_await getter.run(std::move(remoteFolder), std::move(localFolder));

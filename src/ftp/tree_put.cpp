@@ -81,7 +81,10 @@ private:
     void leaveOut(const std::string &path, const Error &error);
     void fill();
     std::optional<Job> take();
-    [[nodiscard]] std::string remotePath(const Job &job) const { return joinPath(job.folder->remote, job.name); }
+    [[nodiscard]] std::string remotePath(const Job &job) const
+    {
+        return joinPath(job.folder->remote, job.name);
+    }
 
     Type m_type;
     Crew m_crew;
@@ -131,7 +134,7 @@ Awaitable<Status> TreePutter::surveyFolder(std::shared_ptr<const TreeFolder> fol
     std::size_t seen = 0;
     for (const std::string &name : *names) {
         const std::string path = joinPath(folder->local, name);
-        struct stat entry {};
+        struct stat entry { };
         if (++seen % 1000 == 0) { // others get their turn
             co_await asio::post(m_crew.client().session().executor(), asio::use_awaitable);
         }
@@ -213,7 +216,7 @@ void TreePutter::fill()
         }
         for (std::string &name : *names) {
             const std::string path = joinPath(folder->local, name);
-            struct stat entry {};
+            struct stat entry { };
             if (::stat(path.c_str(), &entry) != 0 || !S_ISREG(entry.st_mode)) {
                 continue;
             }
@@ -257,11 +260,13 @@ std::size_t TreePutter::queueChecks(Session &session, const Job &job, const Outg
 {
     const ServerKnowledge &server = session.knowledge();
     std::size_t count = 0;
-    if (m_type == Type::Binary && !server.noSize && session.line().queue("SIZE " + remotePath(job))) {
+    if (m_type == Type::Binary && !server.noSize
+        && session.line().queue("SIZE " + remotePath(job))) {
         ++count;
     }
     const std::string time = formatTimeVal(fromEpoch(file.modified()));
-    if (session.features().mfmt && !server.noSetTime && session.line().queue("MFMT " + time + " " + remotePath(job))) {
+    if (session.features().mfmt && !server.noSetTime
+        && session.line().queue("MFMT " + time + " " + remotePath(job))) {
         ++count;
     }
     return count;
@@ -271,9 +276,11 @@ Status TreePutter::checkReply(Session &session, const Reply &reply, const Outgoi
 {
     ServerKnowledge &server = session.knowledge();
     if (m_type == Type::Binary && !server.noSize && reply.code == 213) {
-        const bool isSize = reply.message().find_first_not_of("0123456789") == std::string_view::npos;
+        const bool isSize
+            = reply.message().find_first_not_of("0123456789") == std::string_view::npos;
         if (isSize && reply.message() != std::to_string(file.size())) {
-            return fail(ErrorKind::Truncated, "The server holds " + std::string(reply.message()) + " of "
+            return fail(ErrorKind::Truncated,
+                        "The server holds " + std::string(reply.message()) + " of "
                             + std::to_string(file.size()) + " bytes");
         }
     }
@@ -319,7 +326,8 @@ Awaitable<Status> TreePutter::flow(Session &session, Flow &current, std::optiona
     co_return co_await send(session, current, file, behind);
 }
 
-Awaitable<Status> TreePutter::send(Session &session, Flow &current, OutgoingFile &file, std::size_t behind)
+Awaitable<Status> TreePutter::send(Session &session, Flow &current, OutgoingFile &file,
+                                   std::size_t behind)
 {
     Job &job = current.job;
     std::int64_t last = 0;
@@ -379,7 +387,9 @@ Awaitable<Status> TreePutter::again(Session &session, Job &job)
         if (!size) {
             co_return tl::unexpected(size.error());
         }
-        const auto have = size->code == 213 ? std::strtoll(std::string(size->message()).c_str(), nullptr, 10) : 0;
+        const auto have = size->code == 213
+            ? std::strtoll(std::string(size->message()).c_str(), nullptr, 10)
+            : 0;
         // More than was sent is an older file: replaced from the beginning.
         request.offset = have <= job.counted ? have : 0;
     }
@@ -441,7 +451,8 @@ Awaitable<Status> TreePutter::work(Session &session)
         if (!step) {
             if (next) { // not begun
                 if (step.error().kind != ErrorKind::Aborted) {
-                    session.knowledge().noLookAhead = true; // perhaps it was that, so it costs no try
+                    session.knowledge().noLookAhead
+                        = true; // perhaps it was that, so it costs no try
                     --current->job.tries;
                 }
                 m_jobs.push_front(std::move(next->job));
@@ -460,7 +471,8 @@ Awaitable<Status> TreePutter::work(Session &session)
 
 } // namespace
 
-Awaitable<Status> putTree(Client &client, std::string localFolder, std::string remoteFolder, Type type)
+Awaitable<Status> putTree(Client &client, std::string localFolder, std::string remoteFolder,
+                          Type type)
 {
     TreePutter putter(client, type);
     co_return co_await putter.run(std::move(localFolder), std::move(remoteFolder));

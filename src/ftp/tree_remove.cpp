@@ -118,7 +118,8 @@ Awaitable<Status> TreeRemover::removeFiles(Session &session, std::vector<std::st
             break; // stopped
         }
         // Half a window of answers before the next packet keeps packets big.
-        const std::size_t until = next < files.size() ? std::min(sent.size(), answered + (ahead + 1) / 2) : sent.size();
+        const std::size_t until
+            = next < files.size() ? std::min(sent.size(), answered + (ahead + 1) / 2) : sent.size();
         for (; answered < until; ++answered) {
             auto reply = co_await session.dialogue().reply();
             if (!reply) {
@@ -186,7 +187,8 @@ Awaitable<Status> TreeRemover::leave(Session &session, DoomedPointer folder)
             break;
         }
         // Some servers do not remove a folder that a session stands in.
-        const std::vector<std::string> commands { "CWD " + parentOf(folder->path), "RMD " + folder->path };
+        const std::vector<std::string> commands { "CWD " + parentOf(folder->path),
+                                                  "RMD " + folder->path };
         auto replies = co_await session.askAll(commands);
         if (!replies) {
             co_return tl::unexpected(replies.error());

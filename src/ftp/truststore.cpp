@@ -18,7 +18,8 @@ TrustStore::TrustStore(std::string path)
         unsigned int port = 0;
         std::string fingerprint;
         // Lines that cannot be read are left out: at worst the question is asked once more.
-        if (std::getline(fields, server.host, '\t') && fields >> port && port <= 65535 && fields >> fingerprint) {
+        if (std::getline(fields, server.host, '\t') && fields >> port && port <= 65535
+            && fields >> fingerprint) {
             server.port = static_cast<std::uint16_t>(port);
             server.fingerprint = fingerprint == "-" ? "" : fingerprint;
             m_servers.push_back(server);
@@ -28,9 +29,10 @@ TrustStore::TrustStore(std::string path)
 
 const TrustedServer *TrustStore::find(const std::string &host, std::uint16_t port) const
 {
-    const auto found = std::find_if(m_servers.begin(), m_servers.end(), [&](const TrustedServer &server) {
-        return server.host == host && server.port == port;
-    });
+    const auto found
+        = std::find_if(m_servers.begin(), m_servers.end(), [&](const TrustedServer &server) {
+              return server.host == host && server.port == port;
+          });
     return found == m_servers.end() ? nullptr : &*found;
 }
 
@@ -54,16 +56,19 @@ Status TrustStore::remember(const std::string &host, std::uint16_t port)
     return save();
 }
 
-Status TrustStore::trust(const std::string &host, std::uint16_t port, const std::string &fingerprint)
+Status TrustStore::trust(const std::string &host, std::uint16_t port,
+                         const std::string &fingerprint)
 {
-    std::erase_if(m_servers, [&](const TrustedServer &s) { return s.host == host && s.port == port; });
+    std::erase_if(m_servers,
+                  [&](const TrustedServer &s) { return s.host == host && s.port == port; });
     m_servers.push_back({ host, port, fingerprint });
     return save();
 }
 
 Status TrustStore::remove(const std::string &host, std::uint16_t port)
 {
-    std::erase_if(m_servers, [&](const TrustedServer &s) { return s.host == host && s.port == port; });
+    std::erase_if(m_servers,
+                  [&](const TrustedServer &s) { return s.host == host && s.port == port; });
     return save();
 }
 

@@ -20,7 +20,8 @@ class Faults : public testing::Test {
 protected:
     TestClient &login(ftp::Encryption encryption = ftp::Encryption::Never, int sessions = 1)
     {
-        m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(), encryption, sessions);
+        m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
+                                                encryption, sessions);
         m_client->login().timeout = std::chrono::milliseconds(700);
         return *m_client;
     }
@@ -130,7 +131,8 @@ TEST_F(Faults, ABrokenDownloadIsNoSuccessAndSparesTheOlderFile)
         const auto got = get("a.bin");
         ASSERT_FALSE(got);
         EXPECT_EQ(servers::readFile(local("a.bin")), older);
-        EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1) << "nothing is left beside it";
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1)
+            << "nothing is left beside it";
     };
     server.fault.dropDataAfter = 1000;
     breaks("data connection reset");
@@ -208,8 +210,10 @@ TEST_F(Faults, TheOtherPassiveCommandIsTriedWhenOneIsRefused)
 TEST_F(Faults, NamesThatLeaveTheFolderAreRefused)
 {
     server.fault.noMlsd = true;
-    server.fault.listing = "-rw-r--r-- 1 u g 5 Jan 10 2026 ../boese.txt\r\n-rw-r--r-- 1 u g 5 Jan 10 2026 gut.txt\r\n"
-                           "drwxr-xr-x 1 u g 5 Jan 10 2026 ..\r\n-rw-r--r-- 1 u g 5 Jan 10 2026 /etc/passwd\r\n";
+    server.fault.listing
+        = "-rw-r--r-- 1 u g 5 Jan 10 2026 ../boese.txt\r\n-rw-r--r-- 1 u g 5 Jan 10 2026 "
+          "gut.txt\r\n"
+          "drwxr-xr-x 1 u g 5 Jan 10 2026 ..\r\n-rw-r--r-- 1 u g 5 Jan 10 2026 /etc/passwd\r\n";
     servers::writeFile(server.root() / "web" / "gut.txt", "12345");
     connected();
     const auto got = run(ftp::getTree(ftpClient(), "/web", local("ziel"), Type::Binary));
@@ -245,7 +249,8 @@ TEST_F(Faults, ALocalFolderWithoutRightsEndsInAClearMessage)
 TEST_F(Faults, AFolderTransferSurvivesALostConnection)
 {
     for (int i = 0; i < 20; ++i) {
-        servers::writeRandomFile(server.root() / "web" / ("f" + std::to_string(i)), 20000, static_cast<std::uint32_t>(i));
+        servers::writeRandomFile(server.root() / "web" / ("f" + std::to_string(i)), 20000,
+                                 static_cast<std::uint32_t>(i));
     }
     server.fault.dropAllAfter = 5000;
     server.fault.faultyTransfers = 2;

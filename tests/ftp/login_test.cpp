@@ -41,7 +41,12 @@ TEST(Login, SendsNoPasswordWhenNoneIsAsked)
 TEST(Login, SendsPasswordAndAccountWhenAsked)
 {
     ScriptedLine line;
-    line.client("USER web01").server("331 Passwort").client("PASS geheim").server("332 Konto").client("ACCT k1").server("230 ja");
+    line.client("USER web01")
+        .server("331 Passwort")
+        .client("PASS geheim")
+        .server("332 Konto")
+        .client("ACCT k1")
+        .server("230 ja");
     EXPECT_TRUE(loginBy(line, { "web01", "geheim", "k1" }));
     EXPECT_TRUE(line.finished());
 }
@@ -95,11 +100,15 @@ TEST(LoginError, TellsTheReasonsOfARefusalApart)
         return ftp::loginError({ ErrorKind::Refused, code, text }, encrypted).kind;
     };
     EXPECT_EQ(kind(530, "530 Login incorrect."), ErrorKind::LoginRefused);
-    EXPECT_EQ(kind(530, "530 Sorry, the maximum number of allowed clients (3) are already connected."), ErrorKind::TooManyConnections);
-    EXPECT_EQ(kind(421, "421 There are too many connections from your internet address."), ErrorKind::TooManyConnections);
+    EXPECT_EQ(
+        kind(530, "530 Sorry, the maximum number of allowed clients (3) are already connected."),
+        ErrorKind::TooManyConnections);
+    EXPECT_EQ(kind(421, "421 There are too many connections from your internet address."),
+              ErrorKind::TooManyConnections);
     EXPECT_EQ(kind(530, "530 Non-anonymous sessions must use encryption."), ErrorKind::TlsRequired);
     EXPECT_EQ(kind(550, "550 SSL/TLS required on the control channel"), ErrorKind::TlsRequired);
-    EXPECT_EQ(kind(421, "421-Sorry, cleartext sessions and weak ciphers are not accepted"), ErrorKind::TlsRequired);
+    EXPECT_EQ(kind(421, "421-Sorry, cleartext sessions and weak ciphers are not accepted"),
+              ErrorKind::TlsRequired);
     EXPECT_EQ(kind(530, "530 SSL user unknown", true), ErrorKind::LoginRefused);
     EXPECT_EQ(kind(0, "Connection refused"), ErrorKind::Refused);
 }
@@ -107,7 +116,12 @@ TEST(LoginError, TellsTheReasonsOfARefusalApart)
 TEST(ProxyLogin, SiteLogsInAtTheProxyAndNamesTheServer)
 {
     ScriptedLine line;
-    line.client("USER fu").server("331 ?").client("PASS fp").server("230 ok").client("SITE web.example.org").server("220 server");
+    line.client("USER fu")
+        .server("331 ?")
+        .client("PASS fp")
+        .server("230 ok")
+        .client("SITE web.example.org")
+        .server("220 server");
     EXPECT_TRUE(reach(line, { ProxyKind::Site, "proxy", 2121, "fu", "fp" }));
     EXPECT_TRUE(line.finished());
 }
@@ -123,7 +137,13 @@ TEST(ProxyLogin, SiteWithoutProxyUserNamesTheServerAtOnce)
 TEST(ProxyLogin, OpenNamesTheServer)
 {
     ScriptedLine patient;
-    patient.client("USER fu").server("331 ?").client("PASS fp").server("230 ok").client("OPEN web.example.org").server("120 wait").server("220 server");
+    patient.client("USER fu")
+        .server("331 ?")
+        .client("PASS fp")
+        .server("230 ok")
+        .client("OPEN web.example.org")
+        .server("120 wait")
+        .server("220 server");
     EXPECT_TRUE(reach(patient, { ProxyKind::Open, "proxy", 2121, "fu", "fp" }));
     EXPECT_TRUE(patient.finished());
 }
@@ -134,27 +154,38 @@ TEST(ProxyLogin, UserLoginOnlyLogsInAtTheProxy)
     line.client("USER fu").server("331 ?").client("PASS fp").server("230 ok");
     EXPECT_TRUE(reach(line, { ProxyKind::UserLogin, "proxy", 2121, "fu", "fp" }));
     EXPECT_TRUE(line.finished());
-    EXPECT_EQ(ftp::proxyUserName({ ProxyKind::UserLogin, "proxy", 2121, "fu", "fp" }, "u", "web.example.org", 21), "u@web.example.org");
+    EXPECT_EQ(ftp::proxyUserName({ ProxyKind::UserLogin, "proxy", 2121, "fu", "fp" }, "u",
+                                 "web.example.org", 21),
+              "u@web.example.org");
 }
 
 TEST(ProxyLogin, UserNoLoginSendsNothingToTheProxy)
 {
     ScriptedLine line;
     EXPECT_TRUE(reach(line, { ProxyKind::UserNoLogin, "proxy", 2121, "fu", "fp" }));
-    EXPECT_EQ(ftp::proxyUserName({ ProxyKind::UserNoLogin, "proxy", 2121, {}, {} }, "u@firma", "web.example.org", 2100), "u@firma@web.example.org:2100");
+    EXPECT_EQ(ftp::proxyUserName({ ProxyKind::UserNoLogin, "proxy", 2121, {}, {} }, "u@firma",
+                                 "web.example.org", 2100),
+              "u@firma@web.example.org:2100");
 }
 
 TEST(ProxyLogin, PipeNamesNoServer)
 {
     ScriptedLine line;
     EXPECT_TRUE(reach(line, { ProxyKind::Pipe, "proxy", 2121, {}, {} }));
-    EXPECT_EQ(ftp::proxyUserName({ ProxyKind::Pipe, "proxy", 2121, {}, {} }, "u", "web.example.org", 2100), "u");
+    EXPECT_EQ(ftp::proxyUserName({ ProxyKind::Pipe, "proxy", 2121, {}, {} }, "u", "web.example.org",
+                                 2100),
+              "u");
 }
 
 TEST(ProxyLogin, EndsWithTheProxysRefusal)
 {
     ScriptedLine line;
-    line.client("USER fu").server("331 ?").client("PASS fp").server("230 ok").client("SITE web.example.org").server("550 not allowed");
+    line.client("USER fu")
+        .server("331 ?")
+        .client("PASS fp")
+        .server("230 ok")
+        .client("SITE web.example.org")
+        .server("550 not allowed");
     const Status reached = reach(line, { ProxyKind::Site, "proxy", 2121, "fu", "fp" });
     ASSERT_FALSE(reached);
     EXPECT_EQ(reached.error().text, "550 not allowed");
@@ -163,7 +194,8 @@ TEST(ProxyLogin, EndsWithTheProxysRefusal)
 TEST(EncodeCommand, RefusesLineBreaksNulAndEndlessNames)
 {
     EXPECT_EQ(ftp::encodeCommand("NOOP").value(), "NOOP\r\n");
-    for (const std::string &bad : { std::string("DELE a\rb"), std::string("DELE a\nb"), std::string("DELE a\0b", 8), std::string(5000, 'x') }) {
+    for (const std::string &bad : { std::string("DELE a\rb"), std::string("DELE a\nb"),
+                                    std::string("DELE a\0b", 8), std::string(5000, 'x') }) {
         const auto encoded = ftp::encodeCommand(bad);
         ASSERT_FALSE(encoded);
         EXPECT_EQ(encoded.error().kind, ErrorKind::BadArgument);

@@ -51,8 +51,9 @@ protected:
 
     void login(int sessions = 1)
     {
-        client = std::make_unique<TestClient>(server->port(), server->user(), server->password(),
-                                              GetParam().tls ? ftp::Encryption::Always : ftp::Encryption::Never, sessions);
+        client = std::make_unique<TestClient>(
+            server->port(), server->user(), server->password(),
+            GetParam().tls ? ftp::Encryption::Always : ftp::Encryption::Never, sessions);
         client->trust(ftp::Trust::Once);
         const ftp::Status opened = client->open();
         ASSERT_TRUE(opened) << opened.error().text;
@@ -70,7 +71,8 @@ protected:
 
 const ftp::FolderEntry *find(const ftp::Folder &listed, const std::string &name)
 {
-    const auto found = std::find_if(listed.entries.begin(), listed.entries.end(), [&](const auto &entry) { return entry.name == name; });
+    const auto found = std::find_if(listed.entries.begin(), listed.entries.end(),
+                                    [&](const auto &entry) { return entry.name == name; });
     return found == listed.entries.end() ? nullptr : &*found;
 }
 
@@ -158,7 +160,8 @@ TEST_P(RealServers, StartsAnewWhenTheSizeToContinueIsNotThere)
 TEST_P(RealServers, ARefusedGetLeavesTheLocalFileAlone)
 {
     servers::writeFile(local("wichtig.txt"), "alter Inhalt");
-    const auto got = run(ftpClient().get("gibt es nicht", local("wichtig.txt"), 0, ftp::Type::Binary));
+    const auto got
+        = run(ftpClient().get("gibt es nicht", local("wichtig.txt"), 0, ftp::Type::Binary));
     ASSERT_FALSE(got);
     EXPECT_EQ(got.error().kind, ftp::ErrorKind::Refused);
     EXPECT_EQ(got.error().replyCode / 100, 5);
@@ -173,7 +176,8 @@ TEST_P(RealServers, MakesRenamesAndRemoves)
     const auto twice = run(ftpClient().makeFolder("neuer Ordner"));
     ASSERT_FALSE(twice);
     std::string told = client->replies().back();
-    std::transform(told.begin(), told.end(), told.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    std::transform(told.begin(), told.end(), told.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     EXPECT_NE(told.find("EXISTS"), std::string::npos) << told;
     ASSERT_TRUE(run(ftpClient().rename("neuer Ordner", "umbenannt")));
     EXPECT_TRUE(fs::is_directory(server->root() / "umbenannt"));
@@ -186,7 +190,7 @@ TEST_P(RealServers, MakesRenamesAndRemoves)
     servers::writeFile(server->root() / "weg.txt", "x");
     server->adoptFiles();
     ASSERT_TRUE(run(ftpClient().raw("SITE chmod 640 weg.txt")));
-    struct stat status {};
+    struct stat status { };
     ASSERT_EQ(::stat((server->root() / "weg.txt").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0640U);
     ASSERT_TRUE(run(ftpClient().removeFile("/weg.txt")));
@@ -225,7 +229,8 @@ TEST_P(RealServers, EndsPolitely)
 
 TEST_P(RealServers, RefusesAWrongPassword)
 {
-    TestClient stranger(server->port(), server->user(), "falsch", GetParam().tls ? ftp::Encryption::Always : ftp::Encryption::Never);
+    TestClient stranger(server->port(), server->user(), "falsch",
+                        GetParam().tls ? ftp::Encryption::Always : ftp::Encryption::Never);
     stranger.trust(ftp::Trust::Once);
     const ftp::Status opened = stranger.open();
     ASSERT_FALSE(opened);
@@ -237,14 +242,17 @@ TEST_P(RealServers, WorksInActiveMode)
 {
     servers::writeRandomFile(server->root() / "aktiv.bin", 100000, 9);
     server->adoptFiles();
-    TestClient active(server->port(), server->user(), server->password(), GetParam().tls ? ftp::Encryption::Always : ftp::Encryption::Never);
+    TestClient active(server->port(), server->user(), server->password(),
+                      GetParam().tls ? ftp::Encryption::Always : ftp::Encryption::Never);
     active.login().passive = false;
     active.trust(ftp::Trust::Once);
     ASSERT_TRUE(active.open());
-    const auto got = active.run(active.client().get("aktiv.bin", local("aktiv.bin"), 0, ftp::Type::Binary));
+    const auto got
+        = active.run(active.client().get("aktiv.bin", local("aktiv.bin"), 0, ftp::Type::Binary));
     ASSERT_TRUE(got) << got.error().text;
     EXPECT_EQ(servers::difference(local("aktiv.bin"), server->root() / "aktiv.bin"), "");
-    const auto put = active.run(active.client().put(local("aktiv.bin"), "aktiv2.bin", 0, ftp::Type::Binary));
+    const auto put
+        = active.run(active.client().put(local("aktiv.bin"), "aktiv2.bin", 0, ftp::Type::Binary));
     ASSERT_TRUE(put) << put.error().text;
 }
 

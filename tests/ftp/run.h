@@ -47,7 +47,10 @@ public:
 
     ftp::LoginData &login() { return m_login; }
     ftp::ServerKnowledge &knowledge() { return *m_knowledge; }
-    void useKnowledge(std::shared_ptr<ftp::ServerKnowledge> knowledge) { m_knowledge = std::move(knowledge); }
+    void useKnowledge(std::shared_ptr<ftp::ServerKnowledge> knowledge)
+    {
+        m_knowledge = std::move(knowledge);
+    }
     std::vector<std::string> &replies() { return m_replies; }
     std::vector<std::string> &notes() { return m_notes; }
     std::vector<std::int64_t> &progress() { return m_progress; }
@@ -59,7 +62,8 @@ public:
     ftp::Client &client()
     {
         if (!m_client) {
-            m_client = std::make_unique<ftp::Client>(m_context.get_executor(), m_login, hooks(), m_knowledge, m_sessions);
+            m_client = std::make_unique<ftp::Client>(m_context.get_executor(), m_login, hooks(),
+                                                     m_knowledge, m_sessions);
         }
         return *m_client;
     }
@@ -73,7 +77,8 @@ private:
         hooks.reply = [this](const ftp::Reply &reply) { m_replies.push_back(reply.text()); };
         hooks.note = [this](const std::string &text) { m_notes.push_back(text); };
         hooks.progress = [this](std::int64_t bytes, std::int64_t) { m_progress.push_back(bytes); };
-        hooks.certificate = [this](ftp::CertificateQuestion question) -> ftp::Awaitable<ftp::Trust> {
+        hooks.certificate
+            = [this](ftp::CertificateQuestion question) -> ftp::Awaitable<ftp::Trust> {
             ++m_questions;
             m_question = question;
             co_return m_trust;
