@@ -439,3 +439,29 @@ TEST_F(Faults, AnotherCertificateOnTheDataConnectionIsRefused)
     ASSERT_FALSE(got);
     EXPECT_EQ(got.error().kind, ErrorKind::TlsFailed);
 }
+
+TEST_F(Faults, FoldersArriveWholeOnAServerThatAnswersDuringTransfers)
+{
+    for (int i = 0; i < 15; ++i) {
+        servers::writeRandomFile(server.root() / "web" / ("f" + std::to_string(i)), 300000,
+                                 static_cast<std::uint32_t>(i));
+    }
+    server.fault.answersDuringTransfers = true;
+    for (const int sessions : { 1, 3 }) {
+        SCOPED_TRACE(sessions);
+        TestClient &client = login(ftp::Encryption::Never, sessions);
+        client.login().timeout = std::chrono::seconds(3);
+        ASSERT_TRUE(client.open());
+        const std::string down = local("unten" + std::to_string(sessions));
+        const auto got = run(ftp::getTree(ftpClient(), "/web", down, Type::Binary));
+        ASSERT_TRUE(got) << got.error().text;
+        EXPECT_EQ(servers::difference(down, server.root() / "web"), "");
+        const std::string up = "oben" + std::to_string(sessions);
+        TestClient &second = login(ftp::Encryption::Never, sessions);
+        second.login().timeout = std::chrono::seconds(3);
+        ASSERT_TRUE(second.open());
+        const auto put = run(ftp::putTree(ftpClient(), down, "/" + up, Type::Binary));
+        ASSERT_TRUE(put) << put.error().text;
+        EXPECT_EQ(servers::difference(server.root() / up, down), "");
+    }
+}
