@@ -267,3 +267,16 @@ TEST(ParseMlsd, TakesTheLastOfTwoTypes)
     EXPECT_EQ(listing.entries[0].type, '-');
     EXPECT_EQ(listing.entries[0].target, "");
 }
+
+TEST(ParseMlsd, ReadsModesInEveryNotation)
+{
+    const std::pair<const char *, int> rows[] {
+        { "0644", 0644 },   { "00", 0 },  { "644", 0644 }, { "0o644", 0644 },
+        { "100644", 0644 }, { "0o", -1 }, { "", -1 },      { "0689", -1 },
+    };
+    for (const auto &[mode, permissions] : rows) {
+        const ftp::Listing listing = ftp::parseMlsd("UNIX.mode=" + std::string(mode) + "; a");
+        ASSERT_EQ(listing.entries.size(), 1U);
+        EXPECT_EQ(listing.entries[0].permissions, permissions) << mode;
+    }
+}
