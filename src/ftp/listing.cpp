@@ -80,7 +80,7 @@ public:
 
     Verdict read(Text line, std::size_t number, Entry &entry)
     {
-        if (line.find_first_not_of(" \t") == Text::npos) {
+        if (isBlankLine(line)) {
             return Verdict::Foreign;
         }
         const Dialect last = m_dialect;

@@ -25,6 +25,9 @@ inline bool sameText(Text a, Text b)
     return true;
 }
 
+/// Whether a line holds nothing to see; a CR too many at its end is nothing.
+inline bool isBlankLine(Text line) { return line.find_first_not_of(" \t\r") == Text::npos; }
+
 /// Calls take(line, number) for every line, its end (LF or CR LF) taken off; numbers count from 1.
 template <class Take> void forEachLine(Text bytes, Take take)
 {

@@ -67,8 +67,7 @@ Listing parseMlsd(std::string_view bytes)
     Listing listing;
     forEachLine(bytes, [&](Text line, std::size_t number) {
         const std::size_t blank = line.find(' ');
-        if (blank == Text::npos || blank + 1 == line.size()
-            || line.find_first_not_of(" \t") == Text::npos) {
+        if (blank == Text::npos || blank + 1 == line.size() || isBlankLine(line)) {
             return;
         }
         Entry entry;
