@@ -207,5 +207,5 @@ std::optional<TreeCount> countLocalTree(const QString &path, int limitMillisecon
             return std::nullopt;
         }
     }
-    return count;
+    return clock.elapsed() > limitMilliseconds ? std::nullopt : std::optional(count);
 }

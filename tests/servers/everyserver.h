@@ -13,16 +13,21 @@
 
 namespace servers {
 
-class EveryServer : public testing::TestWithParam<Kind> {
+/// @tparam Base  what else the tests need; a testing::Test
+template <class Base>
+class EveryServerWith : public Base, public testing::WithParamInterface<Kind> {
 protected:
     void SetUp() override
     {
+        Base::SetUp();
         std::string why;
-        if (!canRun(GetParam(), &why)) {
+        if (!canRun(this->GetParam(), &why)) {
             GTEST_SKIP() << why;
         }
     }
 };
+
+class EveryServer : public EveryServerWith<testing::Test> { };
 
 inline void PrintTo(Kind kind, std::ostream *out) { *out << name(kind); }
 
