@@ -1,5 +1,7 @@
 #include "transfer/frmTransfer.h"
 
+#include "transfer/pathlabel.h"
+
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -19,11 +21,8 @@ ConflictReply frmTransfer::reply() const { return { m_answer, chkSelectedAll->is
 
 void frmTransfer::build()
 {
-    lblMessage = new QLabel(this);
+    lblMessage = new PathLabel(this);
     lblMessage->setObjectName(u"lblMessage"_s);
-    lblMessage->setTextFormat(Qt::PlainText); // names come from servers
-    lblMessage->setWordWrap(true);
-    lblMessage->setMinimumWidth(440);
     chkSelectedAll = new QCheckBox(u"Alle"_s, this);
     chkSelectedAll->setObjectName(u"chkSelectedAll"_s);
 

@@ -1,8 +1,8 @@
 #include "transfer/queuemodel.h"
 
-#include <QApplication>
+#include "remote/icons.h"
+
 #include <QCollator>
-#include <QStyle>
 #include <algorithm>
 #include <numeric>
 
@@ -38,8 +38,23 @@ bool isFailedTransfer(const QueueRow &row)
 
 QVariant statusIcon(const QueueRow &row)
 {
-    return QApplication::style()->standardIcon(row.failed ? QStyle::SP_MessageBoxWarning
-                                                          : QStyle::SP_DialogApplyButton);
+    if (row.failed) {
+        return Icons::icon(u"fehler"_s);
+    }
+    if (row.direction == u"<--"_s) {
+        return Icons::icon(u"cmd_download"_s);
+    }
+    if (row.direction == u"-->"_s) {
+        return Icons::icon(u"cmd_upload"_s);
+    }
+    // A deletion has no direction, a change of permissions has one of its own.
+    return Icons::icon(row.direction.isEmpty() ? u"DeleteFiles"_s : u"nameFile"_s);
+}
+
+QVariant alignmentOf(int column)
+{
+    return QVariant::fromValue(Qt::Alignment(
+        Qt::AlignVCenter | (column == QueueModel::Size ? Qt::AlignRight : Qt::AlignLeft)));
 }
 
 QString toolTip(const QueueRow &row, int column)
@@ -74,8 +89,7 @@ QVariant QueueModel::data(const QModelIndex &index, int role) const
     case Qt::DecorationRole:
         return index.column() == Status ? statusIcon(row) : QVariant();
     case Qt::TextAlignmentRole:
-        return QVariant::fromValue(Qt::Alignment(
-            Qt::AlignVCenter | (index.column() == Size ? Qt::AlignRight : Qt::AlignLeft)));
+        return alignmentOf(index.column());
     case FailedRole:
         return row.failed;
     case DetailRole:
@@ -90,6 +104,9 @@ QVariant QueueModel::headerData(int section, Qt::Orientation orientation, int ro
     static const QStringList headers {
         u"Status"_s, u"Lokal"_s, u"Größe"_s, u"Richtung"_s, u"Server Verzeichnis"_s, u"Server"_s,
     };
+    if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole) {
+        return alignmentOf(section);
+    }
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -22,6 +23,11 @@ QueueView::QueueView(QueueModel &model, Prompts &prompts, QWidget *parent)
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
+    setTextElideMode(Qt::ElideMiddle); // keeps the file's name in sight
+    constexpr std::array widths { 150, 190, 80, 70, 190, 100 };
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+        setColumnWidth(static_cast<int>(column), widths.at(column));
+    }
     setSelectionMode(ExtendedSelection);
     setContextMenuPolicy(Qt::CustomContextMenu);
     header()->setSectionsClickable(true);
