@@ -63,19 +63,9 @@ CivilTime serverNow(const ServerKnowledge &server)
     return fromEpoch(static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0));
 }
 
-} // namespace
-
-Awaitable<Result<ListingText>> fetchListing(Session &session)
+/// LIST, with hidden names where the server knows how.
+Awaitable<Result<ListingText>> fetchPlainListing(Session &session)
 {
-    if (session.features().mlstUnixMode()) {
-        auto machine = co_await fetchText(session, "MLSD");
-        if (machine) {
-            co_return ListingText { std::move(*machine), true };
-        }
-        if (machine.error().kind != ErrorKind::Refused) {
-            co_return tl::unexpected(machine.error());
-        }
-    }
     ServerKnowledge &server = session.knowledge();
     if (!server.plainListOnly) {
         auto all = co_await fetchText(session, "LIST -a");
@@ -96,6 +86,22 @@ Awaitable<Result<ListingText>> fetchListing(Session &session)
     co_return ListingText { std::move(*plain), false };
 }
 
+} // namespace
+
+Awaitable<Result<ListingText>> fetchListing(Session &session)
+{
+    if (session.features().mlstUnixMode()) {
+        auto machine = co_await fetchText(session, "MLSD");
+        if (machine) {
+            co_return ListingText { std::move(*machine), true };
+        }
+        if (machine.error().kind != ErrorKind::Refused) {
+            co_return tl::unexpected(machine.error());
+        }
+    }
+    co_return co_await fetchPlainListing(session);
+}
+
 Awaitable<Result<Listing>> listCurrentFolder(Session &session, std::string *rawText)
 {
     auto text = co_await fetchListing(session);
@@ -108,6 +114,15 @@ Awaitable<Result<Listing>> listCurrentFolder(Session &session, std::string *rawT
         *rawText = std::move(text->bytes);
     }
     co_return listing;
+}
+
+Awaitable<Result<Listing>> listCurrentFolderPlainly(Session &session)
+{
+    auto text = co_await fetchPlainListing(session);
+    if (!text) {
+        co_return tl::unexpected(text.error());
+    }
+    co_return parseList(text->bytes, serverNow(session.knowledge()));
 }
 
 } // namespace ftp

@@ -54,6 +54,9 @@ struct ListingText {
 Awaitable<Result<ListingText>> fetchListing(Session &session);
 /// The same, parsed; times as the server told them.
 Awaitable<Result<Listing>> listCurrentFolder(Session &session, std::string *rawText);
+/// The current folder by LIST, which shows links as such on every known server; machine listings do
+/// not always.
+Awaitable<Result<Listing>> listCurrentFolderPlainly(Session &session);
 
 /// A single file to be fetched.
 struct GetRequest {

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <ctime>
+#include <set>
+#include <string_view>
 #include <vector>
 
 namespace ftp {
@@ -24,6 +26,30 @@ struct Doomed {
     bool walked = false; ///< its subfolders are known; only its files are still to go
 };
 using DoomedPointer = std::shared_ptr<Doomed>;
+
+bool hasFolders(const Listing &listing)
+{
+    return std::any_of(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
+        return entry.type == 'd' && entry.name != "." && entry.name != "..";
+    });
+}
+
+/// Some servers follow links in machine listings, and a link to a folder looks like a folder there.
+/// What LIST shows as a link is one.
+void markLinks(Listing &listing, const Listing &plain)
+{
+    std::set<std::string_view> links;
+    for (const Entry &entry : plain.entries) {
+        if (entry.type == 'l') {
+            links.insert(entry.name);
+        }
+    }
+    for (Entry &entry : listing.entries) {
+        if (links.contains(entry.name)) {
+            entry.type = 'l';
+        }
+    }
+}
 
 class TreeRemover {
 public:
@@ -58,6 +84,8 @@ private:
     Awaitable<Status> removeFiles(Session &session, std::vector<std::string> files);
     Awaitable<Status> leave(Session &session, DoomedPointer folder);
     Awaitable<Result<Listing>> listOf(Session &session, const DoomedPointer &folder);
+    Awaitable<Result<bool>> isLink(Session &session, const DoomedPointer &folder);
+    Awaitable<Status> removeLink(Session &session, const DoomedPointer &link);
 
     void add(DoomedPointer folder)
     {
@@ -86,7 +114,58 @@ Awaitable<Result<Listing>> TreeRemover::listOf(Session &session, const DoomedPoi
         co_return refusal(*entered);
     }
     std::string unused;
-    co_return co_await listCurrentFolder(session, &unused);
+    auto listing = co_await listCurrentFolder(session, &unused);
+    if (listing && session.features().mlstUnixMode() && hasFolders(*listing)) {
+        auto plain = co_await listCurrentFolderPlainly(session);
+        if (plain) {
+            markLinks(*listing, *plain);
+        } else if (!session.usable()) {
+            co_return tl::unexpected(plain.error());
+        }
+    }
+    co_return listing;
+}
+
+/// Whether what shall be removed is no folder but a link to one.
+Awaitable<Result<bool>> TreeRemover::isLink(Session &session, const DoomedPointer &folder)
+{
+    const std::string name = folder->path.substr(folder->path.rfind('/') + 1);
+    auto entered = co_await session.ask("CWD " + parentOf(folder->path));
+    if (!entered) {
+        co_return tl::unexpected(entered.error());
+    }
+    if (!entered->done() || name.empty()) {
+        co_return false;
+    }
+    auto listing = co_await listCurrentFolderPlainly(session);
+    if (!listing) {
+        co_return session.usable() ? Result<bool>(false)
+                                   : Result<bool>(tl::unexpected(listing.error()));
+    }
+    co_return std::any_of(
+        listing->entries.begin(), listing->entries.end(),
+        [&name](const Entry &entry) { return entry.type == 'l' && entry.name == name; });
+}
+
+/// Removes the link itself and nothing that it leads to.
+Awaitable<Status> TreeRemover::removeLink(Session &session, const DoomedPointer &link)
+{
+    if (m_keepTop) {
+        co_return Status {};
+    }
+    for (const char *verb : { "DELE ", "RMD " }) {
+        auto reply = co_await session.ask(verb + link->path);
+        if (!reply) {
+            co_return tl::unexpected(reply.error());
+        }
+        if (reply->done()) {
+            co_return Status {};
+        }
+        if (*verb == 'R') {
+            refuse(link->path, refusal(*reply).value());
+        }
+    }
+    co_return Status {};
 }
 
 /// A stream of deletes: the next commands go out while the replies to the earlier ones come in.
@@ -135,6 +214,15 @@ Awaitable<Status> TreeRemover::removeFiles(Session &session, std::vector<std::st
 
 Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer folder)
 {
+    if (folder == m_top) {
+        auto link = co_await isLink(session, folder);
+        if (!link) {
+            co_return tl::unexpected(link.error());
+        }
+        if (*link) {
+            co_return co_await removeLink(session, folder);
+        }
+    }
     auto listing = co_await listOf(session, folder);
     if (!listing) {
         if (session.usable()) {
