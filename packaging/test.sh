@@ -64,23 +64,23 @@ debootstrap --variant=minbase bookworm "$root" "${mirror:?no package source is c
     || { tail "$alone/debootstrap.log"; fail "debootstrap"; }
 mount -t proc proc "$root/proc"
 cp "$package" "$root/tarvelo-ftp.deb"
-inside() { env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 DEBIAN_FRONTEND=noninteractive chroot "$root" "$@"; }
-# Installed files are listed before and after: dependencies may stay, nothing of the program may.
-inside apt-get -q -y --no-install-recommends install /tarvelo-ftp.deb >"$alone/apt.log" 2>&1 \
+inside=(env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 DEBIAN_FRONTEND=noninteractive
+        chroot "$root")
+"${inside[@]}" apt-get -q -y --no-install-recommends install /tarvelo-ftp.deb >"$alone/apt.log" 2>&1 \
     || { tail -20 "$alone/apt.log"; fail "install"; }
-inside dpkg --list tarvelo-ftp | tail -1
+"${inside[@]}" dpkg --list tarvelo-ftp | tail -1
 
 step "Start it there, as a user"
-inside useradd --create-home anna
-as_anna=(inside su anna -c)
+"${inside[@]}" useradd --create-home anna
+as_anna=("${inside[@]}" su anna -c)
 [ "$("${as_anna[@]}" "tarvelo-ftp --version")" = "Tarvelo FTP 2.20" ] || fail "--version"
 start="XDG_RUNTIME_DIR=/tmp/anna QT_QPA_PLATFORM=offscreen"
-inside install -d -o anna -m 700 /tmp/anna
+"${inside[@]}" install -d -o anna -m 700 /tmp/anna
 stays_up "${as_anna[@]}" "$start exec timeout 10 tarvelo-ftp"
 stays_up "${as_anna[@]}" "$start exec timeout 10 tarvelo-ftp ftp://anna@server.example/html/"
 
 step "Remove it"
-inside apt-get -q -y purge tarvelo-ftp >"$alone/apt.log" 2>&1 || { tail -20 "$alone/apt.log"; fail "purge"; }
+"${inside[@]}" apt-get -q -y purge tarvelo-ftp >"$alone/apt.log" 2>&1 || { tail -20 "$alone/apt.log"; fail "purge"; }
 left=$(find "$root/usr" "$root/etc" "$root/var/lib/dpkg/info" -name '*tarvelo*')
 [ -z "$left" ] || fail "left behind: $left"
 printf '\nAll well.\n'
