@@ -72,12 +72,12 @@ inside=(env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 DEBIAN_FRONTEND=n
 
 step "Start it there, as a user"
 "${inside[@]}" useradd --create-home anna
-as_anna=("${inside[@]}" su anna -c)
-[ "$("${as_anna[@]}" "tarvelo-ftp --version")" = "Tarvelo FTP 2.20" ] || fail "--version"
-start="XDG_RUNTIME_DIR=/tmp/anna QT_QPA_PLATFORM=offscreen"
 "${inside[@]}" install -d -o anna -m 700 /tmp/anna
-stays_up "${as_anna[@]}" "$start exec timeout 10 tarvelo-ftp"
-stays_up "${as_anna[@]}" "$start exec timeout 10 tarvelo-ftp ftp://anna@server.example/html/"
+as_anna=(env -i PATH=/usr/bin:/bin LANG=C.UTF-8 HOME=/home/anna XDG_RUNTIME_DIR=/tmp/anna
+         QT_QPA_PLATFORM=offscreen chroot --userspec=anna:anna "$root")
+[ "$("${as_anna[@]}" tarvelo-ftp --version)" = "Tarvelo FTP 2.20" ] || fail "--version"
+stays_up "${as_anna[@]}" tarvelo-ftp
+stays_up "${as_anna[@]}" tarvelo-ftp ftp://anna@server.example/html/
 
 step "Remove it"
 "${inside[@]}" apt-get -q -y purge tarvelo-ftp >"$alone/apt.log" 2>&1 || { tail -20 "$alone/apt.log"; fail "purge"; }

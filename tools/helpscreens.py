@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Walks through the real program as a new user would and takes the pictures of the help."""
 import argparse
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -8,11 +9,12 @@ from pathlib import Path
 
 TOP = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TOP / "tests" / "e2e"))
-from driver import FtpServer, Program  # noqa: E402
+from driver import Display, FtpServer, Program  # noqa: E402
 from webspace import make_local_folder, make_web_space  # noqa: E402
 
 PICTURES = TOP / "resources" / "help" / "bilder"
-LOCAL = Path("/tmp/Gartenfreunde")  # seen in the pictures, so no random name
+ANNA = Path("/tmp/anna")  # seen in the pictures, so no random name
+LOCAL = ANNA / "Gartenfreunde"
 
 
 class Walk:
@@ -34,9 +36,16 @@ class Walk:
             return window not in names
         self.program.wait(f"the end of {window}", closed)
 
-    def tab(self, dialog):
+    def tab(self):
         """To the next tab of the dialog on top."""
         self.program.key("Ctrl+Tab", "Tab1")
+
+    def transferred(self, rows):
+        """Waits for the queue to have that many rows, and for the window to be idle."""
+        p = self.program
+        p.wait(f"{rows} rows in the queue", lambda: len(p.rows("lvwStatus")) == rows)
+        p.wait("an idle window", lambda: p.enabled("cmbRemoteDir") and "Cdup" in
+               {row["kind"] for row in p.rows("lvwRemote")})
 
     def start(self):
         self.open("frm_info")
@@ -53,19 +62,25 @@ class Walk:
         p.enter("txtPassword", self.server.password)
         p.enter("txt_bemerkungen", "Webseite des Vereins")
         self.picture("frmConnect", "frmConnect")
-        self.tab("frmConnect")
+        self.tab()
         p.enter("txtLocalDir", f"{LOCAL}/")
         p.enter("txtRemoteDir", "/html")
         self.picture("frmConnect_erweitert", "frmConnect")
-        self.tab("frmConnect")
+        p.click("Command1")
+        self.open("frm_get_folder")
+        p.wait("the folder's place in the tree", lambda: "Gartenfreunde" in p.text("tx_pfad"))
+        self.picture("frm_get_folder", "frm_get_folder")
+        p.key("Escape", "frm_get_folder")
+        self.gone("frm_get_folder")
+        self.tab()
         self.picture("frmConnect_proxy", "frmConnect")
-        self.tab("frmConnect")
+        self.tab()
 
     def log_in(self):
         """To the server that is really there, whose certificate nobody knows."""
         p = self.program
         p.enter("txtRemoteHost", "localhost")
-        self.tab("frmConnect")
+        self.tab()
         p.enter("txtRemotePort", str(self.server.port))
         p.enter("txtRemoteDir", "/")
         p.click("cmd_profil_speichern")
@@ -74,17 +89,19 @@ class Walk:
         self.picture("frm_zertifikat", "frm_zertifikat")
         p.click("cmd_immer")
         p.wait("the server's listing", lambda: "index.html" in p.names("lvwRemote"))
-        p.wait("an idle window", lambda: p.enabled("cmd_upload") and p.enabled("cmbRemoteDir"))
+        p.wait("the local listing", lambda: "neue Bilder" in p.names("lvwLocal"))
+        p.wait("an idle window", lambda: p.enabled("cmbRemoteDir"))
 
     def transfer(self):
         p = self.program
-        p.ask("resize", object="frm_tarvelo", width=900, height=624)
         p.select("lvwLocal", ["neue Bilder", "Termine für Mai.html"])
         p.click("cmd_upload")
-        p.wait("the uploads", lambda: len(p.rows("lvwStatus")) == 2 and p.enabled("cmd_upload"))
+        self.transferred(2)
+        p.wait("the new listing", lambda: "neue Bilder" in p.names("lvwRemote"))
         p.select("lvwRemote", ["impressum.html"])
         p.click("cmd_download")
-        p.wait("the download", lambda: len(p.rows("lvwStatus")) == 3 and p.enabled("cmd_upload"))
+        self.transferred(3)
+        p.wait("the new listing", lambda: "impressum.html" in p.names("lvwLocal"))
         p.select("lvwLocal", ["notizen.txt"])
         self.picture("frm_tarvelo", "frm_tarvelo")
         p.grab(TOP / "docs" / "screenshot.png", "frm_tarvelo")
@@ -101,7 +118,9 @@ class Walk:
         self.open("frmRename")
         self.picture("frmRename", "frmRename")
         p.key("Escape", "frmRename")
-        p.wait("an idle window", lambda: p.box() is None and p.enabled("cmd_upload"))
+        self.open("frmTransfer")  # a download asks once more
+        p.click("cmdCancel")
+        p.wait("an idle window", lambda: p.box() is None and p.enabled("cmbRemoteDir"))
 
     def permissions(self):
         p = self.program
@@ -119,15 +138,9 @@ class Walk:
         p.click("mnu_einstell")
         self.open("frm_einstellungen")
         self.picture("frm_einstellungen", "frm_einstellungen")
-        p.enter("tx_logfolder", str(LOCAL))
-        p.click("cmd_ordner_log")
-        self.open("frm_get_folder")
-        self.picture("frm_get_folder", "frm_get_folder")
-        p.key("Escape", "frm_get_folder")
-        self.gone("frm_get_folder")
-        self.tab("frm_einstellungen")
+        self.tab()
         self.picture("frm_einstellungen_sonstiges", "frm_einstellungen")
-        self.tab("frm_einstellungen")
+        self.tab()
         self.picture("frm_einstellungen_sicherheit", "frm_einstellungen")
         p.key("Escape", "frm_einstellungen")
         p.wait("the end of the dialog", lambda: p.box() is None)
@@ -149,13 +162,16 @@ def make_certificate(folder):
 
 
 def run(arguments, folder):
-    (folder / "home").mkdir()
+    program_file = ANNA / "Tarvelo FTP" / "tarvelo-ftp"  # keeps its profiles beside itself
+    program_file.parent.mkdir(parents=True)
+    shutil.copy(arguments.program, program_file)
     make_web_space(folder / "webspace")
     make_local_folder(LOCAL)
-    german = {"LC_ALL": "de_DE.UTF-8", "LANG": "de_DE.UTF-8", "TZ": "Europe/Berlin"}
+    german = {"HOME": str(ANNA), "LC_ALL": "de_DE.UTF-8", "LANG": "de_DE.UTF-8", "TZ": "Europe/Berlin"}
     with FtpServer(folder / "webspace", folder / "server.log",
                    ["--certificate", str(make_certificate(folder))]) as server, \
-            Program(arguments.program, arguments.driver, [], folder / "home",
+            Display() as display, \
+            Program(program_file, arguments.driver, [], ANNA / ".own", display.name,
                     variables=german) as program:
         walk = Walk(program, server)
         for stretch in (walk.start, walk.fill_in_connection, walk.log_in, walk.transfer,
@@ -169,14 +185,14 @@ def main():
     parser.add_argument("--program", required=True)
     parser.add_argument("--driver", required=True, help="the built e2e_driver")
     arguments = parser.parse_args()
-    if LOCAL.exists():
-        sys.exit(f"{LOCAL} is in the way")
+    if ANNA.exists():
+        sys.exit(f"{ANNA} is in the way")
     PICTURES.mkdir(exist_ok=True)
     try:
         with tempfile.TemporaryDirectory(prefix="tarvelo-help-") as folder:
             run(arguments, Path(folder))
     finally:
-        subprocess.run(["rm", "-rf", str(LOCAL)], check=True)
+        shutil.rmtree(ANNA, ignore_errors=True)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,6 @@
 #!/bin/bash
 # Makes the pictures of the help (resources/help/bilder) and of the README (docs/screenshot.png) anew, from
-# the real program on Qt's offscreen platform. Run it after a window has changed, look at the result, commit.
+# the real program on a virtual display. Run it after a window has changed, look at the result, commit.
 set -eu
 cd "$(dirname "$0")/.."
 . tools/packages.sh

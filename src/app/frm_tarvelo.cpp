@@ -11,7 +11,6 @@
 #include "common/workingfolders.h"
 #include "connections/frmConnect.h"
 #include "connections/frm_zertifikat.h"
-#include "connections/ftpurl.h"
 #include "connections/session.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frm_einstellungen.h"
@@ -39,7 +38,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -330,10 +328,6 @@ void frm_tarvelo::showConnectDialog(bool connectionStands)
                         [this](const FtpProxy &proxy) { setProxy(proxy); },
                         [this](QWidget *parent) { pickFolder(parent); } },
                       connectionStands, this);
-    // An address on the command line is for the first time only.
-    if (const auto address = profileFromUrl(std::exchange(m_services.commandLine, {}))) {
-        dialog.setFields(fieldsOf(*address));
-    }
     dialog.exec();
 }
 

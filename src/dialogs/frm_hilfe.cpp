@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QEvent>
 #include <QFileInfo>
+#include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -36,6 +37,7 @@ QString pageStyle(const QPalette &palette)
            "h2 { font-size: large; font-weight: 600; margin-top: 18px; margin-bottom: 6px; }"
            "p, ul, ol, pre { margin-top: 6px; margin-bottom: 6px; }"
            "p, li, td { line-height: 125%; }"
+           "p.bild { line-height: 100%; }"
            "li { margin-bottom: 3px; }"
            "a { color: %1; text-decoration: none; }"
            "table { border-collapse: collapse; border-color: %2; margin-top: 6px; margin-bottom: "
@@ -45,6 +47,29 @@ QString pageStyle(const QPalette &palette)
                                                 mixed(base, text, 0.25).name(),
                                                 mixed(base, text, 0.08).name());
 }
+
+/// Shows pictures that are wider than a page at the page's width, smoothly.
+class PageBrowser : public QTextBrowser {
+public:
+    using QTextBrowser::QTextBrowser;
+
+protected:
+    QVariant loadResource(int type, const QUrl &name) override
+    {
+        constexpr int PageWidth = 552;
+        const QVariant resource = QTextBrowser::loadResource(type, name);
+        if (type != QTextDocument::ImageResource) {
+            return resource;
+        }
+        QImage image = QImage::fromData(resource.toByteArray());
+        if (image.width() > PageWidth) {
+            image = image.scaledToWidth(qRound(PageWidth * devicePixelRatioF()),
+                                        Qt::SmoothTransformation);
+            image.setDevicePixelRatio(devicePixelRatioF());
+        }
+        return image;
+    }
+};
 
 } // namespace
 
@@ -117,7 +142,7 @@ void frm_hilfe::buildLayout()
     m_list->setObjectName(u"lst_inhalt"_s);
     m_list->setAccessibleName(u"Inhalt"_s);
     m_list->setSpacing(3);
-    m_page = new QTextBrowser;
+    m_page = new PageBrowser;
     m_page->setObjectName(u"tx_seite"_s);
     m_page->setAccessibleName(u"Seite"_s);
     m_page->document()->setDocumentMargin(18);

@@ -98,9 +98,9 @@ TEST(HelpPages, HaveTitlesThatAreAlsoTheirHeadings)
     }
 }
 
-TEST(HelpPages, LeadOnlyToPagesThatExist)
+TEST(HelpPages, LeadOnlyToPagesAndPicturesThatExist)
 {
-    static const QRegularExpression target(u"href=\"([^\"]*)\""_s);
+    static const QRegularExpression target(u"(?:href|src)=\"([^\"]*)\""_s);
     for (const HelpPage &page : helpPages()) {
         auto matches = target.globalMatch(html(page.name));
         while (matches.hasNext()) {
