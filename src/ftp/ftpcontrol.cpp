@@ -139,8 +139,8 @@ void FtpControl::Private::tellReason(int code, const ftp::Error &error)
 {
     if (error.replyCode == 0 && error.kind != ErrorKind::Aborted && code != OpConnect
         && code != OpLogout) {
-        Q_EMIT q->replyEvent(
-            { code, FtpEvent::Failed, ftpError(error).text + QStringLiteral("\r\n"), 0, 0 });
+        Q_EMIT q->replyEvent({ code, FtpEvent::Failed,
+                               ftpError(error).text + QStringLiteral("\r\n"), 0, 0, error.kind });
     }
 }
 

@@ -38,8 +38,10 @@ struct FtpEvent {
     /// the engine in the same form; empty for pure byte counts.
     QString text;
     qint64 bytes = 0; ///< bytes so far, for operations 14 to 17
-    qint64 total
-        = 0; ///< bytes of the whole tree as far as known, for operations 15 and 16; 0 = unknown
+    /// Bytes of the whole tree as far as known, for operations 15 and 16; 0 = unknown.
+    qint64 total = 0;
+    /// Why it failed, when no reply of the server says so; nothing otherwise.
+    std::optional<ftp::ErrorKind> reason = std::nullopt;
 };
 Q_DECLARE_METATYPE(FtpEvent)
 
