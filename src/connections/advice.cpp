@@ -71,3 +71,14 @@ QString adviceFor(ftp::ErrorKind kind)
     }
     return {};
 }
+
+QString adviceFor(const FtpEvent &event)
+{
+    if (event.status != FtpEvent::Failed) {
+        return {};
+    }
+    // 425: the server could not open the data connection.
+    const bool blocked = event.text.startsWith("425"_L1);
+    const auto reason = blocked ? std::optional(ftp::ErrorKind::DataConnection) : event.reason;
+    return reason ? adviceFor(*reason) : QString();
+}

@@ -144,6 +144,13 @@ void Session::LoginErrorMessage(const FtpError &error)
     showDisconnected();
 }
 
+void Session::appendAdvice(const QString &sentence)
+{
+    if (!m_globals.settings.ErrorMsg && !sentence.isEmpty()) {
+        m_shell.AppendLog(sentence + lineBreak);
+    }
+}
+
 void Session::LogoutSequence()
 {
     m_shell.AppendLog(u"Logging out ..."_s + lineBreak);
@@ -209,6 +216,7 @@ void Session::onReplyEvent(const FtpEvent &event)
         noteNewFolder(event);
         m_shell.SetAbortEnabled(false);
         m_shell.AppendLog(event.text);
+        appendAdvice(adviceFor(event));
     }
     Q_EMIT replied(event);
 }

@@ -54,6 +54,8 @@ private:
     [[nodiscard]] FtpStatus applyProperties();
     [[nodiscard]] FtpStatus connectAndLogin();
     void afterLogin();
+    /// What to do about a failure, for those who did not ask for detailed messages.
+    void appendAdvice(const QString &sentence);
     void noteNewFolder(const FtpEvent &event);
 
     FtpConnection &m_control;

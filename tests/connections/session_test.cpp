@@ -67,7 +67,7 @@ struct SessionRules : ::testing::Test {
     }
     static FtpEvent event(int operation, int status, const QString &text, qint64 bytes = 0)
     {
-        return { operation, status, text, bytes, 0 };
+        return { operation, status, text, bytes };
     }
 };
 
@@ -355,6 +355,25 @@ TEST_F(SessionRules, EndsAreLoggedAndDisableTheAbortButton)
     }
     EXPECT_EQ(shell.log, u"226 fertig\r\n226 fertig\r\n"_s);
     EXPECT_TRUE(progress.isEmpty());
+}
+
+TEST_F(SessionRules, ABlockedDataConnectionIsFollowedByAdvice)
+{
+    const QString advice = adviceFor(ftp::ErrorKind::DataConnection) + u"\r\n"_s;
+    FtpEvent blocked = event(OpList, FtpEvent::Failed, u"Connection timed out\r\n"_s);
+    blocked.reason = ftp::ErrorKind::DataConnection;
+    session.onReplyEvent(blocked);
+    EXPECT_EQ(shell.log, u"Connection timed out\r\n"_s + advice);
+    shell.log.clear();
+    session.onReplyEvent(event(OpList, FtpEvent::Failed, u"425 Cannot open\r\n"_s));
+    EXPECT_EQ(shell.log, u"425 Cannot open\r\n"_s + advice);
+    shell.log.clear();
+    session.onReplyEvent(event(OpDelete, FtpEvent::Failed, u"550 denied\r\n"_s));
+    EXPECT_EQ(shell.log, u"550 denied\r\n"_s);
+    shell.log.clear();
+    globals.settings.ErrorMsg = true;
+    session.onReplyEvent(blocked);
+    EXPECT_EQ(shell.log, u"Connection timed out\r\n"_s);
 }
 
 TEST_F(SessionRules, OnlyMakingFoldersSetsTheNewFolderFlags)
