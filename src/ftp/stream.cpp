@@ -71,6 +71,7 @@ Error systemError(int code)
     case ETIMEDOUT:
         return { ErrorKind::Timeout, 0, "Connection timed out" };
     case ECONNRESET:
+    case ENOTCONN:
     case EPIPE:
         return { ErrorKind::ConnectionClosed, 0, "Connection closed by server" };
     case EHOSTUNREACH:

@@ -130,9 +130,11 @@ Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status 
                        "The server answered out of order (" + answer->text() + ")");
     }
     if (!answer->done()) {
-        const bool ours = !broken && broken.error().kind != ErrorKind::ConnectionClosed;
-        co_return ours ? broken
-                       : Status(refusal(*answer)); // our disk full says more than "aborted"
+        // Our full disk says more than the server's "aborted"; a broken line says less.
+        const bool ours = !broken
+            && (broken.error().kind == ErrorKind::LocalDiskFull
+                || broken.error().kind == ErrorKind::LocalFile);
+        co_return ours ? broken : Status(refusal(*answer));
     }
     co_return broken;
 }
