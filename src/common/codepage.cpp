@@ -18,7 +18,8 @@ constexpr std::array<char16_t, 32> upperControls {
 QChar characterOf(int code)
 {
     const auto byte = static_cast<unsigned char>(code);
-    return byte >= 0x80 && byte < 0xA0 ? QChar(upperControls[byte - 0x80]) : QChar(char16_t { byte });
+    return byte >= 0x80 && byte < 0xA0 ? QChar(upperControls[byte - 0x80])
+                                       : QChar(char16_t { byte });
 }
 
 int codeOf(QChar character)

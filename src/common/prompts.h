@@ -12,7 +12,8 @@ public:
     virtual ~Prompts() = default;
 
     /// Plain box with OK.
-    virtual void message(const QString &text, const QString &title = {}, Icon icon = Icon::None) = 0;
+    virtual void message(const QString &text, const QString &title = {}, Icon icon = Icon::None)
+        = 0;
     /// OK and Abbrechen; Escape is Abbrechen. @param details  additional line below, may be empty
     [[nodiscard]] virtual bool confirm(const QString &text, const QString &title = {},
                                        const QString &details = {})

@@ -24,7 +24,8 @@ public:
 
     /// Enables login, logout, the commands menu and all fourteen toolbar buttons; the third
     /// argument has no effect. Switches the traffic lights.
-    virtual void SetCommandsEnabled(bool login, bool logout, bool unused, bool commands, bool toolbars)
+    virtual void SetCommandsEnabled(bool login, bool logout, bool unused, bool commands,
+                                    bool toolbars)
         = 0;
     /// Enables or disables only the toolbar buttons (all fourteen).
     virtual void SetToolbarsEnabled(bool enabled) = 0;

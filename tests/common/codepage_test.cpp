@@ -23,8 +23,11 @@ TEST(CodePage, RefusesCharactersOutsideTheCodePage)
 
 TEST(CodePage, WritesUtf8WithAMarkOnlyWhenNeeded)
 {
-    EXPECT_EQ(CodePage::encodeFile(QStringLiteral("Größe €")), QByteArray("Gr\xF6\xDF" "e \x80"));
-    for (const QString &text : { QStringLiteral("日本"), QStringLiteral("ï»¿x"), QStringLiteral("ä") }) {
+    EXPECT_EQ(CodePage::encodeFile(QStringLiteral("Größe €")),
+              QByteArray("Gr\xF6\xDF"
+                         "e \x80"));
+    for (const QString &text :
+         { QStringLiteral("日本"), QStringLiteral("ï»¿x"), QStringLiteral("ä") }) {
         EXPECT_EQ(CodePage::decodeFile(CodePage::encodeFile(text)), text);
     }
     EXPECT_TRUE(CodePage::encodeFile(QStringLiteral("日本")).startsWith("\xEF\xBB\xBF"));

@@ -12,54 +12,54 @@ namespace servers {
 
 namespace {
 
-    template <auto Free> struct Deleter {
-        template <class T> void operator()(T *thing) const { Free(thing); }
-    };
-    using Key = std::unique_ptr<EVP_PKEY, Deleter<EVP_PKEY_free>>;
-    using X509Pointer = std::unique_ptr<X509, Deleter<X509_free>>;
-    using Bio = std::unique_ptr<BIO, Deleter<BIO_free_all>>;
-    using Extension = std::unique_ptr<X509_EXTENSION, Deleter<X509_EXTENSION_free>>;
+template <auto Free> struct Deleter {
+    template <class T> void operator()(T *thing) const { Free(thing); }
+};
+using Key = std::unique_ptr<EVP_PKEY, Deleter<EVP_PKEY_free>>;
+using X509Pointer = std::unique_ptr<X509, Deleter<X509_free>>;
+using Bio = std::unique_ptr<BIO, Deleter<BIO_free_all>>;
+using Extension = std::unique_ptr<X509_EXTENSION, Deleter<X509_EXTENSION_free>>;
 
-    void check(bool good)
-    {
-        if (!good) {
-            throw std::runtime_error("cannot make a certificate");
-        }
+void check(bool good)
+{
+    if (!good) {
+        throw std::runtime_error("cannot make a certificate");
     }
+}
 
-    void addExtension(X509 *certificate, int kind, const std::string &value)
-    {
-        X509V3_CTX context;
-        X509V3_set_ctx_nodb(&context);
-        X509V3_set_ctx(&context, certificate, certificate, nullptr, nullptr, 0);
-        const Extension extension(X509V3_EXT_conf_nid(nullptr, &context, kind, value.c_str()));
-        check(extension && X509_add_ext(certificate, extension.get(), -1) == 1);
-    }
+void addExtension(X509 *certificate, int kind, const std::string &value)
+{
+    X509V3_CTX context;
+    X509V3_set_ctx_nodb(&context);
+    X509V3_set_ctx(&context, certificate, certificate, nullptr, nullptr, 0);
+    const Extension extension(X509V3_EXT_conf_nid(nullptr, &context, kind, value.c_str()));
+    check(extension && X509_add_ext(certificate, extension.get(), -1) == 1);
+}
 
-    void setNames(X509 *certificate, const CertificateOptions &options)
-    {
-        X509_NAME *subject = X509_get_subject_name(certificate);
-        check(X509_NAME_add_entry_by_txt(
-                  subject, "CN", MBSTRING_UTF8,
-                  reinterpret_cast<const unsigned char *>(options.commonName.c_str()), -1, -1, 0)
-              == 1);
-        check(X509_set_issuer_name(certificate, subject) == 1);
-        std::string list;
-        for (const std::string &name : options.names) {
-            list += (list.empty() ? "" : ",") + name;
-        }
-        addExtension(certificate, NID_basic_constraints, "critical,CA:TRUE");
-        if (!list.empty()) {
-            addExtension(certificate, NID_subject_alt_name, list);
-        }
+void setNames(X509 *certificate, const CertificateOptions &options)
+{
+    X509_NAME *subject = X509_get_subject_name(certificate);
+    check(X509_NAME_add_entry_by_txt(
+              subject, "CN", MBSTRING_UTF8,
+              reinterpret_cast<const unsigned char *>(options.commonName.c_str()), -1, -1, 0)
+          == 1);
+    check(X509_set_issuer_name(certificate, subject) == 1);
+    std::string list;
+    for (const std::string &name : options.names) {
+        list += (list.empty() ? "" : ",") + name;
     }
+    addExtension(certificate, NID_basic_constraints, "critical,CA:TRUE");
+    if (!list.empty()) {
+        addExtension(certificate, NID_subject_alt_name, list);
+    }
+}
 
-    std::string text(BIO *bio)
-    {
-        char *data = nullptr;
-        const long size = BIO_get_mem_data(bio, &data);
-        return { data, static_cast<std::size_t>(size) };
-    }
+std::string text(BIO *bio)
+{
+    char *data = nullptr;
+    const long size = BIO_get_mem_data(bio, &data);
+    return { data, static_cast<std::size_t>(size) };
+}
 
 } // namespace
 

@@ -28,66 +28,66 @@ TemporaryFolder::~TemporaryFolder()
 
 namespace {
 
-    void fill(std::string &bytes, std::mt19937 &random)
-    {
-        for (std::size_t i = 0; i < bytes.size(); i += 4) {
-            const std::uint32_t value = static_cast<std::uint32_t>(random());
-            for (std::size_t j = i; j < std::min(i + 4, bytes.size()); ++j) {
-                bytes[j] = static_cast<char>(value >> (8 * (j - i)));
-            }
+void fill(std::string &bytes, std::mt19937 &random)
+{
+    for (std::size_t i = 0; i < bytes.size(); i += 4) {
+        const std::uint32_t value = static_cast<std::uint32_t>(random());
+        for (std::size_t j = i; j < std::min(i + 4, bytes.size()); ++j) {
+            bytes[j] = static_cast<char>(value >> (8 * (j - i)));
         }
     }
+}
 
-    std::ofstream create(const fs::path &path)
-    {
-        fs::create_directories(path.parent_path());
-        std::ofstream file(path, std::ios::binary | std::ios::trunc);
-        if (!file) {
-            throw std::runtime_error("cannot write " + path.string());
-        }
-        return file;
+std::ofstream create(const fs::path &path)
+{
+    fs::create_directories(path.parent_path());
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    if (!file) {
+        throw std::runtime_error("cannot write " + path.string());
     }
+    return file;
+}
 
-    void finish(std::ofstream &file, const fs::path &path)
-    {
-        file.close();
-        if (!file) {
-            throw std::runtime_error("cannot write " + path.string());
-        }
+void finish(std::ofstream &file, const fs::path &path)
+{
+    file.close();
+    if (!file) {
+        throw std::runtime_error("cannot write " + path.string());
     }
+}
 
-    std::string differentBytes(const fs::path &left, const fs::path &right)
-    {
-        if (fs::file_size(left) != fs::file_size(right)) {
-            return left.string() + " has " + std::to_string(fs::file_size(left)) + " bytes, "
-                + right.string() + " has " + std::to_string(fs::file_size(right)) + "\n";
-        }
-        std::ifstream a(left, std::ios::binary);
-        std::ifstream b(right, std::ios::binary);
-        std::string blockA(1 << 20, '\0');
-        std::string blockB(1 << 20, '\0');
-        for (std::uint64_t offset = 0; a && b; offset += blockA.size()) {
-            a.read(blockA.data(), static_cast<std::streamsize>(blockA.size()));
-            b.read(blockB.data(), static_cast<std::streamsize>(blockB.size()));
-            if (a.gcount() != b.gcount()
-                || blockA.compare(0, static_cast<std::size_t>(a.gcount()), blockB, 0,
-                                  static_cast<std::size_t>(b.gcount()))
-                    != 0) {
-                return left.string() + " and " + right.string() + " differ after byte "
-                    + std::to_string(offset) + "\n";
-            }
-        }
-        return {};
+std::string differentBytes(const fs::path &left, const fs::path &right)
+{
+    if (fs::file_size(left) != fs::file_size(right)) {
+        return left.string() + " has " + std::to_string(fs::file_size(left)) + " bytes, "
+            + right.string() + " has " + std::to_string(fs::file_size(right)) + "\n";
     }
+    std::ifstream a(left, std::ios::binary);
+    std::ifstream b(right, std::ios::binary);
+    std::string blockA(1 << 20, '\0');
+    std::string blockB(1 << 20, '\0');
+    for (std::uint64_t offset = 0; a && b; offset += blockA.size()) {
+        a.read(blockA.data(), static_cast<std::streamsize>(blockA.size()));
+        b.read(blockB.data(), static_cast<std::streamsize>(blockB.size()));
+        if (a.gcount() != b.gcount()
+            || blockA.compare(0, static_cast<std::size_t>(a.gcount()), blockB, 0,
+                              static_cast<std::size_t>(b.gcount()))
+                != 0) {
+            return left.string() + " and " + right.string() + " differ after byte "
+                + std::to_string(offset) + "\n";
+        }
+    }
+    return {};
+}
 
-    std::map<std::string, fs::path> entries(const fs::path &folder)
-    {
-        std::map<std::string, fs::path> result;
-        for (const auto &entry : fs::recursive_directory_iterator(folder)) {
-            result[entry.path().lexically_relative(folder).string()] = entry.path();
-        }
-        return result;
+std::map<std::string, fs::path> entries(const fs::path &folder)
+{
+    std::map<std::string, fs::path> result;
+    for (const auto &entry : fs::recursive_directory_iterator(folder)) {
+        result[entry.path().lexically_relative(folder).string()] = entry.path();
     }
+    return result;
+}
 
 } // namespace
 

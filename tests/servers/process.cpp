@@ -19,58 +19,58 @@ namespace servers {
 
 namespace {
 
-    std::vector<char *> pointers(std::vector<std::string> &texts)
-    {
-        std::vector<char *> result;
-        for (std::string &text : texts) {
-            result.push_back(text.data());
-        }
-        result.push_back(nullptr);
-        return result;
+std::vector<char *> pointers(std::vector<std::string> &texts)
+{
+    std::vector<char *> result;
+    for (std::string &text : texts) {
+        result.push_back(text.data());
     }
+    result.push_back(nullptr);
+    return result;
+}
 
-    std::vector<std::string> wholeEnvironment(const std::vector<std::string> &further)
-    {
-        std::vector<std::string> result = further;
-        for (char **variable = environ; *variable != nullptr; ++variable) {
-            const std::string name = std::string(*variable, std::strcspn(*variable, "=") + 1);
-            bool replaced = false;
-            for (const std::string &other : further) {
-                replaced = replaced || other.starts_with(name);
-            }
-            if (!replaced) {
-                result.emplace_back(*variable);
-            }
+std::vector<std::string> wholeEnvironment(const std::vector<std::string> &further)
+{
+    std::vector<std::string> result = further;
+    for (char **variable = environ; *variable != nullptr; ++variable) {
+        const std::string name = std::string(*variable, std::strcspn(*variable, "=") + 1);
+        bool replaced = false;
+        for (const std::string &other : further) {
+            replaced = replaced || other.starts_with(name);
         }
-        return result;
+        if (!replaced) {
+            result.emplace_back(*variable);
+        }
     }
+    return result;
+}
 
-    /// The children of a process and theirs. A server's sessions may have left its process group.
-    std::vector<pid_t> descendants(pid_t ancestor)
-    {
-        std::map<pid_t, pid_t> parents;
-        for (const auto &entry : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream file(entry.path() / "stat");
-            std::string line;
-            pid_t parent = 0;
-            char state = 0;
-            if (std::getline(file, line) && line.rfind(") ") != std::string::npos
-                && std::istringstream(line.substr(line.rfind(") ") + 2)) >> state >> parent) {
-                parents[static_cast<pid_t>(std::atoi(line.c_str()))] = parent;
-            }
+/// The children of a process and theirs. A server's sessions may have left its process group.
+std::vector<pid_t> descendants(pid_t ancestor)
+{
+    std::map<pid_t, pid_t> parents;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream file(entry.path() / "stat");
+        std::string line;
+        pid_t parent = 0;
+        char state = 0;
+        if (std::getline(file, line) && line.rfind(") ") != std::string::npos
+            && std::istringstream(line.substr(line.rfind(") ") + 2)) >> state >> parent) {
+            parents[static_cast<pid_t>(std::atoi(line.c_str()))] = parent;
         }
-        std::vector<pid_t> result;
-        for (const auto &[id, parent] : parents) {
-            pid_t above = parent;
-            while (above != ancestor && parents.contains(above)) {
-                above = parents[above];
-            }
-            if (above == ancestor) {
-                result.push_back(id);
-            }
-        }
-        return result;
     }
+    std::vector<pid_t> result;
+    for (const auto &[id, parent] : parents) {
+        pid_t above = parent;
+        while (above != ancestor && parents.contains(above)) {
+            above = parents[above];
+        }
+        if (above == ancestor) {
+            result.push_back(id);
+        }
+    }
+    return result;
+}
 
 } // namespace
 

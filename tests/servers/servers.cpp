@@ -18,40 +18,40 @@ namespace fs = std::filesystem;
 
 namespace {
 
-    std::string contents(const fs::path &path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
+std::string contents(const fs::path &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
 
-    bool everybodyMayEnter(fs::path folder)
-    {
-        for (;; folder = folder.parent_path()) {
-            if ((fs::status(folder).permissions() & fs::perms::others_exec) == fs::perms::none) {
-                return false;
-            }
-            if (folder == folder.parent_path()) {
-                return true;
-            }
+bool everybodyMayEnter(fs::path folder)
+{
+    for (;; folder = folder.parent_path()) {
+        if ((fs::status(folder).permissions() & fs::perms::others_exec) == fs::perms::none) {
+            return false;
+        }
+        if (folder == folder.parent_path()) {
+            return true;
         }
     }
+}
 
-    /// A new folder that the server's account can reach.
-    fs::path temporaryFolder()
-    {
-        fs::path parent = fs::temp_directory_path();
-        if (!everybodyMayEnter(fs::absolute(parent))) {
-            parent = "/tmp";
-        }
-        std::string name = parent / "tarvelo-server-XXXXXX";
-        if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("cannot make a folder in " + parent.string());
-        }
-        fs::permissions(name, fs::perms(0711));
-        return name;
+/// A new folder that the server's account can reach.
+fs::path temporaryFolder()
+{
+    fs::path parent = fs::temp_directory_path();
+    if (!everybodyMayEnter(fs::absolute(parent))) {
+        parent = "/tmp";
     }
+    std::string name = parent / "tarvelo-server-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("cannot make a folder in " + parent.string());
+    }
+    fs::permissions(name, fs::perms(0711));
+    return name;
+}
 
 } // namespace
 

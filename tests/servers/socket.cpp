@@ -20,59 +20,59 @@ namespace servers {
 
 namespace {
 
-    struct Address {
-        sockaddr_storage storage {};
-        socklen_t size = sizeof(storage);
-        sockaddr *pointer() { return reinterpret_cast<sockaddr *>(&storage); }
-    };
+struct Address {
+    sockaddr_storage storage {};
+    socklen_t size = sizeof(storage);
+    sockaddr *pointer() { return reinterpret_cast<sockaddr *>(&storage); }
+};
 
-    Address numericAddress(const std::string &address, std::uint16_t port)
-    {
-        addrinfo hints {};
-        hints.ai_flags = AI_NUMERICHOST;
-        hints.ai_socktype = SOCK_STREAM;
-        addrinfo *found = nullptr;
-        if (getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found) != 0) {
-            throw std::runtime_error("not an address: " + address);
-        }
-        Address result;
-        std::memcpy(&result.storage, found->ai_addr, found->ai_addrlen);
-        result.size = found->ai_addrlen;
-        freeaddrinfo(found);
-        return result;
+Address numericAddress(const std::string &address, std::uint16_t port)
+{
+    addrinfo hints {};
+    hints.ai_flags = AI_NUMERICHOST;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *found = nullptr;
+    if (getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found) != 0) {
+        throw std::runtime_error("not an address: " + address);
     }
+    Address result;
+    std::memcpy(&result.storage, found->ai_addr, found->ai_addrlen);
+    result.size = found->ai_addrlen;
+    freeaddrinfo(found);
+    return result;
+}
 
-    void check(bool good, const char *what)
-    {
-        if (!good) {
-            throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
-        }
+void check(bool good, const char *what)
+{
+    if (!good) {
+        throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
     }
+}
 
-    /// OpenSSL writes to its socket without MSG_NOSIGNAL. The signal is held back only while it
-    /// does so: a process under test has to deal with its own.
-    class TlsCall {
-    public:
-        TlsCall()
-        {
-            sigemptyset(&m_signal);
-            sigaddset(&m_signal, SIGPIPE);
-            pthread_sigmask(SIG_BLOCK, &m_signal, &m_before);
-            ERR_clear_error();
-        }
-        ~TlsCall()
-        {
-            const timespec now {};
-            sigtimedwait(&m_signal, nullptr, &now);
-            pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
-        }
-        TlsCall(const TlsCall &) = delete;
-        TlsCall &operator=(const TlsCall &) = delete;
+/// OpenSSL writes to its socket without MSG_NOSIGNAL. The signal is held back only while it
+/// does so: a process under test has to deal with its own.
+class TlsCall {
+public:
+    TlsCall()
+    {
+        sigemptyset(&m_signal);
+        sigaddset(&m_signal, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &m_signal, &m_before);
+        ERR_clear_error();
+    }
+    ~TlsCall()
+    {
+        const timespec now {};
+        sigtimedwait(&m_signal, nullptr, &now);
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    }
+    TlsCall(const TlsCall &) = delete;
+    TlsCall &operator=(const TlsCall &) = delete;
 
-    private:
-        sigset_t m_signal {};
-        sigset_t m_before {};
-    };
+private:
+    sigset_t m_signal {};
+    sigset_t m_before {};
+};
 
 } // namespace
 

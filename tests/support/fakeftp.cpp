@@ -332,8 +332,8 @@ std::optional<FtpError> FakeFtp::answer(const QString &command)
     return login ? login(command) : std::nullopt;
 }
 
-FtpStatus FakeFtp::connectAndLogin(const QString &server, const QString &user, const QString &password,
-                                   const QString &account, int port)
+FtpStatus FakeFtp::connectAndLogin(const QString &server, const QString &user,
+                                   const QString &password, const QString &account, int port)
 {
     const QString words = QStringList { server, user, password, account }.join(QChar::Space);
     if (const auto error

@@ -12,7 +12,8 @@ int main(int argc, char **argv)
     if (!home.isValid()) {
         return 2;
     }
-    for (const char *name : { "HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TEMP" }) {
+    for (const char *name :
+         { "HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TEMP" }) {
         const QString folder = home.filePath(QString::fromLatin1(name));
         QDir().mkpath(folder);
         qputenv(name, folder.toLocal8Bit());

@@ -153,7 +153,8 @@ TEST_F(FaultyTransfer, QuotaIsExplainedOncePerReplyAndLaterItemsAreTried)
     ASSERT_TRUE(login(server));
     prompts.expectMessage(quotaMessage());
     upload({ u"a"_s, u"b"_s });
-    EXPECT_EQ(statuses(), (QStringList { u"Upload verweigert"_s, u"Upload"_s })) << shell.log.toStdString();
+    EXPECT_EQ(statuses(), (QStringList { u"Upload verweigert"_s, u"Upload"_s }))
+        << shell.log.toStdString();
     EXPECT_EQ(shell.log.count(quotaMessage() + u"\r\n"_s), 1);
     EXPECT_EQ(servers::readFile(server.root() / "b"), "klein");
     expectReady();
