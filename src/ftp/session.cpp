@@ -106,6 +106,9 @@ Awaitable<Status> Session::openOnce()
         co_return fail(ErrorKind::Aborted, "Aborted");
     }
     std::error_code ignored; // without keep-alive probes idle lines only die earlier
+    // Commands go out at once; on data connections it would cut what the kernel sends from files
+    // into uneven packets.
+    connection.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
     connection.socket().set_option(asio::socket_base::keep_alive(true), ignored);
     auto greeting = co_await readGreeting(*m_dialogue);
     if (!greeting) {

@@ -6,7 +6,6 @@
 #include <csignal>
 #include <cstring>
 #include <openssl/err.h>
-#include <sys/sendfile.h>
 
 namespace ftp {
 
@@ -89,8 +88,8 @@ Stream::Stream(const asio::any_io_executor &executor)
     , m_readLimit(executor, m_socket)
     , m_writeLimit(executor, m_socket)
 {
-    // Broken lines are reported by the calls themselves; sendfile and OpenSSL know no other way to
-    // be quiet about it.
+    // Broken lines are reported by the calls themselves; OpenSSL knows no other
+    // way to be quiet about it.
     [[maybe_unused]] static const auto before = std::signal(SIGPIPE, SIG_IGN);
 }
 
@@ -154,9 +153,6 @@ Status Stream::beginConnect(const asio::ip::tcp::endpoint &endpoint)
     m_socket.open(endpoint.protocol(), error);
     if (!error) {
         m_socket.native_non_blocking(true, error);
-    }
-    if (!error) {
-        m_socket.set_option(asio::ip::tcp::no_delay(true), error);
     }
     if (error) {
         return socketError(error.value());
@@ -269,28 +265,6 @@ Awaitable<Status> Stream::write(std::string_view bytes, Milliseconds limit)
         }
     }
     co_return Status {};
-}
-
-Awaitable<Result<std::size_t>> Stream::sendFile(int file, std::int64_t offset, std::size_t most,
-                                                Milliseconds limit)
-{
-    for (;;) {
-        if (m_aborted || !m_socket.is_open()) {
-            co_return socketError(ECONNRESET);
-        }
-        off_t at = offset;
-        const ssize_t count = ::sendfile(m_socket.native_handle(), file, &at, most);
-        if (count >= 0) {
-            co_return static_cast<std::size_t>(count);
-        }
-        if (errno != EAGAIN && errno != EINTR) {
-            co_return socketError(errno);
-        }
-        Status ready = co_await waitWritable(limit);
-        if (!ready) {
-            co_return tl::unexpected(ready.error());
-        }
-    }
 }
 
 Awaitable<Status> Stream::waitForTls(int result, Milliseconds limit)

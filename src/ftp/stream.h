@@ -79,10 +79,6 @@ public:
     /// Reads what is there, at least one byte; 0 means the peer ended the stream.
     Awaitable<Result<std::size_t>> readSome(char *buffer, std::size_t size, Milliseconds limit);
     Awaitable<Status> write(std::string_view bytes, Milliseconds limit);
-    /// Sends bytes of a file from offset on with the kernel's help; plain connections only.
-    /// @return bytes sent, 0 at the end of the file
-    Awaitable<Result<std::size_t>> sendFile(int file, std::int64_t offset, std::size_t most,
-                                            Milliseconds limit);
     /// Tells the peer that nothing more comes: close_notify when encrypted, then a half-close.
     Awaitable<Status> finishSending(Milliseconds limit);
     /// Lets the peer go on reading and writing; nothing waits any more.

@@ -131,10 +131,9 @@ Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status 
     }
     if (!answer->done()) {
         // Our full disk says more than the server's "aborted"; a broken line says less.
-        const bool ours = !broken
-            && (broken.error().kind == ErrorKind::LocalDiskFull
-                || broken.error().kind == ErrorKind::LocalFile);
-        co_return ours ? broken : Status(refusal(*answer));
+        const bool lineOnly = broken || broken.error().kind == ErrorKind::ConnectionClosed
+            || broken.error().kind == ErrorKind::Unreachable;
+        co_return lineOnly ? Status(refusal(*answer)) : broken;
     }
     co_return broken;
 }
