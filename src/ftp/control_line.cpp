@@ -92,7 +92,7 @@ Awaitable<Status> TcpControlLine::readMore(Milliseconds limit)
     if (m_buffer.size() > longestLine) {
         co_return fail(ErrorKind::Protocol, "The server sent a line without end");
     }
-    std::array<char, 4096> block; // NOLINT: filled by the read
+    std::array<char, 4096> block {};
     auto count = co_await m_stream->readSome(block.data(), block.size(), limit);
     if (!count) {
         co_return tl::unexpected(count.error());

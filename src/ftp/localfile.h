@@ -35,7 +35,6 @@ public:
     /// Completes the file: sets its modification time (seconds since 1970, UTC) when known and puts
     /// it in the place of an older one.
     Status commit(std::optional<std::int64_t> modified);
-    [[nodiscard]] int descriptor() const { return m_file; }
 
 private:
     std::string m_path;
@@ -54,7 +53,6 @@ public:
     Status open(const std::string &path); ///< only regular files; never waits for a pipe
     /// Bytes from offset on; 0 at the end. @param size  of the buffer
     Result<std::size_t> read(std::int64_t offset, char *buffer, std::size_t size) const;
-    [[nodiscard]] int descriptor() const { return m_file; }
     [[nodiscard]] std::int64_t size() const { return m_size; }
     [[nodiscard]] std::int64_t modified() const { return m_modified; } ///< seconds since 1970, UTC
     [[nodiscard]] const std::string &path() const { return m_path; }
