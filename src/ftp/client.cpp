@@ -24,6 +24,13 @@ std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc)
     return plausible ? std::optional(rounded) : std::nullopt;
 }
 
+/// Whether an entry's time and the file's MDTM tell the server's zone.
+bool tellsZone(const Entry &entry)
+{
+    return entry.type == '-' && entry.time && !entry.utc
+        && entry.precision != Entry::Precision::Day;
+}
+
 bool saysExists(const std::string &text)
 {
     std::string upper = text;
@@ -90,19 +97,14 @@ Awaitable<Status> Client::changeFolder(std::string path)
 
 Awaitable<Status> Client::changeToParent() { co_return co_await m_session.changeToParent(); }
 
-Awaitable<Status> Client::learnZone(const Listing &listing)
+Awaitable<Status> Client::learnZone(Entry telling)
 {
     ServerKnowledge &server = m_session.knowledge();
-    const auto telling
-        = std::find_if(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
-              return entry.type == '-' && entry.time && !entry.utc
-                  && entry.precision != Entry::Precision::Day;
-          });
-    if (server.zoneOffset || server.noModificationTime || telling == listing.entries.end()) {
+    if (server.zoneOffset || server.noModificationTime || !tellsZone(telling)) {
         co_return Status {};
     }
     m_session.dialogue().setMuted(true);
-    auto answer = co_await m_session.ask("MDTM " + telling->name);
+    auto answer = co_await m_session.ask("MDTM " + telling.name);
     m_session.dialogue().setMuted(false);
     if (!answer) {
         co_return answer.error().kind == ErrorKind::BadArgument
@@ -111,7 +113,7 @@ Awaitable<Status> Client::learnZone(const Listing &listing)
     }
     const auto utc = answer->code == 213 ? parseTimeVal(answer->message()) : std::nullopt;
     if (utc) {
-        server.zoneOffset = zoneOf(toEpoch(*telling->time), toEpoch(*utc));
+        server.zoneOffset = zoneOf(toEpoch(*telling.time), toEpoch(*utc));
     }
     server.noModificationTime = answer->code == 500 || answer->code == 502;
     co_return Status {};
@@ -126,10 +128,9 @@ FolderEntry Client::present(const Entry &entry, const std::string &folder)
     shown.permissions = entry.permissions;
     shown.target = entry.target;
     shown.dayOnly = entry.time && entry.precision == Entry::Precision::Day;
+    shown.serverClock = entry.time && !entry.utc && !shown.dayOnly;
     if (entry.time) {
-        const std::int64_t offset
-            = entry.utc || shown.dayOnly ? 0 : m_session.knowledge().zoneOffset.value_or(0);
-        shown.time = toEpoch(*entry.time) - offset;
+        shown.time = toEpoch(*entry.time);
     }
     return shown;
 }
@@ -137,20 +138,30 @@ FolderEntry Client::present(const Entry &entry, const std::string &folder)
 Awaitable<Result<Folder>> Client::list()
 {
     Folder result;
-    auto listing = co_await listCurrentFolder(m_session, &result.rawText);
-    if (!listing) {
-        co_return tl::unexpected(listing.error());
+    const std::string here = folder();
+    Entry telling;
+    auto end = co_await readListing(m_session, [&](Entry &&entry) {
+        result.entries.push_back(present(entry, here));
+        if (!tellsZone(telling)) {
+            telling = std::move(entry);
+        }
+    });
+    if (!end) {
+        co_return tl::unexpected(end.error());
     }
-    Status zone = co_await learnZone(*listing);
+    Status zone = co_await learnZone(std::move(telling));
     if (!zone) {
         co_return tl::unexpected(zone.error());
     }
-    const std::string here = folder();
-    result.understood = listing->understood;
-    result.entries.reserve(listing->entries.size());
-    for (const Entry &entry : listing->entries) {
-        result.entries.push_back(present(entry, here));
+    const std::int64_t offset = m_session.knowledge().zoneOffset.value_or(0);
+    for (FolderEntry &entry : result.entries) {
+        if (entry.serverClock) {
+            entry.time = *entry.time - offset;
+            entry.serverClock = false;
+        }
     }
+    result.understood = end->understood;
+    result.rawText = std::move(end->rawText);
     co_return result;
 }
 

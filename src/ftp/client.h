@@ -17,6 +17,7 @@ struct FolderEntry {
     std::int64_t size = 0;
     std::optional<std::int64_t> time; ///< seconds since 1970, UTC when the server's zone is known
     bool dayOnly = false; ///< time has no clock time
+    bool serverClock = false; ///< time is still by the server's clock
     int permissions = -1; ///< 0 to 07777
     std::string target;
 };
@@ -24,7 +25,7 @@ struct FolderEntry {
 struct Folder {
     std::vector<FolderEntry> entries;
     bool understood = false;
-    std::string rawText;
+    std::string rawText; ///< as received, only of a listing that was not understood
 };
 
 /// The engine for one server: a session and what belongs to it. Lives on its executor's thread;
@@ -76,7 +77,7 @@ public:
 
 private:
     Awaitable<bool> folderExists(std::string raw);
-    Awaitable<Status> learnZone(const Listing &listing);
+    Awaitable<Status> learnZone(Entry telling);
     [[nodiscard]] FolderEntry present(const Entry &entry, const std::string &folder);
 
     Session m_session;

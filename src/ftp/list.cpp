@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 namespace ftp {
 namespace {
@@ -9,9 +10,12 @@ namespace {
 /// A hostile server must not fill the memory with a listing.
 constexpr std::size_t longestListing = std::size_t { 512 } << 20;
 
-Awaitable<Result<std::string>> fetchText(Session &session, std::string command)
+/// So much of a text that nobody understands is kept to be shown.
+constexpr std::size_t longestRawText = std::size_t { 16 } << 20;
+
+/// Asks for the type, the facts and the way to the data connection, in one round trip.
+Awaitable<Status> prepare(Session &session, DataConnection &data, bool machine)
 {
-    DataConnection data(session);
     auto wanted = data.command();
     if (!wanted) {
         co_return tl::unexpected(wanted.error());
@@ -20,7 +24,7 @@ Awaitable<Result<std::string>> fetchText(Session &session, std::string command)
     if (session.type() != Type::Ascii) {
         commands.emplace_back("TYPE A");
     }
-    if (command == "MLSD" && !session.factsChosen) {
+    if (machine && !session.factsChosen) {
         // Not every server sends the permissions unless asked for them (RFC 3659, section 7.9).
         commands.emplace_back("OPTS MLST type;size;modify;UNIX.mode;");
         session.factsChosen = true;
@@ -33,29 +37,45 @@ Awaitable<Result<std::string>> fetchText(Session &session, std::string command)
     if (session.type() != Type::Ascii && replies->front().done()) {
         session.rememberType(Type::Ascii);
     }
-    Status begun = co_await data.beginOrOpen(std::move(replies->back()));
+    co_return co_await data.beginOrOpen(std::move(replies->back()));
+}
+
+/// Carries out one command for a listing and hands its text to the parser.
+Awaitable<Result<ListingEnd>> fetch(Session &session, std::string command, ListingParser parser)
+{
+    DataConnection data(session);
+    Status begun = co_await prepare(session, data, command == "MLSD");
     if (!begun) {
         co_return tl::unexpected(begun.error());
     }
-    Status started = co_await startTransfer(session, data, std::move(command));
-    std::string text;
-    Status received = started;
-    if (started) {
-        received = co_await receiveAll(session, data, [&text](std::string_view block) -> Status {
-            if (text.size() + block.size() > longestListing) {
+    Status received = co_await startTransfer(session, data, std::move(command));
+    if (!received && (!session.usable() || received.error().kind == ErrorKind::Refused)) {
+        co_return tl::unexpected(received.error());
+    }
+    ListingEnd end;
+    if (received) {
+        received = co_await receiveAll(session, data, [&](std::string_view block) -> Status {
+            end.bytes += block.size();
+            if (end.bytes > longestListing) {
                 return fail(ErrorKind::Protocol, "The listing has no end");
             }
-            text += block;
+            if (!parser.understood()) {
+                end.rawText += block.substr(0, longestRawText - end.rawText.size());
+            }
+            parser.read(block);
             return {};
         });
-    } else if (!session.usable() || started.error().kind == ErrorKind::Refused) {
-        co_return tl::unexpected(started.error());
+    }
+    parser.finish();
+    end.understood = parser.understood();
+    if (end.understood) {
+        end.rawText.clear();
     }
     Status finished = co_await finishTransfer(session, data, received, session.timeout());
     if (!finished) {
         co_return tl::unexpected(finished.error());
     }
-    co_return text;
+    co_return end;
 }
 
 CivilTime serverNow(const ServerKnowledge &server)
@@ -63,14 +83,21 @@ CivilTime serverNow(const ServerKnowledge &server)
     return fromEpoch(static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0));
 }
 
-/// LIST, with hidden names where the server knows how.
-Awaitable<Result<ListingText>> fetchPlainListing(Session &session)
+/// A take that collects into a listing.
+ListingParser::Take into(Listing &listing)
+{
+    return [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
+}
+
+} // namespace
+
+Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::Take take)
 {
     ServerKnowledge &server = session.knowledge();
     if (!server.plainListOnly) {
-        auto all = co_await fetchText(session, "LIST -a");
-        if (all && !all->empty()) {
-            co_return ListingText { std::move(*all), false };
+        auto all = co_await fetch(session, "LIST -a", listParser(serverNow(server), take));
+        if (all && all->bytes > 0) {
+            co_return all;
         }
         if (!all && all.error().kind != ErrorKind::Refused) {
             co_return tl::unexpected(all.error());
@@ -79,50 +106,44 @@ Awaitable<Result<ListingText>> fetchPlainListing(Session &session)
         // alone proves nothing, since hidden names such as ".." may be left out.
         server.plainListOnly = !all;
     }
-    auto plain = co_await fetchText(session, "LIST");
-    if (!plain) {
-        co_return tl::unexpected(plain.error());
-    }
-    co_return ListingText { std::move(*plain), false };
+    co_return co_await fetch(session, "LIST", listParser(serverNow(server), std::move(take)));
 }
 
-} // namespace
-
-Awaitable<Result<ListingText>> fetchListing(Session &session)
+Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take take)
 {
     if (session.features().mlstUnixMode()) {
-        auto machine = co_await fetchText(session, "MLSD");
-        if (machine) {
-            co_return ListingText { std::move(*machine), true };
-        }
-        if (machine.error().kind != ErrorKind::Refused) {
-            co_return tl::unexpected(machine.error());
+        bool begun = false; // once an entry was told, nothing may be told twice
+        auto machine = co_await fetch(session, "MLSD", mlsdParser([&](Entry &&entry) {
+                                          begun = true;
+                                          take(std::move(entry));
+                                      }));
+        if (machine || begun || machine.error().kind != ErrorKind::Refused) {
+            co_return machine;
         }
     }
-    co_return co_await fetchPlainListing(session);
+    co_return co_await readPlainListing(session, std::move(take));
 }
 
-Awaitable<Result<Listing>> listCurrentFolder(Session &session, std::string *rawText)
+Awaitable<Result<Listing>> listCurrentFolder(Session &session)
 {
-    auto text = co_await fetchListing(session);
-    if (!text) {
-        co_return tl::unexpected(text.error());
+    Listing listing;
+    auto end = co_await readListing(session, into(listing));
+    if (!end) {
+        co_return tl::unexpected(end.error());
     }
-    Listing listing = text->machine ? parseMlsd(text->bytes)
-                                    : parseList(text->bytes, serverNow(session.knowledge()));
-    if (rawText != nullptr) {
-        *rawText = std::move(text->bytes);
-    }
+    listing.understood = end->understood;
     co_return listing;
 }
 
 Awaitable<Result<Listing>> listCurrentFolderPlainly(Session &session)
 {
-    auto text = co_await fetchPlainListing(session);
-    if (!text) {
-        co_return tl::unexpected(text.error());
+    Listing listing;
+    auto end = co_await readPlainListing(session, into(listing));
+    if (!end) {
+        co_return tl::unexpected(end.error());
     }
-    co_return parseList(text->bytes, serverNow(session.knowledge()));
+    listing.understood = end->understood;
+    co_return listing;
 }
 
 } // namespace ftp

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 namespace ftp {
 namespace dialects {
@@ -139,22 +140,73 @@ private:
 
 } // namespace
 
-Listing parseList(std::string_view bytes, const CivilTime &now)
+void ListingParser::takeLine(std::string_view line)
 {
-    constexpr std::size_t usualLine = 64;
-    Listing listing;
-    listing.entries.reserve(bytes.size() / usualLine);
-    ListReader reader(now);
-    forEachLine(bytes, [&](Text line, std::size_t number) {
-        Entry entry;
-        const Verdict verdict = reader.read(line, number, entry);
-        listing.understood = listing.understood || verdict != Verdict::Foreign;
-        if (verdict == Verdict::Entry) {
-            entry.line = number;
-            listing.entries.push_back(std::move(entry));
+    // One CR only: a second would be part of the name, and that name is another file's.
+    if (!line.empty() && line.back() == '\r') {
+        line.remove_suffix(1);
+    }
+    Entry entry;
+    const Verdict verdict = m_reader(line, ++m_number, entry);
+    m_understood = m_understood || verdict != Verdict::Foreign;
+    if (verdict == Verdict::Entry) {
+        entry.line = m_number;
+        m_take(std::move(entry));
+    }
+}
+
+void ListingParser::read(std::string_view block)
+{
+    while (!block.empty()) {
+        const std::size_t end = block.find('\n');
+        const Text line = block.substr(0, end);
+        block.remove_prefix(end == Text::npos ? block.size() : end + 1);
+        if (end == Text::npos) {
+            m_begun += line;
+        } else if (m_begun.empty()) {
+            takeLine(line);
+        } else {
+            m_begun += line;
+            takeLine(std::exchange(m_begun, {}));
         }
-    });
+    }
+}
+
+void ListingParser::finish()
+{
+    if (!m_begun.empty()) {
+        takeLine(std::exchange(m_begun, {}));
+    }
+}
+
+ListingParser listParser(const CivilTime &now, ListingParser::Take take)
+{
+    return { [reader = ListReader(now)](Text line, std::size_t number, Entry &entry) mutable {
+                return reader.read(line, number, entry);
+            },
+             std::move(take) };
+}
+
+namespace {
+
+template <class Make> Listing wholeListing(std::string_view bytes, Make make)
+{
+    Listing listing;
+    ListingParser parser
+        = make([&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); });
+    parser.read(bytes);
+    parser.finish();
+    listing.understood = parser.understood();
     return listing;
 }
+
+} // namespace
+
+Listing parseList(std::string_view bytes, const CivilTime &now)
+{
+    return wholeListing(bytes, [&now](auto take) { return listParser(now, std::move(take)); });
+}
+
+Listing parseMlsd(std::string_view bytes) { return wholeListing(bytes, mlsdParser); }
 
 } // namespace ftp

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,6 +38,46 @@ struct Listing {
     /// of which no line was understood.
     bool understood = false;
 };
+
+/// Reads a listing while it arrives, in blocks that may be cut anywhere.
+class ListingParser {
+public:
+    /// Hears of every entry as soon as its line is complete.
+    using Take = std::function<void(Entry &&)>;
+    /// What a dialect makes of one line, its end taken off; line numbers count from 1.
+    enum class Verdict {
+        Foreign, ///< not of this dialect, or not enough of it to tell
+        Passed, ///< of this dialect, but no entry (heading, total)
+        Entry, ///< the entry is filled, except for its line number
+    };
+    using Reader = std::function<Verdict(std::string_view line, std::size_t number, Entry &entry)>;
+
+    ListingParser(Reader reader, Take take)
+        : m_reader(std::move(reader))
+        , m_take(std::move(take))
+    {
+    }
+    /// The next bytes of the text.
+    void read(std::string_view block);
+    /// The text is over; its last line may have no end.
+    void finish();
+    /// As Listing::understood, of what was read so far.
+    [[nodiscard]] bool understood() const { return m_understood; }
+
+private:
+    void takeLine(std::string_view line);
+
+    Reader m_reader;
+    Take m_take;
+    std::string m_begun; ///< a line whose end is still to come
+    std::size_t m_number = 0;
+    bool m_understood = false;
+};
+
+/// Reads LIST, see parseList().
+[[nodiscard]] ListingParser listParser(const CivilTime &now, ListingParser::Take take);
+/// Reads MLSD, see parseMlsd().
+[[nodiscard]] ListingParser mlsdParser(ListingParser::Take take);
 
 /// Reads the text of LIST in any known dialect: Unix ls with its many columns and languages,
 /// MS-DOS, NetWare, EPLF, VMS, MVS, OS/400, OS/2, VxWorks, Mac OS. Lines end with CR LF or LF;

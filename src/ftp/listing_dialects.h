@@ -28,22 +28,6 @@ inline bool sameText(Text a, Text b)
 /// Whether a line holds nothing to see; a CR too many at its end is nothing.
 inline bool isBlankLine(Text line) { return line.find_first_not_of(" \t\r") == Text::npos; }
 
-/// Calls take(line, number) for every line, its end (LF or CR LF) taken off; numbers count from 1.
-template <class Take> void forEachLine(Text bytes, Take take)
-{
-    std::size_t number = 0;
-    while (!bytes.empty()) {
-        const std::size_t end = bytes.find('\n');
-        Text line = bytes.substr(0, end);
-        bytes.remove_prefix(end == Text::npos ? bytes.size() : end + 1);
-        // One CR only: a second would be part of the name, and that name is another file's.
-        if (!line.empty() && line.back() == '\r') {
-            line.remove_suffix(1);
-        }
-        take(line, ++number);
-    }
-}
-
 /// The next run without blanks from at on, empty at the line's end; at then lies behind it.
 Text takeToken(Text line, std::size_t &at);
 
@@ -95,12 +79,7 @@ std::optional<SizeAndStamp> findSizeAndStamp(Text line, std::size_t at);
 /// Puts a date into an entry, completed by its year, or none when it does not exist.
 void putTime(const Stamp &stamp, const CivilTime &now, Entry &entry);
 
-/// What a dialect made of a line.
-enum class Verdict {
-    Foreign, ///< not of this dialect, or not enough of it to tell
-    Passed, ///< of this dialect, but no entry (heading, total)
-    Entry, ///< the entry is filled, except for its line number
-};
+using Verdict = ListingParser::Verdict;
 
 /// "total 12" in several languages.
 bool isTotal(Text line);
@@ -126,7 +105,7 @@ public:
     Verdict parse(Text line, std::size_t number, Entry &entry);
 
 private:
-    Text m_name; ///< name from the line before
+    std::string m_name; ///< name from the line before
     std::size_t m_nameLine = 0;
 };
 

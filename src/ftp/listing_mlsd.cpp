@@ -30,10 +30,8 @@ bool readType(Text value, Entry &entry)
     return true;
 }
 
-enum class Outcome { Entry, NoEntry, Strange };
-
 /// Reads "name=value;name=value;".
-Outcome readFacts(Text facts, Entry &entry)
+Verdict readFacts(Text facts, Entry &entry)
 {
     while (!facts.empty()) {
         const std::size_t end = std::min(facts.find(';'), facts.size());
@@ -41,13 +39,13 @@ Outcome readFacts(Text facts, Entry &entry)
         facts.remove_prefix(std::min(end + 1, facts.size()));
         const std::size_t equals = fact.find('=');
         if (equals == Text::npos || equals == 0) {
-            return Outcome::Strange;
+            return Verdict::Foreign;
         }
         const Text name = fact.substr(0, equals);
         const Text value = fact.substr(equals + 1);
         if (sameText(name, "type")) {
             if (!readType(value, entry)) {
-                return Outcome::NoEntry;
+                return Verdict::Passed;
             }
         } else if (sameText(name, "size") || sameText(name, "sizd")) {
             entry.size = readSize(value).value_or(0);
@@ -57,31 +55,24 @@ Outcome readFacts(Text facts, Entry &entry)
             entry.permissions = readOctal(value);
         }
     }
-    return Outcome::Entry;
+    return Verdict::Entry;
+}
+
+/// One line: the facts, a blank, the name.
+Verdict readLine(Text line, std::size_t /*number*/, Entry &entry)
+{
+    const std::size_t blank = line.find(' ');
+    if (blank == Text::npos || blank + 1 == line.size() || isBlankLine(line)) {
+        return Verdict::Foreign;
+    }
+    const Verdict verdict = readFacts(line.substr(0, blank), entry);
+    entry.name = line.substr(blank + 1);
+    entry.utc = true;
+    return verdict;
 }
 
 } // namespace
 
-Listing parseMlsd(std::string_view bytes)
-{
-    Listing listing;
-    forEachLine(bytes, [&](Text line, std::size_t number) {
-        const std::size_t blank = line.find(' ');
-        if (blank == Text::npos || blank + 1 == line.size() || isBlankLine(line)) {
-            return;
-        }
-        Entry entry;
-        const Outcome outcome = readFacts(line.substr(0, blank), entry);
-        listing.understood = listing.understood || outcome != Outcome::Strange;
-        if (outcome != Outcome::Entry) {
-            return;
-        }
-        entry.name = line.substr(blank + 1);
-        entry.utc = true;
-        entry.line = number;
-        listing.entries.push_back(std::move(entry));
-    });
-    return listing;
-}
+ListingParser mlsdParser(ListingParser::Take take) { return { readLine, std::move(take) }; }
 
 } // namespace ftp

@@ -1,5 +1,7 @@
 #include "ftp/listing_dialects.h"
 
+#include <utility>
+
 namespace ftp::dialects {
 namespace {
 
@@ -63,14 +65,14 @@ Verdict VmsReader::parse(Text line, std::size_t number, Entry &entry)
     if (isHeading(line)) {
         return Verdict::Passed;
     }
+    const std::string begun = std::exchange(m_name, {});
     std::size_t at = 0;
     Text name = takeToken(line, at);
     const bool whole = isName(name);
     if (!whole) {
-        name = number == m_nameLine + 1 ? m_name : Text();
+        name = number == m_nameLine + 1 ? Text(begun) : Text();
         at = 0;
     }
-    m_name = {};
     const Text sizeToken = takeToken(line, at);
     if (name.empty() || sizeToken.empty()) {
         if (whole) {

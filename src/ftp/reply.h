@@ -39,7 +39,7 @@ private:
     std::size_t m_bytes = 0;
 };
 
-/// The reply as an error: its kind by the code, its text the whole reply.
+/// The reply as an error of kind Refused with its code; the text is the whole reply.
 [[nodiscard]] tl::unexpected<Error> refusal(const Reply &reply);
 
 } // namespace ftp

@@ -46,16 +46,21 @@ Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::str
 Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken,
                                  Milliseconds limit);
 
-/// Text of a listing of the current folder.
-struct ListingText {
-    std::string bytes;
-    bool machine = false; ///< MLSD
+/// What is known of a listing when it is over.
+struct ListingEnd {
+    std::size_t bytes = 0; ///< length of the text
+    bool understood = false; ///< as Listing::understood
+    std::string rawText; ///< the text as received, only of one that was not understood
 };
-Awaitable<Result<ListingText>> fetchListing(Session &session);
-/// The same, parsed; times as the server told them.
-Awaitable<Result<Listing>> listCurrentFolder(Session &session, std::string *rawText);
-/// The current folder by LIST, which shows links as such on every known server; machine listings do
-/// not always.
+/// Lists the current folder, by MLSD where that tells the permissions, else by LIST with hidden
+/// names where the server knows how. Entries are told as they arrive, times as the server told
+/// them; a failure may come behind some of them.
+Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take take);
+/// The same by LIST, which shows links as such on every known server; machine listings do not
+/// always.
+Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::Take take);
+/// readListing() and readPlainListing() in one piece.
+Awaitable<Result<Listing>> listCurrentFolder(Session &session);
 Awaitable<Result<Listing>> listCurrentFolderPlainly(Session &session);
 
 /// A single file to be fetched.

@@ -113,8 +113,7 @@ Awaitable<Result<Listing>> TreeRemover::listOf(Session &session, const DoomedPoi
     if (!entered->done()) {
         co_return refusal(*entered);
     }
-    std::string unused;
-    auto listing = co_await listCurrentFolder(session, &unused);
+    auto listing = co_await listCurrentFolder(session);
     if (listing && session.features().mlstUnixMode() && hasFolders(*listing)) {
         auto plain = co_await listCurrentFolderPlainly(session);
         if (plain) {

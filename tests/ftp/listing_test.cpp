@@ -111,6 +111,21 @@ std::vector<std::string> corpusNames()
     return names;
 }
 
+/// Everything that was read of a listing, as it is when its text arrives in blocks of some length.
+json readInBlocks(const std::string &bytes, std::size_t length, bool machine,
+                  const ftp::CivilTime &now)
+{
+    json read = json::array();
+    const auto take = [&read](ftp::Entry &&entry) { read.push_back(described(entry)); };
+    ftp::ListingParser parser = machine ? ftp::mlsdParser(take) : ftp::listParser(now, take);
+    for (std::size_t at = 0; at < bytes.size(); at += length) {
+        parser.read(std::string_view(bytes).substr(at, length));
+    }
+    parser.finish();
+    read.push_back(parser.understood());
+    return read;
+}
+
 class ListingCorpus : public testing::TestWithParam<std::string> { };
 
 } // namespace
@@ -144,6 +159,19 @@ TEST_P(ListingCorpus, GivesEveryFieldAsExpected)
         for (const ftp::Entry &entry : listing.entries) {
             EXPECT_NE(entry.line, skipped["line"].get<std::size_t>()) << skipped;
         }
+    }
+}
+
+TEST_P(ListingCorpus, ReadsTheSameHoweverTheTextIsCut)
+{
+    const std::string &name = GetParam();
+    const std::string bytes = readFile(corpus / (name + ".txt"));
+    const json expected = json::parse(readFile(corpus / (name + ".expected.json")));
+    const bool machine = name.ends_with("mlsd");
+    const ftp::CivilTime now = timeOf(expected["reference"]);
+    const json whole = readInBlocks(bytes, bytes.size() + 1, machine, now);
+    for (const std::size_t length : { 1U, 2U, 7U, 64U, 1000U }) {
+        EXPECT_EQ(readInBlocks(bytes, length, machine, now), whole) << length;
     }
 }
 
