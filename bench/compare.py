@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures tarvelo-bench beside the FTP clients found on this machine, in one run.
 
-  bench/compare.py [--bench FILE] [--server FILE] [--kind vsftpd] [--runs 3] [SECTION]...
+  bench/compare.py [--bench FILE] [--server FILE] [--kind vsftpd] [--runs 3] [--single] [SECTION]...
   bench/compare.py --host ADDRESS --port PORT --root FOLDER [--prefix "ip netns exec NS"] ..
 
 SECTION: file (1 GiB both ways), tls (the same, encrypted), tree (1,000 files of 4 KiB in 20
@@ -10,7 +10,7 @@ folders, both ways, and their removal), list (100,000 entries). Default: all.
 Without --host a server is started on the loopback address (tests/ftp-server of the dev build).
 With --host a server that serves FOLDER is used, and every client runs behind --prefix: so a line
 with delay is measured, between two network namespaces for example. The clients take turns; the
-figures are medians of wall-clock seconds of whole processes, login included.
+figures are medians of whole processes, login included.
 """
 import argparse
 import os
@@ -30,6 +30,7 @@ p.add_argument("--server", default=os.path.join(top, "build/dev/tests/ftp-server
 p.add_argument("--kind", default="vsftpd")
 p.add_argument("--runs", type=int, default=3)
 p.add_argument("--sessions", type=int, default=4)
+p.add_argument("--single", action="store_true", help="trees also over one session, beside curl in one process")
 p.add_argument("--host")
 p.add_argument("--port", type=int)
 p.add_argument("--root")
@@ -43,36 +44,49 @@ scratch = tempfile.mkdtemp(prefix="tarvelo-compare-", dir="/dev/shm" if os.acces
 prefix = a.prefix.split()
 
 
-def run(command):
-    """Seconds of one process, or None when it failed."""
-    start = time.monotonic()
-    done = subprocess.run(prefix + command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=1200)
-    seconds = time.monotonic() - start
-    if done.returncode != 0:
-        print("   failed:", " ".join(command)[:100], done.stderr.decode(errors="replace")[:200].strip(), file=sys.stderr)
-        return None
-    return seconds
+class Cost:
+    """What one process needed: wall-clock and processor seconds, peak memory in MiB."""
+
+    def __init__(self, command):
+        start = time.monotonic()
+        process = subprocess.Popen(prefix + command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        said = process.stderr.read()
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        self.seconds = time.monotonic() - start
+        self.cpu = usage.ru_utime + usage.ru_stime
+        self.memory = usage.ru_maxrss / 1024
+        self.good = process.returncode == 0
+        if not self.good:
+            print("   failed:", " ".join(command)[:100], said.decode(errors="replace")[:200].strip(), file=sys.stderr)
+
+
+def show(title, costs):
+    """costs: name -> list of Cost. Ratios are to the first row, which is ours."""
+    print(f"\n{title}\n\n  {'':38} {'seconds':>9} {'ours/this':>9} {'CPU s':>7} {'MiB':>6}")
+    ours = None
+    for name, runs in costs.items():
+        good = [cost for cost in runs if cost.good]
+        if not good:
+            print(f"  {name:38}    failed")
+            continue
+        median = statistics.median(cost.seconds for cost in good)
+        ours = ours or median
+        cpu = statistics.median(cost.cpu for cost in good)
+        memory = statistics.median(cost.memory for cost in good)
+        lost = f"  ({len(runs) - len(good)} of {len(runs)} failed)" if len(good) < len(runs) else ""
+        print(f"  {name:38} {median:9.3f} {ours / median:9.2f} {cpu:7.2f} {memory:6.0f}{lost}")
+    sys.stdout.flush()
 
 
 def table(title, rows, before=lambda: None):
-    """rows: name -> command. The first one is ours."""
-    times = {name: [] for name in rows}
+    """rows: name -> command, run in turn."""
+    costs = {name: [] for name in rows}
     for _ in range(a.runs):
         for name, command in rows.items():
             before()
-            times[name].append(run(command))
-    print(f"\n{title}\n")
-    ours = None
-    for name, seconds in times.items():
-        good = [s for s in seconds if s is not None]
-        if not good:
-            print(f"  {name:38} failed")
-            continue
-        median = statistics.median(good)
-        ours = ours or median
-        lost = f"  ({len(seconds) - len(good)} of {len(seconds)} failed)" if len(good) < len(seconds) else ""
-        print(f"  {name:38} {median:9.3f} s   ours/this {ours / median:5.2f}{lost}")
-    sys.stdout.flush()
+            costs[name].append(Cost(command))
+    show(title, costs)
 
 
 def having(rows):
@@ -124,31 +138,40 @@ def tree(host, port, root):
     subprocess.run(["chmod", "-R", "a+rwX", site], check=True)
     out = os.path.join(scratch, "tree")
     n = str(a.sessions)
-    table(f"1,000 files of 4 KiB down ({n} sessions)", having({
-        "tarvelo-bench get-tree": [a.bench, "get-tree", f"{url}/site", out, "--sessions", n],
-        "tarvelo-bench get-tree, 1 session": [a.bench, "get-tree", f"{url}/site", out, "--sessions", "1"],
+    names = [f"d{d:02}/f{f:02}.html" for d in range(20) for f in range(50)]
+    curl = ["curl", "-sS", "--create-dirs"]
+    down = {
+        f"tarvelo-bench get-tree, {n} sessions": [a.bench, "get-tree", f"{url}/site", out, "--sessions", n],
         f"lftp mirror --parallel={n}": lftp(f"mirror --parallel={n} site {out}", url, False),
-    }), clean(out))
+    }
+    if a.single:
+        down["tarvelo-bench get-tree, 1 session"] = [a.bench, "get-tree", f"{url}/site", out, "--sessions", "1"]
+        down["curl, one process"] = curl + [x for f in names for x in ("-o", f"{out}/{f}", f"{url}/site/{f}")]
+    if not a.host:
+        down["curl --parallel-max 8"] = curl + ["--parallel", "--parallel-max", "8"] + [
+            x for f in names for x in ("-o", f"{out}/{f}", f"{url}/site/{f}")]
+    table("1,000 files of 4 KiB in 20 folders down", having(down), clean(out))
     shutil.copytree(site, out, dirs_exist_ok=True)
-    names = iter(range(1000000))
-    put, mirror, gone = [], [], []
-
-    def rows():
-        i = next(names)
-        return {
-            "tarvelo-bench put-tree": [a.bench, "put-tree", f"{url}/up{i}a", out, "--sessions", n],
+    costs = {}
+    for i in range(a.runs):
+        rows = {
+            f"tarvelo-bench put-tree, {n} sessions": [a.bench, "put-tree", f"{url}/up{i}a", out, "--sessions", n],
             f"lftp mirror -R --parallel={n}": lftp(f"mirror -R --parallel={n} {out} up{i}b", url, False),
-            "tarvelo-bench remove-tree": [a.bench, "remove-tree", f"{url}/up{i}a", "--sessions", n],
-            "lftp rm -r": lftp(f"rm -r up{i}b", url, False),
         }
-    results = {}
-    for _ in range(a.runs):
-        for name, command in having(rows()).items():
-            results.setdefault(name, []).append(run(command))
-    print(f"\n1,000 files of 4 KiB up, and their removal ({n} sessions)\n")
-    for name, seconds in results.items():
-        good = [s for s in seconds if s is not None]
-        print(f"  {name:38} {statistics.median(good):9.3f} s" if good else f"  {name:38} failed")
+        if not a.host:
+            rows["curl --parallel-max 8"] = ["curl", "-sS", "--ftp-create-dirs", "--parallel", "--parallel-max", "8"] + [
+                x for f in names for x in ("-T", f"{out}/{f}", f"{url}/up{i}c/{f}")]
+        for name, command in having(rows).items():
+            costs.setdefault(name, []).append(Cost(command))
+    show("The same up", costs)
+    costs = {}
+    for i in range(a.runs):
+        for name, command in having({
+            f"tarvelo-bench remove-tree, {n} sessions": [a.bench, "remove-tree", f"{url}/up{i}a", "--sessions", n],
+            "lftp rm -r": lftp(f"rm -r up{i}b", url, False),
+        }).items():
+            costs.setdefault(name, []).append(Cost(command))
+    show("The same removed", costs)
 
 
 def listing(host, port, root):

@@ -57,6 +57,20 @@ std::string fingerprint(X509 *certificate)
     return text;
 }
 
+/// The system's certificates, read once: that takes longer than several logins.
+X509_STORE *systemStore()
+{
+    static const std::unique_ptr<X509_STORE, decltype(&X509_STORE_free)> store = [] {
+        std::unique_ptr<X509_STORE, decltype(&X509_STORE_free)> made(X509_STORE_new(),
+                                                                     X509_STORE_free);
+        if (made && X509_STORE_set_default_paths(made.get()) != 1) {
+            ERR_clear_error(); // without the system's certificates the user is asked for each
+        }
+        return made;
+    }();
+    return store.get();
+}
+
 } // namespace
 
 tl::unexpected<Error> tlsFailure()
@@ -68,12 +82,15 @@ tl::unexpected<Error> tlsFailure()
                 std::string("TLS failed: ") + (reason == nullptr ? "unknown reason" : reason));
 }
 
-TlsContext::TlsContext()
-    : m_context(SSL_CTX_new(TLS_client_method()))
+void TlsContext::create()
 {
+    m_context.reset(SSL_CTX_new(TLS_client_method()));
     SSL_CTX *context = m_context.get();
+    if (context == nullptr) {
+        return;
+    }
     SSL_CTX_set_min_proto_version(context, TLS1_2_VERSION);
-    SSL_CTX_set_default_verify_paths(context);
+    SSL_CTX_set1_cert_store(context, systemStore());
     // The answer is asked after the handshake, since the user may trust a certificate by hand.
     SSL_CTX_set_verify(context, SSL_VERIFY_NONE, nullptr);
     SSL_CTX_set_mode(context,
@@ -106,7 +123,10 @@ void TlsContext::keepSessionOf(const SSL *control)
 
 SslPointer TlsContext::newConnection(int socket, const std::string &host, SSL_SESSION *reuse)
 {
-    SslPointer ssl(SSL_new(m_context.get()));
+    if (!m_context) {
+        create();
+    }
+    SslPointer ssl(m_context ? SSL_new(m_context.get()) : nullptr);
     if (!ssl || SSL_set_fd(ssl.get(), socket) != 1) {
         return nullptr;
     }

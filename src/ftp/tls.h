@@ -24,9 +24,13 @@ using CertificatePointer = std::unique_ptr<X509, SslDeleter>;
 
 /// Settings of all encrypted connections to one server (RFC 4217): TLS 1.2 and 1.3, the system's
 /// certificate store, and the session of the control connection, which data connections resume.
+/// Costs nothing before the first connection.
 class TlsContext {
 public:
-    TlsContext();
+    TlsContext() = default;
+    TlsContext(const TlsContext &) = delete;
+    TlsContext &operator=(const TlsContext &) = delete;
+    ~TlsContext() = default;
 
     /// A client connection over a socket, ready for the handshake. Verification does not stop the
     /// handshake; the result is asked afterwards.
@@ -39,6 +43,7 @@ public:
 
 private:
     static int newSession(SSL *ssl, SSL_SESSION *session);
+    void create();
 
     std::unique_ptr<SSL_CTX, SslDeleter> m_context;
     const SSL *m_control = nullptr;

@@ -3,7 +3,7 @@
 #include "ftp/side_task.h"
 
 #include <asio/post.hpp>
-#include <vector>
+#include <memory>
 
 namespace ftp {
 namespace {
@@ -49,10 +49,10 @@ ProgressMeter::Report sessionProgress(Session &session)
 Awaitable<Status> receiveAll(Session &session, DataConnection &data,
                              std::function<Status(std::string_view)> sink)
 {
-    std::vector<char> block(blockSize);
+    const auto block = std::make_unique_for_overwrite<char[]>(blockSize);
     std::size_t inARow = 0;
     for (;;) {
-        auto count = co_await data.stream().readSome(block.data(), block.size(), session.timeout());
+        auto count = co_await data.stream().readSome(block.get(), blockSize, session.timeout());
         if (!count) {
             co_return tl::unexpected(count.error());
         }
@@ -63,7 +63,7 @@ Awaitable<Status> receiveAll(Session &session, DataConnection &data,
             data.drainAndClose();
             co_return Status {};
         }
-        Status taken = sink(std::string_view(block.data(), *count));
+        Status taken = sink(std::string_view(block.get(), *count));
         if (!taken) {
             co_return taken;
         }
