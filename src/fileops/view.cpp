@@ -72,6 +72,8 @@ void ViewCommand::ViewRemoteFile(int row)
     m_work.shell.SetFolderBoxesEnabled(false);
     const auto restore = qScopeGuard([this] {
         m_progress.finish();
+        // The last progress report may have come after the last reply.
+        m_work.shell.SetAbortEnabled(false);
         m_work.shell.SetToolbarsEnabled(true);
         m_work.shell.SetFolderBoxesEnabled(true);
     });

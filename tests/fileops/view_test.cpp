@@ -47,6 +47,13 @@ TEST_F(ViewTest, FetchesARemoteFileAndOpensIt)
     EXPECT_GT(globals.transfer.TransferStart, 0);
 }
 
+TEST_F(ViewTest, NothingCanBeAbortedAfterwards)
+{
+    ftp.addFile(u"/www/index.html"_s, "x");
+    viewRemote(u"index.html"_s);
+    EXPECT_EQ(shellCalls(u"SetAbortEnabled"_s), QStringList { u"SetAbortEnabled 0"_s });
+}
+
 TEST_F(ViewTest, AnEmptyFileKeepsTheMaximumAndIsOpened)
 {
     ftp.addFile(u"/www/leer"_s, "");
