@@ -2,12 +2,15 @@
 
 #include "app/transfercolumn.h"
 
+#include <QApplication>
+#include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QRadioButton>
 #include <QSplitter>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -167,6 +170,28 @@ TEST_F(MainWindow, SetCommandsEnabledSwitchesMenusBarsAndLights)
             EXPECT_TRUE(find<QWidget>("img_ampel_rot")->isVisible()) << "nothing stands";
         }
     }
+}
+
+TEST_F(MainWindow, TheLightsRunOnlyCommandsThatAreEnabled)
+{
+    const auto click = [this](const char *light) { find<QToolButton>(light)->click(); };
+    QComboBox *box = find<QComboBox>("cmbRemoteDir");
+    box->setEditText(QStringLiteral("/html"));
+    window->SetCommandsEnabled(false, false, false, true, true);
+    click("img_ampel_gruen");
+    click("img_ampel_rot"); // would stay here as long as the dialog is open
+    EXPECT_EQ(box->currentText(), QStringLiteral("/html"));
+
+    window->SetCommandsEnabled(true, true, false, true, true);
+    click("img_ampel_gruen"); // logging out without a connection only empties the box
+    EXPECT_EQ(box->currentText(), QString());
+    QString opened;
+    QTimer::singleShot(0, window.get(), [&opened] {
+        opened = QApplication::activeModalWidget()->objectName();
+        QApplication::activeModalWidget()->close();
+    });
+    click("img_ampel_rot");
+    EXPECT_EQ(opened, QStringLiteral("frmConnect"));
 }
 
 TEST_F(MainWindow, SelectionInTheLocalPaneDecidesAboutTheCommands)
