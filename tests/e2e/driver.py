@@ -174,6 +174,13 @@ class Program:
     def enter(self, name, text):
         self.ask("enter", object=name, text=text)
 
+    def choose(self, name, entry):
+        self.ask("choose", object=name, text=entry)
+
+    def caption(self, view, text):
+        """Ends the editing of a row with another name."""
+        self.ask("caption", object=view, text=text)
+
     def key(self, key, name=None):
         self.ask("key", key=key, object=name)
 

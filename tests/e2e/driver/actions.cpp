@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QMenu>
@@ -14,7 +15,6 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QTest>
-#include <QTimer>
 #include <QToolBar>
 #include <functional>
 #include <map>
@@ -28,10 +28,11 @@ QString string(const QJsonObject &request, const char *key)
     return request.value(QLatin1String(key)).toString();
 }
 
-/// Runs something from the event loop, after the answer has gone.
+/// Runs something from the event loop, after the answer has gone and before the next request is
+/// read: unlike a timer, an event comes before the socket's turn.
 QJsonObject later(QObject *context, const std::function<void()> &what)
 {
-    QTimer::singleShot(0, context, what);
+    QMetaObject::invokeMethod(context, what, Qt::QueuedConnection);
     return {};
 }
 
@@ -168,6 +169,18 @@ QJsonObject headers(const QJsonObject &request)
     return { { QStringLiteral("headers"), list } };
 }
 
+void type(QWidget *field, const QString &text)
+{
+    field->setFocus();
+    QTest::keySequence(field, QKeySequence::SelectAll);
+    QTest::keyClick(field, Qt::Key_Delete);
+    // QTest knows no keys but those of ASCII.
+    for (const QChar letter : text) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(letter));
+        QCoreApplication::sendEvent(field, &press);
+    }
+}
+
 /// Types into a field, in place of what it holds.
 QJsonObject enter(const QJsonObject &request)
 {
@@ -176,11 +189,40 @@ QJsonObject enter(const QJsonObject &request)
     if (auto *combo = qobject_cast<QComboBox *>(widget); combo != nullptr && combo->isEditable()) {
         widget = combo->lineEdit();
     }
-    widget->setFocus();
-    QTest::keySequence(widget, QKeySequence::SelectAll);
-    QTest::keyClick(widget, Qt::Key_Delete);
-    QTest::keyClicks(widget, string(request, "text"));
+    type(widget, string(request, "text"));
     return {};
+}
+
+/// Types a new name into the row that is being edited, and ends it with Enter.
+QJsonObject caption(const QJsonObject &request)
+{
+    auto *editor = view(request)->viewport()->findChild<QLineEdit *>();
+    if (editor == nullptr) {
+        throw DriverError { QStringLiteral("no row is being edited") };
+    }
+    type(editor, string(request, "text"));
+    // No click: between press and release the editor goes away.
+    return later(editor, [editor] {
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QCoreApplication::sendEvent(editor, &enter);
+    });
+}
+
+/// Chooses an entry of a combo box as the user does: by going to it, so that all signals come.
+QJsonObject choose(const QJsonObject &request)
+{
+    auto *combo = qobject_cast<QComboBox *>(named(request));
+    const int index = combo == nullptr ? -1 : combo->findText(string(request, "text"));
+    if (index < 0) {
+        throw DriverError { string(request, "object") + QStringLiteral(" has no entry ")
+                            + string(request, "text") };
+    }
+    requireUsable(combo);
+    return later(combo, [combo, index] {
+        combo->setCurrentIndex(index);
+        Q_EMIT combo->activated(index);
+        Q_EMIT combo->textActivated(combo->currentText());
+    });
 }
 
 QJsonObject key(const QJsonObject &request)
@@ -301,6 +343,7 @@ const std::map<QString, Action> &actions()
 {
     static const std::map<QString, Action> table {
         { QStringLiteral("answer"), answer },     { QStringLiteral("box"), box },
+        { QStringLiteral("caption"), caption },   { QStringLiteral("choose"), choose },
         { QStringLiteral("click"), click },       { QStringLiteral("close"), close },
         { QStringLiteral("describe"), describe }, { QStringLiteral("enter"), enter },
         { QStringLiteral("grab"), grab },         { QStringLiteral("headers"), headers },

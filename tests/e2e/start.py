@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""The start of the real program, in every way it can be called: what the info screen leads to, what an
+address fills in, and that nothing is called before the user says so. Exits 0 only when all holds."""
+import argparse
+import contextlib
+import socket
+import sys
+import tempfile
+from pathlib import Path
+
+from driver import Display, DriverError, Program
+from user import User, opened, opener
+
+
+def expect(what, is_there, wanted):
+    if is_there != wanted:
+        raise DriverError(f"{what}: {is_there!r} in place of {wanted!r}")
+
+
+class Starts:
+    def __init__(self, arguments, folder, display):
+        self._arguments = arguments
+        self._folder = folder
+        self._display = display
+        self._runs = 0
+
+    @contextlib.contextmanager
+    def started(self, *words):
+        """The program with an empty home, behind its info screen. It must end well and in silence."""
+        self._runs += 1
+        home = self._folder / f"home{self._runs}"
+        home.mkdir()
+        path, self.notes = opener(home)
+        with Program(self._arguments.program, self._arguments.driver, words, home, self._display,
+                     variables={"PATH": f"{path}:/usr/bin:/bin"}) as program:
+            user = User(program)
+            user.sees("frm_info")
+            expect("windows beside the info screen", user.windows(), ["frm_info"])
+            program.close("frm_info")
+            user.sees("frmConnect")
+            yield user
+            program.close("frmConnect")
+            user.no_longer_sees("frmConnect")
+            program.close("frm_tarvelo")
+            expect("exit code", program.end(), 0)
+            expect("console", program.output(), "")
+
+    def info_screen_starts_once(self):
+        """Its first end opens the main window and the dialog; a later one opens nothing."""
+        with self.started() as user:
+            p = user.program
+            expect("server's name", p.text("txtRemoteHost"), "")
+            p.key("Escape", "frmConnect")
+            user.no_longer_sees("frmConnect")
+            expect("windows", user.windows(), ["frm_tarvelo"])
+            p.click("m_h_1")
+            user.sees("frm_info")
+            p.close("frm_info")
+            user.no_longer_sees("frm_info")
+            expect("windows after the second end", user.windows(), ["frm_tarvelo"])
+            p.click("img_ampel_rot")
+            user.sees("frmConnect")
+
+    def address_fills_the_dialog(self, scheme, encryption):
+        """Nobody is called: at the address waits a server that must stay alone."""
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            server.setblocking(False)
+            port = server.getsockname()[1]
+            address = f"{scheme}://web01:ge%40heim@127.0.0.1:{port}/html/bilder/"
+            with self.started(address) as user:
+                texts = {name: user.program.text(name) for name in (
+                    "txtRemoteHost", "txtUserName", "txtPassword", "txtRemotePort", "txtRemoteDir",
+                    "cbo_profil", "cbo_verschluesselung")}
+                expect("fields", texts, {
+                    "txtRemoteHost": "127.0.0.1", "txtUserName": "web01", "txtPassword": "ge@heim",
+                    "txtRemotePort": str(port), "txtRemoteDir": "html/bilder/", "cbo_profil": "",
+                    "cbo_verschluesselung": encryption})
+                expect("log", user.program.text("txtLog"), "")
+                with contextlib.suppress(BlockingIOError):
+                    server.accept()
+                    raise DriverError("the server was called without a click on Login")
+
+    def refused_address(self):
+        """The log says so without repeating the address, which may hold a password."""
+        with self.started("ftp://web01:geheim@/html") as user:
+            expect("server's name", user.program.text("txtRemoteHost"), "")
+            expect("log", user.program.text("txtLog").strip(),
+                   "Die übergebene FTP-Adresse ist ungültig.")
+
+    def logo_opens_the_home_page(self):
+        with self.started() as user:
+            user.program.key("Escape", "frmConnect")
+            user.no_longer_sees("frmConnect")
+            user.program.click("img_logo_rechts")
+            user.program.wait("the opener", lambda: opened(self.notes))
+            expect("opened", opened(self.notes), ["https://www.morlanda.example/"])
+            user.program.click("mnuLogin")
+            user.sees("frmConnect")
+
+    def run(self):
+        self.info_screen_starts_once()
+        self.address_fills_the_dialog("ftp", "Wie in den Programmeinstellungen")
+        self.address_fills_the_dialog("ftpes", "Immer")
+        self.refused_address()
+        self.logo_opens_the_home_page()
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--driver", required=True, help="the built e2e_driver")
+    arguments = parser.parse_args()
+    try:
+        with tempfile.TemporaryDirectory(prefix="tarvelo-start-") as folder, Display() as display:
+            Starts(arguments, Path(folder), display.name).run()
+    except (DriverError, OSError) as error:
+        print(f"FAILED: {error}", file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
