@@ -5,7 +5,8 @@
   bench/compare.py --host ADDRESS --port PORT --root FOLDER [--prefix "ip netns exec NS"] ..
 
 SECTION: file (1 GiB both ways), tls (the same, encrypted), tree (1,000 files of 4 KiB in 20
-folders, both ways, and their removal), list (100,000 entries). Default: all.
+folders, both ways, and their removal), list (100,000 entries), panes (the same, shown by the
+window's panes: panebench beside lftp, three times in turn). Default: all but panes.
 
 Without --host a server is started on the loopback address (tests/ftp-server of the dev build).
 With --host a server that serves FOLDER is used, and every client runs behind --prefix: so a line
@@ -26,6 +27,7 @@ here = os.path.dirname(os.path.abspath(__file__))
 top = os.path.dirname(here)
 p = argparse.ArgumentParser(usage=__doc__)
 p.add_argument("--bench", default=os.path.join(top, "build/release/bin/tarvelo-bench"))
+p.add_argument("--panebench", default=os.path.join(top, "build/release/bin/panebench"))
 p.add_argument("--server", default=os.path.join(top, "build/dev/tests/ftp-server"))
 p.add_argument("--kind", default="vsftpd")
 p.add_argument("--runs", type=int, default=3)
@@ -174,13 +176,29 @@ def tree(host, port, root):
     show("The same removed", costs)
 
 
-def listing(host, port, root):
-    url = f"ftp://{a.user}:{a.password}@{host}:{port}"
+def big_folder(root):
     many = os.path.join(root, "many")
     os.makedirs(many, exist_ok=True)
     for i in range(100000):
-        open(f"{many}/datei{i:06}.html", "w").close()
+        name = f"{many}/datei{i:06}.html"
+        with open(name, "w") as file:
+            file.truncate(i * 7919 % 100000)
+        os.utime(name, (1500000000 + i * 1777, 1500000000 + i * 1777))
     os.chmod(many, 0o755)
+
+
+def panes(host, port, root):
+    big_folder(root)
+    for _ in range(a.runs):
+        seconds = run(lftp("cls many/", f"ftp://{a.user}:{a.password}@{host}:{port}", False))
+        print(f"\nlftp cls {seconds * 1000:.0f} ms")
+        sys.stdout.flush()
+        subprocess.run([a.panebench, "100000", host, str(port), a.user, a.password, "/many"], check=True)
+
+
+def listing(host, port, root):
+    url = f"ftp://{a.user}:{a.password}@{host}:{port}"
+    big_folder(root)
     table("100,000 entries listed", having({
         "tarvelo-bench list": [a.bench, "list", f"{url}/many", "--json"],
         "lftp cls": lftp("cls many/", url, False),
@@ -199,6 +217,8 @@ def measure(host, port, root, tls):
             tree(host, port, root)
         elif section == "list":
             listing(host, port, root)
+        elif section == "panes":
+            panes(host, port, root)
 
 
 def with_server(tls):

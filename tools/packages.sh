@@ -13,7 +13,7 @@ PACKAGES_DEMO=(python3 python3-pyftpdlib python3-openssl openssl xvfb xauth
     libqt6svg6 qt6-qpa-plugins fonts-dejavu-core)
 
 # To build and run the tests.
-PACKAGES_TEST=(googletest libgtest-dev libgmock-dev nlohmann-json3-dev procps util-linux git)
+PACKAGES_TEST=(googletest libgtest-dev libgmock-dev nlohmann-json3-dev procps util-linux git xdotool)
 
 # To check the source.
 PACKAGES_STYLE=(clang-format-16)

@@ -31,6 +31,7 @@
 #include "transfer/quota.h"
 
 #include <QCloseEvent>
+#include <QLabel>
 #include <QMenuBar>
 #include <QTimer>
 #include <QToolBar>
@@ -75,6 +76,7 @@ frm_tarvelo::frm_tarvelo(const WindowServices &services)
         Workplace { m_services.ftp, m_globals, m_services.prompts, *this, *m_local, *m_remote },
         this);
     buildLayout();
+    addLogos();
     connectMenu();
     connectLocalBar();
     connectRemoteBar();
@@ -138,9 +140,20 @@ void frm_tarvelo::buildLayout()
     m_progress = new ProgressPanel(m_features->progress, this);
     m_layout = std::make_unique<MainLayout>(
         *this, MainLayoutParts { m_local, m_column, m_remote, m_progress, m_queue, m_log });
+}
+
+/// The program's own picture on the left, the maker's, which opens the home page, on the right.
+void frm_tarvelo::addLogos()
+{
+    auto *own = new QLabel(menuBar());
+    own->setObjectName(u"img_logo_links"_s);
+    own->setPixmap(Icons::icon(u"tarvelo-ftp"_s).pixmap(QSize(16, 16), devicePixelRatioF()));
+    own->setContentsMargins(12, 0, 6, 0);
+    own->setAccessibleName(u"Tarvelo FTP"_s);
+    menuBar()->setCornerWidget(own, Qt::TopLeftCorner);
     auto *logo = new QToolButton(menuBar());
     logo->setObjectName(u"img_logo_rechts"_s);
-    logo->setIcon(Icons::icon(u"tarvelo-ftp"_s));
+    logo->setIcon(Icons::icon(u"morlanda"_s));
     logo->setAutoRaise(true);
     logo->setFocusPolicy(Qt::NoFocus);
     logo->setToolTip(u"Morlanda Homepage"_s);
@@ -235,14 +248,10 @@ void frm_tarvelo::connectEdits()
             [this](int row, const QString &text) {
                 isBusy() ? void() : m_features->rename.RenameLocalAfterEdit(row, text);
             });
-    // Not before the editor has closed: while the server is asked, the list may be emptied below
-    // it.
-    connect(
-        &m_remote->model(), &PaneModel::captionEdited, this, [this](int row, const QString &text) {
-            const QString name = m_remote->model().row(row).name;
-            QMetaObject::invokeMethod(
-                this, [this, name, text] { renameRemoteRow(name, text); }, Qt::QueuedConnection);
-        });
+    connect(&m_remote->model(), &PaneModel::captionEdited, this,
+            [this](int row, const QString &text) {
+                isBusy() ? void() : m_features->rename.RenameRemoteAfterEdit(row, text);
+            });
     connect(&m_local->view(), &PaneView::deletePressed, this,
             [this] { isBusy() ? void() : m_features->remove.DeleteLocalItems(); });
     connect(&m_remote->view(), &PaneView::deletePressed, this,
@@ -251,13 +260,6 @@ void frm_tarvelo::connectEdits()
             [this] { m_features->transfers.cmd_upload_Click(); });
     connect(m_remote, &RemotePane::downloadWanted, this,
             [this] { m_features->transfers.cmd_download_Click(); });
-}
-
-void frm_tarvelo::renameRemoteRow(const QString &name, const QString &newName)
-{
-    if (const int row = m_remote->model().findRow(name); row >= 0 && !isBusy()) {
-        m_features->rename.RenameRemoteAfterEdit(row, newName);
-    }
 }
 
 void frm_tarvelo::connectPane(FilePane &pane, FilePane &other)

@@ -81,6 +81,7 @@ private:
 
     void buildPanes();
     void buildLayout();
+    void addLogos();
     QToolButton *addRememberButton(FilePane &pane, const QString &name, const QString &toolTip);
     void connectMenu();
     void connectLocalBar();
@@ -101,7 +102,6 @@ private:
     void DeleteSelected();
     void pickFolder(QWidget *parent);
     void showSettings();
-    void renameRemoteRow(const QString &name, const QString &newName);
     void rememberFolder(bool remote);
     void showProgress(const FtpEvent &event);
     void refreshRemote();

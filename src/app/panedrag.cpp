@@ -2,10 +2,10 @@
 
 #include "common/globals.h"
 #include "common/mo_standard.h"
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QMimeData>
 #include <QUrl>
 
@@ -27,7 +27,7 @@ QMimeData *PaneDrag::rowsOf(const QString &pane, const QStringList &paths)
     data->setData(rowsFormat, tokenOf(pane));
     QList<QUrl> urls;
     for (const QString &path : paths) {
-        urls.append(QUrl::fromLocalFile(path));
+        urls.append(urlOfPath(path));
     }
     if (!urls.isEmpty()) {
         data->setUrls(urls);
@@ -47,8 +47,8 @@ QStringList PaneDrag::localFiles(const QMimeData &data)
         return paths;
     }
     for (const QUrl &url : data.urls()) {
-        if (url.isLocalFile()) {
-            paths.append(url.toLocalFile());
+        if (const QString path = pathOfUrl(url); !path.isEmpty()) {
+            paths.append(path);
         }
     }
     return paths;
@@ -62,15 +62,15 @@ MarkedItemList PaneDrag::markedFiles(const QStringList &paths)
         while (plain.size() > 1 && plain.endsWith(LocalSeparator)) {
             plain.chop(1);
         }
-        const QFileInfo file(plain);
-        if (file.fileName().isEmpty() || !file.exists()) {
+        const LocalEntry entry = localEntry(plain);
+        const QString name = plain.section(LocalSeparator, -1);
+        if (name.isEmpty() || !entry.exists) {
             continue;
         }
-        const QString folder = plain.chopped(file.fileName().size());
         marked.MarkedItems.append(
-            { file.fileName(), folder,
-              file.isDir() ? ItemKind::FolderClose : ItemKind::byExtension(file.fileName()),
-              file.isDir() ? QString() : QString::number(file.size()), -1 });
+            { name, plain.chopped(name.size()),
+              entry.isFolder ? ItemKind::FolderClose : ItemKind::byExtension(name),
+              entry.isFolder ? QString() : QString::number(entry.size), -1 });
         ++marked.MarkedCount;
     }
     return marked;

@@ -2,6 +2,7 @@
 
 #include "app/commandline.h"
 #include "app/frm_tarvelo.h"
+#include "app/qtsetup.h"
 #include "app/startup.h"
 #include "common/globals.h"
 #include "dialogs/frm_info.h"
@@ -11,8 +12,6 @@
 #include "ftp/ftpcontrol.h"
 
 #include <QApplication>
-#include <QLibraryInfo>
-#include <QTranslator>
 
 #include <cstdio>
 #include <memory>
@@ -41,14 +40,6 @@ QString commandLineOf(int argc, char **argv)
         arguments.append(QString::fromLocal8Bit(argv[at]));
     }
     return commandLineText(arguments);
-}
-
-/// German texts of Qt's own menus and dialogs.
-void installTranslation(QTranslator &translator)
-{
-    if (translator.load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        QCoreApplication::installTranslator(&translator);
-    }
 }
 
 /// One run: everything lives as long as the application.
@@ -120,10 +111,11 @@ int runProgram(int argc, char **argv)
     if (answered(commandLine)) {
         return 0;
     }
+    quietenQt();
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(u"Tarvelo FTP"_s);
     QGuiApplication::setDesktopFileName(u"tarvelo-ftp"_s);
-    QTranslator translator;
-    installTranslation(translator);
+    QTranslator texts;
+    installGermanTexts(texts);
     return Run(commandLineText(QCoreApplication::arguments().mid(1))).exec();
 }

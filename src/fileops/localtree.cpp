@@ -1,8 +1,9 @@
 #include "fileops/localtree.h"
 
+#include "ftp/ftplocalnames.h"
+
 #include <QDirIterator>
 #include <QElapsedTimer>
-#include <QFile>
 
 #include <cerrno>
 #include <cstring>
@@ -95,7 +96,7 @@ private:
 void Removal::failed(const QByteArray &path, int error)
 {
     if (!m_first) {
-        m_first = QFile::decodeName(path) + u": "_s + QString::fromLocal8Bit(std::strerror(error));
+        m_first = textOfName(path) + u": "_s + QString::fromLocal8Bit(std::strerror(error));
     }
 }
 
@@ -169,7 +170,7 @@ void Removal::remove(int parent, const QByteArray &name, const QByteArray &path)
 
 std::optional<QString> RemoveLocalTree(const QString &path, const std::atomic_bool &stop)
 {
-    QByteArray name = QFile::encodeName(path);
+    QByteArray name = bytesOfName(path);
     const bool keepsFolder = name.endsWith('/');
     while (name.size() > 1 && name.endsWith('/')) {
         name.chop(1);
@@ -185,7 +186,7 @@ std::optional<QString> RemoveLocalTree(const QString &path, const std::atomic_bo
 
 std::optional<QString> removeLocalFile(const QString &path)
 {
-    if (::unlink(QFile::encodeName(path).constData()) == 0) {
+    if (::unlink(bytesOfName(path).constData()) == 0) {
         return std::nullopt;
     }
     return path + u": "_s + QString::fromLocal8Bit(std::strerror(errno));

@@ -1,9 +1,9 @@
 #include "fileops/newfolder.h"
 
 #include "common/mo_standard.h"
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 
-#include <QDir>
 #include <QScopeGuard>
 #include <limits>
 
@@ -88,7 +88,7 @@ void NewFolderCommand::MakeLocalFolder()
     if (name.isEmpty()) {
         return;
     }
-    if (!QDir().mkdir(folder + name)) {
+    if (!makeLocalFolder(folder + name)) {
         m_work.shell.AppendLog(folder + name + u": Der Ordner konnte nicht angelegt werden.\r\n"_s);
         return;
     }

@@ -1,8 +1,8 @@
 #include "fileops/rename.h"
 
 #include "common/mo_standard.h"
+#include "ftp/ftplocalnames.h"
 
-#include <QFile>
 #include <algorithm>
 
 #include <cerrno>
@@ -57,8 +57,8 @@ QString captionToChange(Pane &pane, int row, const QString &newText)
 
 std::optional<QString> renameLocal(const QString &from, const QString &to)
 {
-    const QByteArray source = QFile::encodeName(from);
-    const QByteArray target = QFile::encodeName(to);
+    const QByteArray source = bytesOfName(from);
+    const QByteArray target = bytesOfName(to);
     int result
         = ::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE);
     if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {

@@ -2,6 +2,7 @@
 
 #include "common/mo_standard.h"
 #include "common/names.h"
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 
 #include <QDesktopServices>
@@ -30,8 +31,7 @@ void takeExecuteBits(const QString &path)
 
 QUrl vorschauUrl(const QString &path)
 {
-    return path.startsWith(LocalSeparator) ? QUrl::fromLocalFile(path)
-                                           : QUrl(path, QUrl::TolerantMode);
+    return path.startsWith(LocalSeparator) ? urlOfPath(path) : QUrl(path, QUrl::TolerantMode);
 }
 
 int openWithDesktop(const QString &path)

@@ -3,6 +3,7 @@
 #include "ftp/engine_thread.h"
 #include "ftp/ftpbridge.h"
 #include "ftp/ftpconvert.h"
+#include "ftp/ftplocalnames.h"
 #include "ftp/tree.h"
 
 #include <QEventLoop>
@@ -293,7 +294,9 @@ FtpStatus FtpControl::list()
     if (!listed) {
         return tl::unexpected<FtpError>(listed.error());
     }
-    d->listing = std::move(*listed);
+    // The entries of a big folder take long to free; the caller's thread must not wait for it.
+    asio::post(ftp::EngineThread::executor(),
+               [gone = std::exchange(d->listing, std::move(*listed))] {});
     return {};
 }
 
@@ -301,12 +304,12 @@ const RemoteListing &FtpControl::listing() const { return d->listing; }
 
 FtpStatus FtpControl::getFile(const QString &remotePath, const QString &localPath, qint64 &offset)
 {
-    const auto used
-        = d->run<std::int64_t>(OpGetFile,
-                               [remote = remotePath.toStdString(), local = localPath.toStdString(),
-                                from = offset, type = engineType(d->transferType)](Client &client) {
-                                   return client.get(remote, local, from, type);
-                               });
+    const auto used = d->run<std::int64_t>(
+        OpGetFile,
+        [remote = remotePath.toStdString(), local = bytesOfName(localPath).toStdString(),
+         from = offset, type = engineType(d->transferType)](Client &client) {
+            return client.get(remote, local, from, type);
+        });
     if (!used) {
         return tl::unexpected<FtpError>(used.error());
     }
@@ -317,12 +320,12 @@ FtpStatus FtpControl::getFile(const QString &remotePath, const QString &localPat
 FtpStatus FtpControl::putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
 {
     const qint64 from = d->storeMode == StoreContinue ? offset : 0;
-    const auto used
-        = d->run<std::int64_t>(OpPutFile,
-                               [remote = remotePath.toStdString(), local = localPath.toStdString(),
-                                from, type = engineType(d->transferType)](Client &client) {
-                                   return client.put(local, remote, from, type);
-                               });
+    const auto used = d->run<std::int64_t>(OpPutFile,
+                                           [remote = remotePath.toStdString(),
+                                            local = bytesOfName(localPath).toStdString(), from,
+                                            type = engineType(d->transferType)](Client &client) {
+                                               return client.put(local, remote, from, type);
+                                           });
     if (!used) {
         return tl::unexpected<FtpError>(used.error());
     }
@@ -334,14 +337,16 @@ FtpStatus FtpControl::getMultiple(const QString &pattern, const QString &localFo
 {
     return d->simple(OpGetMultiple,
                      [remote = folderOfPattern(pattern).toStdString(),
-                      local = localFolder.toStdString(), type = engineType(d->transferType)](
-                         Client &client) { return ftp::getTree(client, remote, local, type); });
+                      local = bytesOfName(localFolder).toStdString(),
+                      type = engineType(d->transferType)](Client &client) {
+                         return ftp::getTree(client, remote, local, type);
+                     });
 }
 
 FtpStatus FtpControl::putMultiple(const QString &pattern, const QString &remoteFolder)
 {
     return d->simple(OpPutMultiple,
-                     [local = folderOfPattern(pattern).toStdString(),
+                     [local = bytesOfName(folderOfPattern(pattern)).toStdString(),
                       remote = remoteFolder.toStdString(), type = engineType(d->transferType)](
                          Client &client) { return ftp::putTree(client, local, remote, type); });
 }

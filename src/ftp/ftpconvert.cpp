@@ -46,23 +46,38 @@ QString reasonText(ftp::CertificateProblem problem)
     return {};
 }
 
-/// yyyy-MM-dd HH:mm in local time; a day without a clock time stays that day.
-QString dateText(const ftp::FolderEntry &entry)
-{
-    if (!entry.time) {
-        return {};
+/// yyyy-MM-dd HH:mm in local time; a day without a clock time stays that day. Neighbours in a
+/// listing often share their minute, and then the text: that counts in big folders.
+class DateTexts {
+public:
+    QString text(const ftp::FolderEntry &entry)
+    {
+        if (!entry.time) {
+            return {};
+        }
+        const auto seconds = static_cast<std::time_t>(*entry.time);
+        if (m_text.isEmpty() || seconds != m_seconds || entry.dayOnly != m_dayOnly) {
+            m_seconds = seconds;
+            m_dayOnly = entry.dayOnly;
+            m_text = made();
+        }
+        return m_text;
     }
-    const auto seconds = static_cast<std::time_t>(*entry.time);
-    std::tm parts {};
-    if (entry.dayOnly) {
-        gmtime_r(&seconds, &parts);
-    } else {
-        localtime_r(&seconds, &parts);
+
+private:
+    [[nodiscard]] QString made() const
+    {
+        std::tm parts {};
+        m_dayOnly ? gmtime_r(&m_seconds, &parts) : localtime_r(&m_seconds, &parts);
+        std::array<char, 32> text {};
+        const auto size = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts);
+        return QString::fromLatin1(text.data(), static_cast<qsizetype>(size));
     }
-    std::array<char, 32> text {};
-    const auto size = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts);
-    return QString::fromLatin1(text.data(), static_cast<qsizetype>(size));
-}
+
+    std::time_t m_seconds = 0;
+    bool m_dayOnly = false;
+    QString m_text;
+};
 
 /// The octal digits of the nine bits as a decimal number: 0755 reads 755.
 int permissionNumber(int bits)
@@ -98,10 +113,11 @@ RemoteListing ftpListing(const ftp::Folder &folder)
     listing.format = folder.understood ? 1 : RemoteListing::Uninterpretable;
     listing.rawText = ftpText(folder.rawText);
     listing.entries.reserve(static_cast<qsizetype>(folder.entries.size()));
+    DateTexts dates;
     for (const ftp::FolderEntry &entry : folder.entries) {
         listing.entries.append({ QString::fromStdString(entry.name), typeText(entry.type),
-                                 entry.size, dateText(entry), permissionNumber(entry.permissions),
-                                 ftpText(entry.target) });
+                                 entry.size, dates.text(entry), permissionNumber(entry.permissions),
+                                 entry.target.empty() ? QString() : ftpText(entry.target) });
     }
     return listing;
 }

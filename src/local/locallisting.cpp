@@ -1,12 +1,13 @@
 #include "local/locallisting.h"
 
 #include "common/mo_standard.h"
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
+#include "remote/roworder.h"
 
 #include <QDateTime>
-#include <QFile>
-#include <QLocale>
 
+#include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -14,13 +15,9 @@
 
 namespace {
 
-using Directory = std::unique_ptr<DIR, decltype([](DIR *directory) { closedir(directory); })>;
+constexpr QChar secondsPlace(0xe000); ///< of private use: no locale writes it into a time
 
-bool isFolder(const QString &path)
-{
-    struct stat status { };
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode);
-}
+using Directory = std::unique_ptr<DIR, decltype([](DIR *directory) { closedir(directory); })>;
 
 /// One entry as the rows need it.
 struct Entry {
@@ -63,29 +60,56 @@ LocalDates::LocalDates()
     : m_dateFormat(m_locale.dateFormat(QLocale::ShortFormat))
     , m_timeFormat(m_locale.timeFormat(QLocale::ShortFormat))
 {
+    ::tzset();
     if (!m_dateFormat.contains(u"yyyy")) {
         m_dateFormat.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
     }
-    if (!m_timeFormat.contains(u"ss")) {
-        m_timeFormat.replace(QStringLiteral("mm"), QStringLiteral("mm:ss"));
+    const QString seconds = QStringLiteral("'%1'").arg(secondsPlace);
+    if (m_timeFormat.contains(u"ss")) {
+        m_timeFormat.replace(QStringLiteral("ss"), seconds);
+    } else {
+        m_timeFormat.replace(QStringLiteral("mm"), QStringLiteral("mm:") + seconds);
     }
+    for (int second = 0; QString & text : m_seconds) {
+        text = m_locale.toString(QTime(0, 0, std::min(second++, 59)), QStringLiteral("ss"));
+    }
+}
+
+const QString &LocalDates::dayText(const std::tm &parts)
+{
+    QString &text = m_days[parts.tm_year * 366 + parts.tm_yday];
+    if (text.isEmpty()) {
+        const QDate day(parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday);
+        text = m_locale.toString(day, m_dateFormat) + u' ';
+    }
+    return text;
+}
+
+const QString &LocalDates::minuteText(const std::tm &parts)
+{
+    QString &text = m_minutes.at(static_cast<std::size_t>(parts.tm_hour * 60 + parts.tm_min));
+    if (text.isEmpty()) {
+        text = m_locale.toString(QTime(parts.tm_hour, parts.tm_min), m_timeFormat);
+    }
+    return text;
 }
 
 QString LocalDates::text(qint64 secondsSinceEpoch)
 {
-    const QDateTime when = QDateTime::fromSecsSinceEpoch(secondsSinceEpoch);
-    // Files of one folder often share their day, and making the text of a date is dear.
-    if (const qint64 day = when.date().toJulianDay(); day != m_day) {
-        m_day = day;
-        m_dayText = m_locale.toString(when.date(), m_dateFormat) + u' ';
+    const std::time_t when = secondsSinceEpoch;
+    std::tm parts {};
+    if (::localtime_r(&when, &parts) == nullptr) {
+        return {}; // a year that no calendar holds
     }
-    return m_dayText + m_locale.toString(when.time(), m_timeFormat);
+    QString time = minuteText(parts);
+    time.replace(secondsPlace, m_seconds.at(static_cast<std::size_t>(parts.tm_sec)));
+    return dayText(parts) + time;
 }
 
 QString localFolderOf(const LocalRequest &request)
 {
     const QString literal = withSeparator(request.path, LocalSeparator);
-    if (request.source == FolderSource::Derived || isFolder(literal)) {
+    if (request.source == FolderSource::Derived || localEntry(literal).isFolder) {
         return literal;
     }
     QString path = request.path;
@@ -97,7 +121,7 @@ LocalListing readLocalFolder(const LocalRequest &request, const std::atomic_bool
     LocalListing listing;
     listing.folder = localFolderOf(request);
     QList<PaneRow> rows;
-    const Directory directory(opendir(QFile::encodeName(listing.folder).constData()));
+    const Directory directory(opendir(bytesOfName(listing.folder).constData()));
     listing.readable = directory != nullptr;
     LocalDates dates;
     while (directory && !stop) {
@@ -105,7 +129,7 @@ LocalListing readLocalFolder(const LocalRequest &request, const std::atomic_bool
         if (found == nullptr) {
             break;
         }
-        const QString name = QFile::decodeName(found->d_name);
+        const QString name = textOfName(found->d_name);
         if (name == u"." || name == u".." || (!request.hiddenFile && name.startsWith(u'.'))) {
             continue;
         }

@@ -3,7 +3,12 @@
 #include "remote/filepane.h"
 #include "remote/panemodel.h"
 
+#include <QHash>
+#include <QLocale>
+
+#include <array>
 #include <atomic>
+#include <ctime>
 
 /// What is to be listed.
 struct LocalRequest {
@@ -36,8 +41,13 @@ public:
     [[nodiscard]] QString text(qint64 secondsSinceEpoch);
 
 private:
+    [[nodiscard]] const QString &dayText(const std::tm &parts);
+    [[nodiscard]] const QString &minuteText(const std::tm &parts);
+
+    // What a locale says about a time is dear; a folder asks for few days, minutes and seconds.
     QLocale m_locale;
-    QString m_dateFormat, m_timeFormat;
-    qint64 m_day = -1; ///< day of m_dayText
-    QString m_dayText;
+    QString m_dateFormat, m_timeFormat; ///< the time's seconds are a placeholder
+    QHash<int, QString> m_days;
+    std::array<QString, 24 * 60> m_minutes;
+    std::array<QString, 61> m_seconds; ///< with a leap second
 };

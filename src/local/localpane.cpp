@@ -20,7 +20,7 @@
 namespace {
 
 /// How long a call waits for the rows; below what anybody feels as a standstill.
-constexpr std::chrono::milliseconds patience(40);
+constexpr std::chrono::milliseconds patience(25);
 
 FilePane::Names names()
 {
@@ -125,7 +125,11 @@ void LocalPane::setShown(const QString &folder)
 
 void LocalPane::showPending()
 {
-    setShown(withSeparator(m_job->request.path, LocalSeparator));
+    const QString folder = withSeparator(m_job->request.path, LocalSeparator);
+    if (folder == m_shown && model().rowCount() > 1) {
+        return; // listed again: its rows stand until the new ones come, so that nothing blinks
+    }
+    setShown(folder);
     view().setHint(QStringLiteral("Der Ordner wird gelesen ..."));
     showRows({ upRow() });
 }

@@ -2,6 +2,7 @@
 
 #include "remote/background.h"
 #include "remote/paneview.h"
+#include "remote/roworder.h"
 
 #include <QEvent>
 #include <QHeaderView>
@@ -72,10 +73,9 @@ void FilePane::addBoxButton(QWidget *button) { m_boxRow->addWidget(button); }
 void FilePane::setFolderText(const QString &folder)
 {
     const QSignalBlocker quiet(m_box);
-    // The entry of that name becomes the current one; else leaving the box would choose it anew.
-    if (const int entry = entryOf(folder); entry >= 0) {
-        m_box->setCurrentIndex(entry);
-    }
+    // The entry of that name becomes the current one; else leaving the box would choose it anew,
+    // and the box would show the picture of another folder.
+    m_box->setCurrentIndex(entryOf(folder));
     m_box->setEditText(folder);
 }
 
@@ -174,8 +174,8 @@ void FilePane::showEvent(QShowEvent *event)
 
 void FilePane::sizeColumns()
 {
-    if (!m_columnsSized && isVisible() && m_model.rowCount() > 1) {
-        m_columnsSized = true;
+    if (!m_columnsSized && isVisible()) {
+        m_columnsSized = m_model.rowCount() > 1; // the headers alone are only a first guess
         m_view->sizeColumnsToContents();
     }
 }
@@ -183,6 +183,7 @@ void FilePane::sizeColumns()
 void FilePane::keepColumns()
 {
     m_columnsSized = true;
+    m_view->header()->setStretchLastSection(false); // part of the state that came back
     showSortArrow();
 }
 
@@ -207,8 +208,9 @@ void FilePane::sortByColumn(int column)
         selected.insert(m_model.row(row).tag);
     }
     QList<PaneRow> rows = m_model.rows();
-    const auto sort
-        = [&rows, column] { rows = RegroupRows(sortRows(rows, column, columnOrder(column))); };
+    const auto sort = [&rows, column] {
+        rows = RegroupRows(sortRows(std::move(rows), column, columnOrder(column)));
+    };
     if (rows.size() < manyRows) {
         sort();
     } else {

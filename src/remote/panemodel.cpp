@@ -1,78 +1,18 @@
 #include "remote/panemodel.h"
 
+#include "ftp/ftplocalnames.h"
+#include "remote/background.h"
 #include "remote/icons.h"
 #include "remote/itemkind.h"
 
-#include <QCollator>
 #include <QGuiApplication>
 #include <QPalette>
 
 #include <algorithm>
-#include <numeric>
 
 namespace {
 
-QString cellText(const PaneRow &row, int column)
-{
-    switch (column) {
-    case ColumnName:
-        return row.name;
-    case ColumnSize:
-        return row.size;
-    case ColumnDate:
-        return row.date;
-    case ColumnPermission:
-        return row.permissions;
-    default:
-        return {};
-    }
-}
-
-/// Collator of the user's language; the "C" locale knows no order of letters, so German takes over.
-QCollator textOrder()
-{
-    const QLocale locale;
-    QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::German) : locale);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    collator.setNumericMode(false);
-    return collator;
-}
-
-/// Row numbers in the order of their keys; equal keys keep their order in both directions.
-template <class Key> std::vector<int> sortedOrder(const std::vector<Key> &keys, Qt::SortOrder order)
-{
-    std::vector<int> rows(keys.size());
-    std::iota(rows.begin(), rows.end(), 0);
-    const auto at = [&keys](int row) -> const Key & { return keys[static_cast<std::size_t>(row)]; };
-    if (order == Qt::AscendingOrder) {
-        std::stable_sort(rows.begin(), rows.end(), [&](int a, int b) { return at(a) < at(b); });
-    } else {
-        std::stable_sort(rows.begin(), rows.end(), [&](int a, int b) { return at(b) < at(a); });
-    }
-    return rows;
-}
-
-/// Row numbers in the order of a column's texts.
-std::vector<int> orderOf(const QList<PaneRow> &rows, int column, Qt::SortOrder order)
-{
-    if (column != ColumnName) {
-        // Digits and signs of one form: their codes have the order that a language gives them.
-        std::vector<QString> texts;
-        texts.reserve(static_cast<std::size_t>(rows.size()));
-        for (const PaneRow &row : rows) {
-            texts.push_back(cellText(row, column));
-        }
-        return sortedOrder(texts, order);
-    }
-    // A key is made once a row; comparing two keys is far cheaper than comparing two texts.
-    std::vector<QCollatorSortKey> keys;
-    keys.reserve(static_cast<std::size_t>(rows.size()));
-    const QCollator collator = textOrder();
-    for (const PaneRow &row : rows) {
-        keys.push_back(collator.sortKey(row.name));
-    }
-    return sortedOrder(keys, order);
-}
+constexpr int manyRows = 5000; ///< freeing more of them is felt
 
 /// The blue of rows that an operation works on; readable on the palette's background.
 QColor markedColour()
@@ -82,39 +22,6 @@ QColor markedColour()
 }
 
 } // namespace
-
-PaneRow upRow()
-{
-    PaneRow row;
-    row.kind = ItemKind::Cdup;
-    return row;
-}
-
-QList<PaneRow> RegroupRows(const QList<PaneRow> &sorted)
-{
-    QList<PaneRow> result;
-    result.reserve(sorted.size() + 1);
-    result.append(upRow());
-    const auto copyIf = [&](const auto &wanted) {
-        std::copy_if(sorted.begin(), sorted.end(), std::back_inserter(result), wanted);
-    };
-    copyIf([](const PaneRow &row) { return row.kind == ItemKind::FolderClose; });
-    // Intended: links, also those to folders, stay among the files.
-    copyIf([](const PaneRow &row) {
-        return row.kind != ItemKind::FolderClose && row.kind != ItemKind::Cdup;
-    });
-    return result;
-}
-
-QList<PaneRow> sortRows(QList<PaneRow> rows, int column, Qt::SortOrder order)
-{
-    QList<PaneRow> result;
-    result.reserve(rows.size());
-    for (const int row : orderOf(rows, column, order)) {
-        result.append(std::move(rows[row]));
-    }
-    return result;
-}
 
 PaneModel::PaneModel(const QStringList &headers, QObject *parent)
     : QAbstractTableModel(parent)
@@ -140,6 +47,7 @@ QVariant PaneModel::data(const QModelIndex &index, int role) const
     const PaneRow &row = m_rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
+        return index.column() == ColumnName ? shownName(row.name) : cellText(row, index.column());
     case Qt::EditRole:
         return cellText(row, index.column());
     case Qt::TextAlignmentRole:
@@ -222,8 +130,11 @@ bool PaneModel::setData(const QModelIndex &index, const QVariant &value, int rol
 void PaneModel::setRows(QList<PaneRow> rows)
 {
     beginResetModel();
-    m_rows = std::move(rows);
+    m_rows.swap(rows);
     endResetModel();
+    if (rows.size() > manyRows) {
+        freeBesideWindow(std::move(rows));
+    }
 }
 
 int PaneModel::appendRow(const PaneRow &row)
@@ -244,7 +155,9 @@ void PaneModel::removeRowAt(int index)
 
 void PaneModel::changeRow(int index, const PaneRow &row)
 {
+    const bool renamed = m_rows.at(index).name != row.name;
     m_rows[index] = row;
+    m_rows[index].namePlace = renamed ? -1 : row.namePlace;
     rowsChanged(index, index);
 }
 

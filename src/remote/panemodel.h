@@ -1,30 +1,8 @@
 #pragma once
 
+#include "remote/panerow.h"
+
 #include <QAbstractTableModel>
-#include <QList>
-#include <QString>
-
-/// One row of a pane, as plain data.
-struct PaneRow {
-    QString name; ///< empty for the up row
-    QString kind; ///< ItemKind key, also the key of the icon
-    QString size, date, permissions; ///< texts of the other columns
-    QString tag; ///< full path: folder + name; empty for the up row
-    bool marked = false; ///< ghosted while an operation works on it
-};
-
-/// The up row, always first.
-[[nodiscard]] PaneRow upRow();
-
-/// Rows in the order up row, folders, the rest; each group keeps its order. The up row is rebuilt.
-[[nodiscard]] QList<PaneRow> RegroupRows(const QList<PaneRow> &sorted);
-
-/// Column indexes of a pane.
-enum PaneColumn { ColumnName = 0, ColumnSize = 1, ColumnDate = 2, ColumnPermission = 3 };
-
-/// Rows sorted by the text of a column, stable; names and texts compare by locale, without regard
-/// to case, as text ("10" before "9").
-[[nodiscard]] QList<PaneRow> sortRows(QList<PaneRow> rows, int column, Qt::SortOrder order);
 
 /// Table of pane rows that both panes share. Knows neither FTP nor the disk.
 class PaneModel : public QAbstractTableModel {

@@ -1,24 +1,18 @@
 #include "remote/paneview.h"
 
-#include "remote/icons.h"
-#include "remote/itemkind.h"
 #include "remote/liststyle.h"
 #include "remote/panemodel.h"
 
-#include <QDrag>
-#include <QDragEnterEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QRubberBand>
-#include <QScrollBar>
+#include <QResizeEvent>
 
 #include <algorithm>
 
 PaneView::PaneView(QWidget *parent)
-    : QTreeView(parent)
+    : DropView(parent)
 {
     ListStyle::apply(*this);
     setRootIsDecorated(false);
@@ -36,7 +30,7 @@ PaneView::PaneView(QWidget *parent)
     setAutoScroll(true);
     header()->setSectionsMovable(false);
     header()->setSectionsClickable(true);
-    header()->setStretchLastSection(true);
+    header()->setStretchLastSection(false);
     header()->setHighlightSections(false);
     connect(header(), &QHeaderView::sectionClicked, this, &PaneView::columnClicked);
 }
@@ -97,24 +91,30 @@ void PaneView::editCaption(int row)
 
 void PaneView::sizeColumnsToContents()
 {
-    const int others = model()->columnCount() - 1;
-    int used = 0;
-    for (int column = 1; column <= others; ++column) {
+    for (int column = 1; column < model()->columnCount(); ++column) {
         // sizeHintForColumn() looks at the visible rows only, so this stays cheap in big folders.
         const int width
             = std::max(sizeHintForColumn(column), header()->sectionSizeHint(column)) + 6;
         header()->resizeSection(column, width);
-        used += width;
     }
-    // The names take what is left; a list that is far too narrow gets a scroll bar.
-    header()->resizeSection(0, std::max(viewport()->width() - used, 110));
+    header()->resizeSection(ColumnName, nameWidth(viewport()->width()));
 }
 
-void PaneView::setDropFilter(std::function<bool(const QMimeData &)> filter)
+/// The names take what the other columns leave; a list that is too narrow gets a scroll bar.
+int PaneView::nameWidth(int room) const
 {
-    m_dropFilter = std::move(filter);
-    setAcceptDrops(true);
-    viewport()->setAcceptDrops(true);
+    const int others = header()->length() - header()->sectionSize(ColumnName);
+    return std::max(room - others, 28 * fontMetrics().averageCharWidth());
+}
+
+void PaneView::resizeEvent(QResizeEvent *event)
+{
+    // Names that filled the list go on doing so; a width that the user gave them stays.
+    const bool filling = header()->sectionSize(ColumnName) == nameWidth(event->oldSize().width());
+    DropView::resizeEvent(event);
+    if (filling) {
+        header()->resizeSection(ColumnName, nameWidth(viewport()->width()));
+    }
 }
 
 bool PaneView::event(QEvent *event)
@@ -126,7 +126,7 @@ bool PaneView::event(QEvent *event)
             return true;
         }
     }
-    return QTreeView::event(event);
+    return DropView::event(event);
 }
 
 void PaneView::keyPressEvent(QKeyEvent *event)
@@ -164,89 +164,7 @@ void PaneView::keyPressEvent(QKeyEvent *event)
     default:
         break;
     }
-    QTreeView::keyPressEvent(event);
-}
-
-int PaneView::rowAt(const QPoint &position) const
-{
-    const QModelIndex index = indexAt(position);
-    return index.isValid() ? index.row() : -1;
-}
-
-bool PaneView::startsRubberBand(const QPoint &position) const
-{
-    // A press on a name drags the row; beside the names one draws a band around rows.
-    const QModelIndex index = indexAt(position);
-    return !index.isValid()
-        || (index.column() != ColumnName && !selectionModel()->isRowSelected(index.row()));
-}
-
-void PaneView::mousePressEvent(QMouseEvent *event)
-{
-    const QPoint position = event->position().toPoint();
-    const bool band = event->button() == Qt::LeftButton && !(event->modifiers() & Qt::ShiftModifier)
-        && model() != nullptr && startsRubberBand(position);
-    const QItemSelection before
-        = selectionModel() ? selectionModel()->selection() : QItemSelection();
-    QTreeView::mousePressEvent(event);
-    if (band) {
-        m_bandOrigin = position + QPoint(horizontalOffset(), verticalOffset());
-        m_bandBase = event->modifiers() & Qt::ControlModifier ? before : QItemSelection();
-        m_band = m_band != nullptr ? m_band : new QRubberBand(QRubberBand::Rectangle, viewport());
-        setState(DragSelectingState);
-    }
-}
-
-void PaneView::moveRubberBand(const QPoint &position)
-{
-    const QPoint offset(horizontalOffset(), verticalOffset());
-    m_band->setGeometry(QRect(m_bandOrigin - offset, position).normalized());
-    m_band->show();
-    const QModelIndex first = model()->index(0, 0);
-    const int height = rowHeight(first);
-    QItemSelection selection = m_bandBase;
-    if (height > 0) {
-        const int y = position.y() + offset.y();
-        const int top = std::max(std::min(y, m_bandOrigin.y()) / height, 0);
-        const int bottom
-            = std::min(std::max(y, m_bandOrigin.y()) / height, model()->rowCount() - 1);
-        if (top <= bottom) {
-            selection.merge(QItemSelection(model()->index(top, 0),
-                                           model()->index(bottom, model()->columnCount() - 1)),
-                            QItemSelectionModel::Select);
-        }
-    }
-    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    if (!viewport()->rect().contains(position)) {
-        QScrollBar *bar = verticalScrollBar();
-        bar->setValue(bar->value()
-                      + (position.y() < 0                          ? -height
-                             : position.y() > viewport()->height() ? height
-                                                                   : 0));
-    }
-}
-
-void PaneView::mouseMoveEvent(QMouseEvent *event)
-{
-    if (m_band != nullptr && event->buttons().testFlag(Qt::LeftButton)) {
-        moveRubberBand(event->position().toPoint());
-        return;
-    }
-    QTreeView::mouseMoveEvent(event);
-}
-
-void PaneView::mouseReleaseEvent(QMouseEvent *event)
-{
-    if (m_band != nullptr) {
-        const bool moved = m_band->isVisible();
-        m_band->deleteLater();
-        m_band = nullptr;
-        setState(NoState);
-        if (moved) {
-            return;
-        }
-    }
-    QTreeView::mouseReleaseEvent(event);
+    DropView::keyPressEvent(event);
 }
 
 void PaneView::mouseDoubleClickEvent(QMouseEvent *event)
@@ -261,104 +179,28 @@ void PaneView::mouseDoubleClickEvent(QMouseEvent *event)
         Q_EMIT rowOpened(row, true);
         return;
     }
-    QTreeView::mouseDoubleClickEvent(event);
+    DropView::mouseDoubleClickEvent(event);
 }
 
 void PaneView::focusInEvent(QFocusEvent *event)
 {
-    QTreeView::focusInEvent(event);
+    DropView::focusInEvent(event);
     Q_EMIT gotFocus();
 }
 
 void PaneView::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
-    QTreeView::selectionChanged(selected, deselected);
+    DropView::selectionChanged(selected, deselected);
     Q_EMIT selectionMoved();
 }
 
 void PaneView::paintEvent(QPaintEvent *event)
 {
-    QTreeView::paintEvent(event);
+    DropView::paintEvent(event);
     QPainter painter(viewport());
     if (!m_hint.isEmpty()) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
         painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
                          Qt::AlignCenter | Qt::TextWordWrap, m_hint);
     }
-    if (m_dropRow >= 0 && m_dropRow < model()->rowCount()) {
-        QRect row = visualRect(model()->index(m_dropRow, 0));
-        row.setLeft(0);
-        row.setRight(viewport()->width() - 1);
-        QColor fill = palette().color(QPalette::Highlight);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(fill, 1.5));
-        fill.setAlpha(60);
-        painter.setBrush(fill);
-        painter.drawRoundedRect(QRectF(row).adjusted(1.5, 1, -1.5, -1), 3, 3);
-    }
-}
-
-void PaneView::startDrag(Qt::DropActions /*actions*/)
-{
-    QMimeData *dragged = m_dragSource ? m_dragSource() : nullptr;
-    if (dragged == nullptr) {
-        return;
-    }
-    auto *drag = new QDrag(this);
-    drag->setMimeData(dragged);
-    drag->setPixmap(Icons::icon(ItemKind::File).pixmap(QSize(32, 32), devicePixelRatioF()));
-    drag->setHotSpot(QPoint(8, 4));
-    const Qt::DropAction result = m_dragRunner ? m_dragRunner(*drag) : drag->exec(Qt::CopyAction);
-    Q_EMIT dragEnded(result != Qt::IgnoreAction);
-}
-
-void PaneView::setDropRow(int row)
-{
-    if (m_dropRow != row) {
-        m_dropRow = row;
-        viewport()->update();
-    }
-}
-
-void PaneView::dragEnterEvent(QDragEnterEvent *event)
-{
-    if (m_dropFilter && event->mimeData() != nullptr && m_dropFilter(*event->mimeData())) {
-        event->setDropAction(Qt::CopyAction);
-        event->accept();
-    } else {
-        event->ignore();
-    }
-}
-
-void PaneView::dragMoveEvent(QDragMoveEvent *event)
-{
-    dragEnterEvent(static_cast<QDragEnterEvent *>(event));
-    if (!event->isAccepted()) {
-        return;
-    }
-    const QPoint position = event->position().toPoint();
-    setDropRow(rowAt(position));
-    constexpr int edge = 24; // near the edges the list scrolls, so that every folder can be reached
-    QScrollBar *bar = verticalScrollBar();
-    if (position.y() < edge || position.y() > viewport()->height() - edge) {
-        bar->setValue(bar->value() + (position.y() < edge ? -8 : 8));
-    }
-}
-
-void PaneView::dragLeaveEvent(QDragLeaveEvent *event)
-{
-    setDropRow(-1);
-    event->accept();
-}
-
-void PaneView::dropEvent(QDropEvent *event)
-{
-    setDropRow(-1);
-    if (!m_dropFilter || event->mimeData() == nullptr || !m_dropFilter(*event->mimeData())) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    Q_EMIT dropped(*event->mimeData(), rowAt(event->position().toPoint()));
 }

@@ -7,6 +7,7 @@
 #include "remote/itemkind.h"
 #include "remote/paneview.h"
 #include "remote/remoterows.h"
+#include "remote/roworder.h"
 
 #include <QLineEdit>
 #include <QScopeGuard>
@@ -123,7 +124,8 @@ void RemotePane::fillRows(const QString &folder, bool listed)
         runBesideWindow(build);
         m_working = false;
     }
-    showRows(m_ftp.state() == FtpOperations::Connected ? rows : QList<PaneRow>());
+    const bool stands = m_ftp.state() == FtpOperations::Connected;
+    showRows(stands ? std::move(rows) : QList<PaneRow>());
     if (listing.format == RemoteListing::Uninterpretable) {
         ReportListingFailure(listing.rawText);
     }

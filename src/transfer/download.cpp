@@ -1,12 +1,11 @@
 #include "transfer/download.h"
 
 #include "common/mo_standard.h"
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 #include "transfer/decisions.h"
 #include "transfer/refusals.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QScopeGuard>
 
 using namespace Qt::StringLiterals;
@@ -55,8 +54,7 @@ void Download::DownloadFile(const QString &target, int record)
         this->record(item.sizeText, refusal, {});
         return;
     }
-    const QFileInfo existing(localPath());
-    m_state.LocalSize = existing.isFile() ? existing.size() : 0;
+    m_state.LocalSize = localEntry(localPath()).size;
     askAboutFile();
     m_tools.progress.setMaximumFor(m_state.RemoteSize);
     m_tools.progress.setValue(m_state.LocalSize);
@@ -67,7 +65,7 @@ void Download::DownloadFile(const QString &target, int record)
     const auto failure = getFile();
     // Intended: the row says "Download" even when nothing came; icon and tool tip tell.
     this->record(item.sizeText, failure,
-                 QString::number(QFileInfo(localPath()).size()) + u" Bytes"_s);
+                 QString::number(localEntry(localPath()).size) + u" Bytes"_s);
 }
 
 void Download::askAboutFile()
@@ -109,7 +107,7 @@ void Download::DownloadFolder(const QString &target, int record)
         this->record({}, refusal, {});
         return;
     }
-    if (QFileInfo(localPath()).isDir() && asksForFolder(m_state)) {
+    if (localEntry(localPath()).isFolder && asksForFolder(m_state)) {
         askConflict(m_tools.work, m_tools.dialogs);
     }
     m_tools.progress.setValue(0);
@@ -123,8 +121,8 @@ void Download::DownloadFolder(const QString &target, int record)
 std::optional<FtpError> Download::getFolder()
 {
     // A rename may just have moved the folder away; a failure shows when the first file comes.
-    if (!QFileInfo::exists(localPath())) {
-        QDir().mkdir(localPath());
+    if (!localEntry(localPath()).exists) {
+        (void)makeLocalFolder(localPath());
     }
     return errorOf(m_tools.work.ftp.getMultiple(multiplePattern(remotePath(), u'/'), localPath()));
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/names.h"
+#include "ftp/ftplocalnames.h"
 #include "ftp/ftptypes.h"
 
-#include <QFileInfo>
 #include <optional>
 
 /// The failure of a call; nothing when it went well.
@@ -30,8 +30,8 @@
 /// A pipe, socket or device is never opened: reading from it might wait for ever.
 [[nodiscard]] inline std::optional<FtpError> refuseSpecial(const QString &path)
 {
-    const QFileInfo info(path);
-    if (!info.exists() || info.isFile() || info.isDir()) {
+    const LocalEntry entry = localEntry(path);
+    if (!entry.exists || entry.isFile || entry.isFolder) {
         return std::nullopt;
     }
     return FtpError {

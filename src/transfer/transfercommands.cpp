@@ -2,11 +2,10 @@
 
 #include "common/mo_standard.h"
 #include "fileops/marking.h"
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 #include "transfer/download.h"
 #include "transfer/upload.h"
-
-#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -53,8 +52,8 @@ QString TransferCommands::localTarget() const
 {
     QString text = m_tools.work.local.folder();
     // A folder that has brackets in its name is no annotation of another one.
-    return QFileInfo(text).isDir() ? withSeparator(text, LocalSeparator)
-                                   : NormalizeFolderPath(text, LocalSeparator);
+    return localEntry(text).isFolder ? withSeparator(text, LocalSeparator)
+                                     : NormalizeFolderPath(text, LocalSeparator);
 }
 
 QString TransferCommands::remoteTarget() const

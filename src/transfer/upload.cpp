@@ -52,7 +52,7 @@ void Upload::fill(const QString &folder, const MarkedItem &item)
     m_state.LocalName = item.name;
     m_state.LocalSize = lenientInteger(item.sizeText);
     m_state.RemoteDir = m_target;
-    m_state.RemoteName = item.name;
+    m_state.RemoteName = nameForServer(item.name);
     m_state.RemoteSize = 0;
 }
 
@@ -72,7 +72,7 @@ void Upload::UploadFile(const QString &folder, int record)
         this->record(item.sizeText, refusal, {});
         return;
     }
-    if (const int row = m_tools.work.remote.model().findRow(item.name); row >= 0) {
+    if (const int row = m_tools.work.remote.model().findRow(m_state.RemoteName); row >= 0) {
         m_state.RemoteSize = lenientInteger(m_tools.work.remote.model().row(row).size);
     }
     askAboutFile();
@@ -121,7 +121,7 @@ void Upload::UploadFolder(const QString &folder, int record)
         this->record({}, m_unreachable, {});
         return;
     }
-    if (m_tools.work.remote.model().findRow(item.name) >= 0 && asksForFolder(m_state)) {
+    if (m_tools.work.remote.model().findRow(m_state.RemoteName) >= 0 && asksForFolder(m_state)) {
         askConflict(m_tools.work, m_tools.dialogs);
     }
     m_tools.progress.setValue(0);

@@ -13,89 +13,41 @@ void PrintTo(const PaneCommands &commands, std::ostream *out)
          << commands.selectAll;
 }
 
-namespace {
-
-const QString file = QStringLiteral("index.html");
-
-struct Case {
-    const char *what;
-    bool remote, connected;
-    DecidingRow row;
-    PaneCommands expected;
-};
-
-// Columns: rename, remove, rights, view, refresh, makeFolder, up, selectAll.
-const Case table[] {
-    { "remote, closed, nothing selected", true, false, {}, {} },
-    { "remote, closed, file",
-      true,
-      false,
-      { true, file, ItemKind::File },
-      { 1, 1, 1, 1, 0, 0, 0, 0 } },
-    { "remote, closed, folder",
-      true,
-      false,
-      { true, file, ItemKind::FolderClose },
-      { 1, 1, 1, 0, 0, 0, 0, 0 } },
-    { "remote, closed, up row", true, false, { true, {}, ItemKind::Cdup }, {} },
-    { "remote, nothing selected", true, true, {}, { 0, 0, 0, 0, 1, 1, 1, 1 } },
-    { "remote, up row", true, true, { true, {}, ItemKind::Cdup }, { 0, 0, 0, 0, 1, 1, 1, 1 } },
-    { "remote, folder",
-      true,
-      true,
-      { true, file, ItemKind::FolderClose },
-      { 1, 1, 1, 0, 1, 1, 1, 1 } },
-    { "remote, folder link",
-      true,
-      true,
-      { true, file, ItemKind::FolderLink },
-      { 1, 1, 1, 0, 1, 1, 1, 1 } },
-    { "remote, link", true, true, { true, file, ItemKind::Link }, { 1, 1, 1, 0, 1, 1, 1, 1 } },
-    { "remote, file", true, true, { true, file, ItemKind::File }, { 1, 1, 1, 1, 1, 1, 1, 1 } },
-    { "remote, text file",
-      true,
-      true,
-      { true, file, ItemKind::TextFile },
-      { 1, 1, 1, 1, 1, 1, 1, 1 } },
-    { "remote, archive",
-      true,
-      true,
-      { true, file, ItemKind::ZipFile },
-      { 1, 1, 1, 1, 1, 1, 1, 1 } },
-    { "remote, program",
-      true,
-      true,
-      { true, file, ItemKind::ExeFile },
-      { 1, 1, 1, 1, 1, 1, 1, 1 } },
-    { "remote, picture",
-      true,
-      true,
-      { true, file, ItemKind::ImageFile },
-      { 1, 1, 1, 1, 1, 1, 1, 1 } },
-    { "remote, help", true, true, { true, file, ItemKind::HelpFile }, { 1, 1, 1, 1, 1, 1, 1, 1 } },
-    { "local, nothing selected", false, false, {}, { 0, 0, 0, 0, 1, 1, 1, 1 } },
-    { "local, up row", false, true, { true, {}, ItemKind::Cdup }, { 0, 0, 0, 0, 1, 1, 1, 1 } },
-    { "local, folder",
-      false,
-      true,
-      { true, file, ItemKind::FolderClose },
-      { 1, 1, 0, 0, 1, 1, 1, 1 } },
-    { "local, file", false, true, { true, file, ItemKind::File }, { 1, 1, 0, 1, 1, 1, 1, 1 } },
-    { "local, picture, closed",
-      false,
-      false,
-      { true, file, ItemKind::ImageFile },
-      { 1, 1, 0, 1, 1, 1, 1, 1 } },
-};
-
-} // namespace
-
 TEST(Commands, FollowConnectionSelectionKindAndPane)
 {
+    const QString name = QStringLiteral("x");
+    struct Case {
+        const char *what;
+        DecidingRow row;
+        PaneCommands closed, connected; ///< of the remote pane
+        PaneCommands local; ///< of the local one, connected or not
+    };
+    // Columns: rename, remove, rights, view, refresh, makeFolder, up, selectAll.
+    const PaneCommands none {};
+    const PaneCommands always { 0, 0, 0, 0, 1, 1, 1, 1 };
+    const PaneCommands folderGone { 1, 1, 1, 0, 0, 0, 0, 0 };
+    const PaneCommands folder { 1, 1, 1, 0, 1, 1, 1, 1 };
+    const PaneCommands folderHere { 1, 1, 0, 0, 1, 1, 1, 1 };
+    const PaneCommands fileGone { 1, 1, 1, 1, 0, 0, 0, 0 };
+    const PaneCommands file { 1, 1, 1, 1, 1, 1, 1, 1 };
+    const PaneCommands fileHere { 1, 1, 0, 1, 1, 1, 1, 1 };
+    const Case table[] {
+        { "nothing selected", {}, none, always, always },
+        { "up row", { true, {}, ItemKind::Cdup }, none, always, always },
+        { "folder", { true, name, ItemKind::FolderClose }, folderGone, folder, folderHere },
+        { "folder link", { true, name, ItemKind::FolderLink }, folderGone, folder, folderHere },
+        { "link", { true, name, ItemKind::Link }, folderGone, folder, folderHere },
+        { "file", { true, name, ItemKind::File }, fileGone, file, fileHere },
+        { "text", { true, name, ItemKind::TextFile }, fileGone, file, fileHere },
+        { "archive", { true, name, ItemKind::ZipFile }, fileGone, file, fileHere },
+        { "program", { true, name, ItemKind::ExeFile }, fileGone, file, fileHere },
+        { "picture", { true, name, ItemKind::ImageFile }, fileGone, file, fileHere },
+        { "help", { true, name, ItemKind::HelpFile }, fileGone, file, fileHere },
+    };
     for (const Case &one : table) {
-        EXPECT_EQ(one.remote ? remoteCommands(one.connected, one.row) : localCommands(one.row),
-                  one.expected)
-            << one.what;
+        EXPECT_EQ(remoteCommands(false, one.row), one.closed) << one.what << ", remote, closed";
+        EXPECT_EQ(remoteCommands(true, one.row), one.connected) << one.what << ", remote";
+        EXPECT_EQ(localCommands(one.row), one.local) << one.what << ", local";
     }
 }
 

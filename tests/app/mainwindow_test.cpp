@@ -1,11 +1,15 @@
 #include "app/windowbench.h"
 
+#include "app/commands.h"
 #include "app/transfercolumn.h"
+#include "remote/itemkind.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QFile>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QRadioButton>
@@ -34,6 +38,19 @@ protected:
         return texts.join(u'|').toStdString();
     }
     bool enabled(const char *name) const { return item(name)->isEnabled(); }
+};
+
+/// Stands in for the desktop's opener.
+class UrlCatcher : public QObject {
+    Q_OBJECT
+
+public:
+    UrlCatcher() { QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "open"); }
+    ~UrlCatcher() override { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); }
+    QList<QUrl> opened;
+
+public Q_SLOTS:
+    void open(const QUrl &url) { opened.append(url); }
 };
 
 const char *const bars[] { "tbToolBar", "tbToolBar_rem" };
@@ -216,6 +233,49 @@ TEST_F(MainWindow, SelectionInTheLocalPaneDecidesAboutTheCommands)
     EXPECT_FALSE(button("tbToolBar", "DeleteFiles")->isEnabled());
 }
 
+TEST_F(MainWindow, MenuAndBarFollowTheSelectedKindInBothPanes)
+{
+    // What a kind allows is a table of its own; here it has to reach every control.
+    const QString kinds[] { ItemKind::Cdup,    ItemKind::FolderClose, ItemKind::FolderLink,
+                            ItemKind::Link,    ItemKind::File,        ItemKind::TextFile,
+                            ItemKind::ZipFile, ItemKind::ExeFile,     ItemKind::ImageFile,
+                            ItemKind::HelpFile };
+    for (FilePane *pane : { static_cast<FilePane *>(&window->localPane()),
+                            static_cast<FilePane *>(&window->remotePane()) }) {
+        QList<PaneRow> rows;
+        for (const QString &kind : kinds) {
+            PaneRow row;
+            row.kind = kind;
+            row.name = kind == ItemKind::Cdup ? QString() : kind;
+            rows.append(row);
+        }
+        pane->model().setRows(rows);
+        const bool remote = pane == &window->remotePane();
+        const char *bar = remote ? "tbToolBar_rem" : "tbToolBar";
+        for (int row = 0; row < rows.size(); ++row) {
+            pane->view().selectRowNumbers({ row });
+            const DecidingRow deciding { true, rows.at(row).name, rows.at(row).kind };
+            const PaneCommands expected
+                = remote ? remoteCommands(false, deciding) : localCommands(deciding);
+            const struct {
+                const char *menuItem, *key;
+                bool enabled;
+            } controls[] { { "mnuRename", "RenameFile", expected.rename },
+                           { "mnuDelete", "DeleteFiles", expected.remove },
+                           { "mnuView", "ViewFile", expected.view },
+                           { "mnuRefresh", "Refresh", expected.refresh },
+                           { "mnuMakeDirectory", "NewFolder", expected.makeFolder } };
+            for (const auto &control : controls) {
+                EXPECT_EQ(enabled(control.menuItem), control.enabled) << control.menuItem << row;
+                EXPECT_EQ(button(bar, control.key)->isEnabled(), control.enabled) << bar << row;
+            }
+            EXPECT_EQ(enabled("mnu_rechte"), expected.rights) << bar << row;
+            EXPECT_EQ(button(bar, "Cdup")->isEnabled(), expected.up) << bar << row;
+            EXPECT_EQ(button(bar, "SelectAll")->isEnabled(), expected.selectAll) << bar << row;
+        }
+    }
+}
+
 TEST_F(MainWindow, TheListThatHadTheFocusLastIsTheActiveOne)
 {
     EXPECT_FALSE(globals.active.RemoteListActive || globals.active.LocalListActive
@@ -343,6 +403,33 @@ TEST_F(MainWindow, EveryControlHasANameForScreenReaders)
               QStringLiteral("Upload der markierten Objekte"));
 }
 
+TEST_F(MainWindow, TheMakersLogoOpensTheHomePage)
+{
+    EXPECT_TRUE(find<QWidget>("img_logo_links")->isVisible());
+    UrlCatcher desktop;
+    find<QAbstractButton>("img_logo_rechts")->click();
+    EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(Addresses().homePage) });
+}
+
+TEST_F(MainWindow, TheNamesFillTheListWhateverItsWidth)
+{
+    for (const int width : { 1200, 700, 1500 }) {
+        window->resize(width, 600);
+        for (FilePane *pane : { static_cast<FilePane *>(&window->localPane()),
+                                static_cast<FilePane *>(&window->remotePane()) }) {
+            const QTreeView &list = pane->view();
+            EXPECT_TRUE(list.header()->length() == list.viewport()->width()
+                        || list.header()->sectionSize(0)
+                            == 28 * list.fontMetrics().averageCharWidth())
+                << width << ' ' << list.header()->length() << ' ' << list.viewport()->width();
+        }
+    }
+    QHeaderView *header = window->localPane().view().header();
+    header->resizeSection(0, 400); // by the user
+    window->resize(1000, 600);
+    EXPECT_EQ(header->sectionSize(0), 400);
+}
+
 TEST_F(MainWindow, CommandsWithoutAConnectionDoAndSayNothing)
 {
     find<QAbstractButton>("cmd_download")->click();
@@ -361,3 +448,5 @@ TEST_F(MainWindow, CommandsWithoutAConnectionDoAndSayNothing)
     window->DoRemoteRefresh(QStringLiteral("/"));
     EXPECT_EQ(window->remotePane().model().rowCount(), 0);
 }
+
+#include "mainwindow_test.moc"

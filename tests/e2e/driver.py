@@ -162,6 +162,11 @@ class Program:
         """A double click on a row."""
         self.ask("open", object=view, row=name)
 
+    def place(self, view, row=None):
+        """Where a row, or the free space below all rows, is on the screen."""
+        point = self.ask("place", object=view, row=row)
+        return point["x"], point["y"]
+
     def rows(self, view):
         return self.ask("rows", object=view)["rows"]
 
@@ -196,10 +201,6 @@ class Program:
     def box(self):
         """The modal box or dialog that is open, or None."""
         return self.ask("box").get("box")
-
-    def is_waiting(self):
-        """Whether a command waits for the server, the disk or a dialog."""
-        return self.ask("loops")["loops"] > 1
 
     def answer(self, button):
         self.ask("answer", button=button)

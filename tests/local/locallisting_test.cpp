@@ -1,3 +1,4 @@
+#include "ftp/ftplocalnames.h"
 #include "local/locallisting.h"
 #include "remote/itemkind.h"
 
@@ -6,6 +7,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -140,6 +143,24 @@ TEST_F(LocalListingTest, TextOfTheBoxIsNormalisedUnlessSuchAFolderExists)
     EXPECT_EQ(of({}, FolderSource::Box), QStringLiteral("/"));
 }
 
+TEST_F(LocalListingTest, NamesThatAreNoUtf8AreListedAndEnteredByTheirBytes)
+{
+    const std::string raw = m_root.path().toStdString() + "/Bilder \xe4";
+    ASSERT_EQ(::mkdir(raw.c_str(), 0755), 0);
+    std::ofstream(raw + "/\xf6.txt") << "x";
+    std::ofstream(raw + "/\xfc.txt") << "xyz";
+    const LocalListing above = read();
+    ASSERT_EQ(above.rows.size(), 2);
+    EXPECT_EQ(bytesOfName(above.rows.at(1).tag).toStdString(), raw);
+    const LocalListing inside
+        = readLocalFolder({ above.rows.at(1).tag, FolderSource::Derived, false }, false);
+    EXPECT_TRUE(inside.readable);
+    ASSERT_EQ(inside.rows.size(), 3);
+    EXPECT_NE(inside.rows.at(1).name, inside.rows.at(2).name);
+    EXPECT_EQ(inside.rows.at(1).kind, ItemKind::TextFile);
+    std::filesystem::remove_all(raw); // QTemporaryDir cannot
+}
+
 TEST_F(LocalListingTest, StoppedReadingEndsAtOnce)
 {
     file("a");
@@ -163,6 +184,22 @@ TEST(LocalDatesTest, FollowTheLocaleWithFourDigitYearAndSeconds)
         const QDateTime when({ 2026, 2, 1 }, { 3, 4, 5 });
         EXPECT_EQ(dates.text(when.toSecsSinceEpoch()), one.text);
         EXPECT_EQ(dates.text(when.toSecsSinceEpoch()), one.text) << "also from memory";
+    }
+    QLocale::setDefault(before);
+}
+
+TEST(LocalDatesTest, EveryHourMinuteAndSecondReadsAsTheLocaleWritesIt)
+{
+    const QLocale before;
+    const QLocale american(QLocale::English, QLocale::UnitedStates);
+    QLocale::setDefault(american);
+    const QString timeFormat = american.timeFormat(QLocale::ShortFormat)
+                                   .replace(QStringLiteral("mm"), QStringLiteral("mm:ss"));
+    LocalDates dates;
+    for (qint64 at = 0; at < 172800; at += 1777) {
+        const QDateTime when = QDateTime::fromSecsSinceEpoch(1772000000 + at);
+        EXPECT_TRUE(
+            dates.text(1772000000 + at).endsWith(american.toString(when.time(), timeFormat)));
     }
     QLocale::setDefault(before);
 }

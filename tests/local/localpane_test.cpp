@@ -250,6 +250,28 @@ TEST(LocalPaneHanging, ASlowFolderShowsItsRowsWhenTheyCome)
     EXPECT_EQ(pane.view().hint(), QStringLiteral("Dieser Ordner lässt sich nicht öffnen."));
 }
 
+TEST(LocalPaneHanging, ARefreshKeepsTheRowsUntilTheNewOnesCome)
+{
+    Globals globals;
+    const QTemporaryDir folder;
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("da")));
+    const auto gate = std::make_shared<std::binary_semaphore>(1);
+    LocalPane pane(globals, nullptr,
+                   [gate](const LocalRequest &request, const std::atomic_bool &stop) {
+                       gate->acquire();
+                       return readLocalFolder(request, stop);
+                   });
+    pane.box().setEditText(folder.path());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !pane.isReading(); }));
+    ASSERT_TRUE(QDir(folder.path()).rmdir(QStringLiteral("da")));
+    pane.refresh();
+    EXPECT_TRUE(pane.isReading());
+    EXPECT_EQ(pane.model().rowCount(), 2) << "nothing blinks";
+    gate->release();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !pane.isReading(); }));
+    EXPECT_EQ(pane.model().rowCount(), 1);
+}
+
 TEST(LocalPaneHanging, ThePaneMayGoBeforeItsReader)
 {
     Globals globals;

@@ -1,9 +1,14 @@
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 #include "remote/panemodel.h"
+#include "remote/roworder.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
 
 namespace {
 
@@ -93,6 +98,74 @@ TEST(SortRows, WithoutALanguageNamesStillIgnoreCase)
                          Qt::AscendingOrder));
     QLocale::setDefault(before);
     EXPECT_EQ(sorted, "a|ä|b|Z");
+}
+
+TEST(SortRows, TextsOfAnyLengthAndScriptComeInTheOrderOfTheirCodes)
+{
+    std::mt19937 random(11);
+    const QString alphabet = QStringLiteral("01 -:9\u00fe\u00ff\u0100\u0661\u0662");
+    QList<PaneRow> rows;
+    for (int number = 0; number < 3000; ++number) {
+        PaneRow row = makeRow("x");
+        row.tag = QString::number(number);
+        for (auto length = random() % 20; length > 0; --length) {
+            row.date += alphabet.at(static_cast<qsizetype>(random() % alphabet.size()));
+        }
+        rows.append(row);
+    }
+    for (const Qt::SortOrder order : { Qt::AscendingOrder, Qt::DescendingOrder }) {
+        QList<PaneRow> expected = rows;
+        std::stable_sort(expected.begin(), expected.end(),
+                         [order](const PaneRow &a, const PaneRow &b) {
+                             return order == Qt::AscendingOrder ? a.date < b.date : b.date < a.date;
+                         });
+        const QList<PaneRow> sorted = sortRows(rows, ColumnDate, order);
+        for (qsizetype at = 0; at < rows.size(); ++at) {
+            ASSERT_EQ(sorted.at(at).tag, expected.at(at).tag) << at;
+        }
+    }
+}
+
+TEST(SortRows, RowsComeBackToTheOrderOfNamesAlsoWithNewOnesAmongThem)
+{
+    QList<PaneRow> rows { makeRow("b", ItemKind::File, "1"), makeRow("Ä", ItemKind::File, "3"),
+                          makeRow("c", ItemKind::File, "2") };
+    rows = sortRows(rows, ColumnName, Qt::AscendingOrder);
+    rows = sortRows(rows, ColumnSize, Qt::DescendingOrder);
+    EXPECT_EQ(names(rows), "Ä|c|b");
+    EXPECT_EQ(names(sortRows(rows, ColumnName, Qt::AscendingOrder)), "Ä|b|c");
+    rows.append(makeRow("bb"));
+    EXPECT_EQ(names(sortRows(rows, ColumnName, Qt::AscendingOrder)), "Ä|b|bb|c");
+}
+
+TEST(SortRows, NamesThatDifferInCaseOnlyKeepTheOrderTheyHad)
+{
+    QList<PaneRow> rows { makeRow("readme", ItemKind::File, "2"),
+                          makeRow("README", ItemKind::File, "1") };
+    rows = sortRows(rows, ColumnName, Qt::AscendingOrder);
+    rows = sortRows(rows, ColumnSize, Qt::AscendingOrder);
+    EXPECT_EQ(names(sortRows(rows, ColumnName, Qt::AscendingOrder)), "README|readme");
+}
+
+TEST(PaneModel, ARenamedRowIsSortedByItsNewName)
+{
+    PaneModel model(fourHeaders());
+    model.setRows(sortRows({ makeRow("a"), makeRow("b") }, ColumnName, Qt::AscendingOrder));
+    PaneRow renamed = model.row(0);
+    renamed.name = QStringLiteral("c");
+    model.changeRow(0, renamed);
+    EXPECT_EQ(names(sortRows(model.rows(), ColumnName, Qt::AscendingOrder)), "b|c");
+}
+
+TEST(PaneModel, BytesThatAreNoTextAreShownAsReplacedAndEditedAsTheyAre)
+{
+    PaneModel model(fourHeaders());
+    PaneRow row = makeRow("x");
+    row.name = textOfName("\xe4.txt");
+    model.setRows({ row });
+    EXPECT_EQ(model.index(0, 0).data(), QStringLiteral("\uFFFD.txt"));
+    EXPECT_EQ(model.index(0, 0).data(Qt::EditRole), row.name);
+    EXPECT_EQ(model.findRow(row.name), 0);
 }
 
 TEST(PaneModel, KeepsTheRulesOfAModel)

@@ -12,10 +12,10 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPalette>
 #include <QPixmap>
 #include <QScreen>
 #include <QTest>
-#include <QThread>
 #include <QToolBar>
 #include <functional>
 #include <map>
@@ -127,6 +127,19 @@ QJsonObject open(const QJsonObject &request)
     return later(target, [target, place] {
         QTest::mouseDClick(target->viewport(), Qt::LeftButton, Qt::NoModifier, place);
     });
+}
+
+/// Where a row, or with no row the free space below the rows, is on the screen.
+QJsonObject place(const QJsonObject &request)
+{
+    QAbstractItemView *target = view(request);
+    requireUsable(target);
+    QPoint inside(60, target->viewport()->height() - 8);
+    if (request.contains(QLatin1String("row"))) {
+        inside = placeOf(target, rowNamed(target, string(request, "row")));
+    }
+    const QPoint point = target->viewport()->mapToGlobal(inside);
+    return { { QStringLiteral("x"), point.x() }, { QStringLiteral("y"), point.y() } };
 }
 
 QJsonObject describeRow(const QAbstractItemView *view, int row)
@@ -313,12 +326,6 @@ QJsonObject windows(const QJsonObject &)
     return { { QStringLiteral("windows"), list } };
 }
 
-/// How many event loops are running inside each other: one when no command and no dialog waits.
-QJsonObject loops(const QJsonObject &)
-{
-    return { { QStringLiteral("loops"), QThread::currentThread()->loopLevel() } };
-}
-
 QJsonObject tree(const QJsonObject &) { return { { QStringLiteral("widgets"), lookup::all() } }; }
 
 QJsonObject close(const QJsonObject &request)
@@ -346,19 +353,33 @@ QJsonObject grab(const QJsonObject &request)
     return {};
 }
 
+/// The colours of a dark desktop.
+QJsonObject dark(const QJsonObject &)
+{
+    QPalette palette(QColor(0x31, 0x33, 0x38), QColor(0x2b, 0x2d, 0x31));
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));
+    palette.setColor(QPalette::AlternateBase, QColor(0x27, 0x29, 0x2d));
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xd0));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xff));
+    QApplication::setPalette(palette);
+    return {};
+}
+
 const std::map<QString, Action> &actions()
 {
     static const std::map<QString, Action> table {
         { QStringLiteral("answer"), answer },     { QStringLiteral("box"), box },
         { QStringLiteral("caption"), caption },   { QStringLiteral("choose"), choose },
         { QStringLiteral("click"), click },       { QStringLiteral("close"), close },
+        { QStringLiteral("dark"), dark },         { QStringLiteral("place"), place },
         { QStringLiteral("describe"), describe }, { QStringLiteral("enter"), enter },
         { QStringLiteral("grab"), grab },         { QStringLiteral("headers"), headers },
-        { QStringLiteral("key"), key },           { QStringLiteral("loops"), loops },
-        { QStringLiteral("open"), open },         { QStringLiteral("property"), property },
-        { QStringLiteral("resize"), resize },     { QStringLiteral("rows"), rows },
-        { QStringLiteral("select"), select },     { QStringLiteral("text"), text },
-        { QStringLiteral("tree"), tree },         { QStringLiteral("windows"), windows },
+        { QStringLiteral("key"), key },           { QStringLiteral("open"), open },
+        { QStringLiteral("property"), property }, { QStringLiteral("resize"), resize },
+        { QStringLiteral("rows"), rows },         { QStringLiteral("select"), select },
+        { QStringLiteral("text"), text },         { QStringLiteral("tree"), tree },
+        { QStringLiteral("windows"), windows },
     };
     return table;
 }
