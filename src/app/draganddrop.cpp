@@ -35,15 +35,18 @@ void DragAndDrop::connectPane(FilePane &pane)
             [this, &pane](const QMimeData &dropped, int row) { takeDrop(pane, dropped, row); });
 }
 
-bool DragAndDrop::mayDrop(const FilePane &pane, const QMimeData &dragged) const
+bool DragAndDrop::mayDrop(const FilePane &pane, const QMimeData &dragged)
 {
     if (m_busy() || !m_remote.isReady()) {
         return false;
     }
     const bool local = &pane == &m_local;
     FilePane &other = local ? static_cast<FilePane &>(m_remote) : m_local;
-    return PaneDrag::isFrom(dragged, other.view().objectName())
-        || (!local && !PaneDrag::localFiles(dragged).isEmpty());
+    if (PaneDrag::isFrom(dragged, other.view().objectName())) {
+        return true;
+    }
+    m_hovering = local ? QStringList() : PaneDrag::localFiles(dragged);
+    return !m_hovering.isEmpty();
 }
 
 QMimeData *DragAndDrop::begin(FilePane &pane)
@@ -83,7 +86,7 @@ void DragAndDrop::takeDrop(FilePane &pane, const QMimeData &dropped, int row)
         m_pending = [this, row] { m_features.transfers.dropOnRemote(row); };
     } else {
         // The other program waits for the end of the drop; the question comes after it.
-        QTimer::singleShot(0, this, [this, row, paths = PaneDrag::localFiles(dropped)] {
+        QTimer::singleShot(0, this, [this, row, paths = std::exchange(m_hovering, {})] {
             uploadFromDesktop(paths, row);
         });
     }

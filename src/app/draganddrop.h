@@ -21,7 +21,7 @@ public:
 
 private:
     void connectPane(FilePane &pane);
-    [[nodiscard]] bool mayDrop(const FilePane &pane, const QMimeData &dragged) const;
+    [[nodiscard]] bool mayDrop(const FilePane &pane, const QMimeData &dragged);
     [[nodiscard]] QMimeData *begin(FilePane &pane);
     void finish(FilePane &pane, bool taken);
     void takeDrop(FilePane &pane, const QMimeData &dropped, int row);
@@ -31,5 +31,6 @@ private:
     RemotePane &m_remote;
     Features &m_features;
     std::function<bool()> m_busy;
+    QStringList m_hovering; ///< files of another program, as told while they were over the pane
     std::function<void()> m_pending; ///< what a drop inside the window began
 };

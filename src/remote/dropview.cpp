@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QScrollBar>
 
+#include <utility>
+
 void DropView::setDropFilter(std::function<bool(const QMimeData &)> filter)
 {
     m_dropFilter = std::move(filter);
@@ -46,7 +48,8 @@ void DropView::setDropRow(int row)
 
 void DropView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (m_dropFilter && event->mimeData() != nullptr && m_dropFilter(*event->mimeData())) {
+    m_taking = m_dropFilter && event->mimeData() != nullptr && m_dropFilter(*event->mimeData());
+    if (m_taking) {
         event->setDropAction(Qt::CopyAction);
         event->accept();
     } else {
@@ -78,7 +81,9 @@ void DropView::dragLeaveEvent(QDragLeaveEvent *event)
 void DropView::dropEvent(QDropEvent *event)
 {
     setDropRow(-1);
-    if (!m_dropFilter || event->mimeData() == nullptr || !m_dropFilter(*event->mimeData())) {
+    // What was said to the last move holds: another program may be slow to hand over its data a
+    // second time, or refuse to.
+    if (!std::exchange(m_taking, false) || event->mimeData() == nullptr) {
         event->ignore();
         return;
     }

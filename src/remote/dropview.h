@@ -44,4 +44,5 @@ private:
     std::function<bool(const QMimeData &)> m_dropFilter;
     DragRunner m_dragRunner;
     int m_dropRow = -1;
+    bool m_taking = false; ///< what is dragged over the list may be dropped
 };

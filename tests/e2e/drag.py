@@ -22,6 +22,7 @@ class Mouse:
 
     def do(self, *command):
         subprocess.run(["xdotool", *map(str, command)], check=True, timeout=20,
+                       stdout=subprocess.DEVNULL,
                        env={"DISPLAY": self._display, "PATH": "/usr/bin:/bin"})
 
     def move(self, point):
@@ -145,10 +146,10 @@ def run(arguments, folder, display):
             program.wait("the listing", lambda: "bilder" in program.names("lvwRemote"))
             program.ask("resize", object="frm_tarvelo", width=1200, height=760)
             mouse = Mouse(display)
-            from_the_desktop(program, mouse, arguments.source,
-                             [other / "notizen.txt", other / "Fotos"], space)
             between_the_panes(program, mouse, local, space)
             cancelled(program, mouse)
+            from_the_desktop(program, mouse, arguments.source,
+                             [other / "notizen.txt", other / "Fotos"], space)
             rubber_band(program, mouse)
         except DriverError:
             with contextlib.suppress(DriverError):
@@ -171,6 +172,7 @@ def main():
     except (DriverError, OSError, subprocess.SubprocessError) as error:
         print(f"FAILED: {error}", file=sys.stderr)
         return 1
+    print("dragged both ways, from another program, and with a rubber band")
     return 0
 
 
