@@ -74,13 +74,27 @@ step "Start it there, as a user"
 "${inside[@]}" useradd --create-home anna
 "${inside[@]}" install -d -o anna -m 700 /tmp/anna
 as_anna=(env -i PATH=/usr/bin:/bin LANG=C.UTF-8 HOME=/home/anna XDG_RUNTIME_DIR=/tmp/anna
-         QT_QPA_PLATFORM=offscreen chroot --userspec=anna:anna "$root")
+         QT_QPA_PLATFORM=offscreen "$(command -v chroot)" --userspec=anna:anna "$root")
 [ "$("${as_anna[@]}" tarvelo-ftp --version)" = "Tarvelo FTP 2.20" ] || fail "--version"
 stays_up "${as_anna[@]}" tarvelo-ftp
 stays_up "${as_anna[@]}" tarvelo-ftp ftp://anna@server.example/html/
+stays_up "${as_anna[@]}" tarvelo-ftp ftpes://anna@server.example/html/
+for page in man1/tarvelo-ftp.1.gz de/man1/tarvelo-ftp.1.gz; do
+    gzip --test "$root/usr/share/man/$page" || fail "$page"
+done
 
-step "Remove it"
-"${inside[@]}" apt-get -q -y purge tarvelo-ftp >"$alone/apt.log" 2>&1 || { tail -20 "$alone/apt.log"; fail "purge"; }
+# take_away VERB: removes or purges it there
+take_away() {
+    "${inside[@]}" apt-get -q -y "$1" tarvelo-ftp >"$alone/apt.log" 2>&1 \
+        || { tail -20 "$alone/apt.log"; fail "$1"; }
+}
+step "Remove it: what the administrator may have changed stays"
+take_away remove
+[ ! -e "$root/usr/bin/tarvelo-ftp" ] || fail "the program is still there"
+[ -f "$root/etc/tarvelo-ftp/addresses.ini" ] || fail "the addresses are gone"
+
+step "Purge it: nothing stays"
+take_away purge
 left=$(find "$root/usr" "$root/etc" "$root/var/lib/dpkg/info" -name '*tarvelo*')
 [ -z "$left" ] || fail "left behind: $left"
 printf '\nAll well.\n'

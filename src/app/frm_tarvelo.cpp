@@ -248,10 +248,14 @@ void frm_tarvelo::connectEdits()
             [this](int row, const QString &text) {
                 isBusy() ? void() : m_features->rename.RenameLocalAfterEdit(row, text);
             });
-    connect(&m_remote->model(), &PaneModel::captionEdited, this,
-            [this](int row, const QString &text) {
-                isBusy() ? void() : m_features->rename.RenameRemoteAfterEdit(row, text);
-            });
+    // Not before the editor has closed: while the server is asked, the list may be emptied below
+    // it.
+    connect(
+        &m_remote->model(), &PaneModel::captionEdited, this, [this](int row, const QString &text) {
+            const QString name = m_remote->model().row(row).name;
+            QMetaObject::invokeMethod(
+                this, [this, name, text] { renameRemoteRow(name, text); }, Qt::QueuedConnection);
+        });
     connect(&m_local->view(), &PaneView::deletePressed, this,
             [this] { isBusy() ? void() : m_features->remove.DeleteLocalItems(); });
     connect(&m_remote->view(), &PaneView::deletePressed, this,
@@ -260,6 +264,13 @@ void frm_tarvelo::connectEdits()
             [this] { m_features->transfers.cmd_upload_Click(); });
     connect(m_remote, &RemotePane::downloadWanted, this,
             [this] { m_features->transfers.cmd_download_Click(); });
+}
+
+void frm_tarvelo::renameRemoteRow(const QString &name, const QString &newName)
+{
+    if (const int row = m_remote->model().findRow(name); row >= 0 && !isBusy()) {
+        m_features->rename.RenameRemoteAfterEdit(row, newName);
+    }
 }
 
 void frm_tarvelo::connectPane(FilePane &pane, FilePane &other)

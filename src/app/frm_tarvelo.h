@@ -102,6 +102,7 @@ private:
     void DeleteSelected();
     void pickFolder(QWidget *parent);
     void showSettings();
+    void renameRemoteRow(const QString &name, const QString &newName);
     void rememberFolder(bool remote);
     void showProgress(const FtpEvent &event);
     void refreshRemote();

@@ -14,6 +14,7 @@ QString text(const char *utf8) { return QString::fromUtf8(utf8); }
 TEST(TrimBlanks, TrimsBlanksAndNothingElse)
 {
     EXPECT_EQ(trimBlanks(text("  a b \t ")), text("a b \t"));
+    EXPECT_EQ(trimBlanks(text(" \t a")), text("\t a"));
     EXPECT_EQ(trimBlanks(text("   ")), QString());
 }
 

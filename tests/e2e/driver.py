@@ -202,6 +202,10 @@ class Program:
         """The modal box or dialog that is open, or None."""
         return self.ask("box").get("box")
 
+    def is_waiting(self):
+        """Whether a command waits for the server, the disk or a dialog."""
+        return self.ask("loops")["loops"] > 1
+
     def answer(self, button):
         self.ask("answer", button=button)
 

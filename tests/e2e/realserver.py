@@ -33,6 +33,7 @@ class RealServer:
 
     def __init__(self, ftp_server, kind, root, options=()):
         self.root = root
+        self.log = ""  # what the server has written, once it has ended
         self._process = subprocess.Popen(
             [str(ftp_server), kind, "--root", str(root), *options],
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
@@ -59,7 +60,7 @@ class RealServer:
 
     def __exit__(self, *_):
         self._process.send_signal(signal.SIGTERM)
-        self._process.communicate()
+        self.log = self._process.communicate()[0]
 
 
 class Gate:

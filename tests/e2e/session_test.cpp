@@ -192,6 +192,7 @@ TEST_P(OnlineWindow, MakesRenamesAndDeletesOnTheServer)
     ASSERT_NE(editor, nullptr) << log();
     editor->setText(QStringLiteral("entwürfe"));
     QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_EQ(rowOf(pane, "entwürfe"), -1) << "the server was asked below the open editor";
     ASSERT_TRUE(QTest::qWaitFor([&] { return rowOf(pane, "entwürfe") >= 0; })) << log();
     settle();
     EXPECT_TRUE(std::filesystem::is_directory(remote("entwürfe")));

@@ -56,6 +56,7 @@ class User:
         """What shows that a command runs; empty when the window is idle."""
         p = self.program
         signs = {"a dialog": p.box() is not None,
+                 "a command": p.is_waiting(),
                  "folder box disabled": not p.enabled("cmbRemoteDir"),
                  "tool bar disabled": not p.enabled("tbToolBar/Refresh"),
                  "abort enabled": p.enabled("cmdAbort")}

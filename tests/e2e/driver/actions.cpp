@@ -16,6 +16,7 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QTest>
+#include <QThread>
 #include <QToolBar>
 #include <functional>
 #include <map>
@@ -326,6 +327,12 @@ QJsonObject windows(const QJsonObject &)
     return { { QStringLiteral("windows"), list } };
 }
 
+/// How many event loops are running inside each other: one when no command and no dialog waits.
+QJsonObject loops(const QJsonObject &)
+{
+    return { { QStringLiteral("loops"), QThread::currentThread()->loopLevel() } };
+}
+
 QJsonObject tree(const QJsonObject &) { return { { QStringLiteral("widgets"), lookup::all() } }; }
 
 QJsonObject close(const QJsonObject &request)
@@ -375,11 +382,11 @@ const std::map<QString, Action> &actions()
         { QStringLiteral("dark"), dark },         { QStringLiteral("place"), place },
         { QStringLiteral("describe"), describe }, { QStringLiteral("enter"), enter },
         { QStringLiteral("grab"), grab },         { QStringLiteral("headers"), headers },
-        { QStringLiteral("key"), key },           { QStringLiteral("open"), open },
-        { QStringLiteral("property"), property }, { QStringLiteral("resize"), resize },
-        { QStringLiteral("rows"), rows },         { QStringLiteral("select"), select },
-        { QStringLiteral("text"), text },         { QStringLiteral("tree"), tree },
-        { QStringLiteral("windows"), windows },
+        { QStringLiteral("key"), key },           { QStringLiteral("loops"), loops },
+        { QStringLiteral("open"), open },         { QStringLiteral("property"), property },
+        { QStringLiteral("resize"), resize },     { QStringLiteral("rows"), rows },
+        { QStringLiteral("select"), select },     { QStringLiteral("text"), text },
+        { QStringLiteral("tree"), tree },         { QStringLiteral("windows"), windows },
     };
     return table;
 }
