@@ -20,18 +20,21 @@ bool hopeless(ErrorKind kind)
 
 } // namespace
 
-Crew::Crew(Client &client, Worker worker)
+Crew::Crew(Client &client, Worker worker, CrewRules rules)
     : m_client(client)
     , m_worker(std::move(worker))
+    , m_rules(std::move(rules))
     , m_home(client.session().folder())
     , m_news(client.session().executor())
-    , m_progress(client.session().hooks().progress)
     , m_meter([this](std::int64_t bytes) {
-        if (m_progress) {
-            m_progress(bytes, m_total);
+        if (m_rules.progress) {
+            m_rules.progress(bytes, m_total);
         }
     })
 {
+    if (!m_rules.progress) {
+        m_rules.progress = client.session().hooks().progress;
+    }
     m_news.expires_at(asio::steady_timer::time_point::max());
 }
 
@@ -54,8 +57,6 @@ void Crew::failed(const Error &error)
         wakeAll();
     }
 }
-
-void Crew::addBytes(std::int64_t bytes) { m_meter.add(bytes); }
 
 void Crew::jobAdded()
 {
@@ -91,6 +92,7 @@ Hooks Crew::quietHooks() const
     Hooks hooks = m_client.session().hooks();
     hooks.progress = nullptr;
     hooks.reply = nullptr; // refusals are told by the jobs; a helper's login is no news
+    hooks.note = nullptr;
     return hooks;
 }
 
@@ -111,7 +113,12 @@ void Crew::hire()
 
 Awaitable<void> Crew::join(std::shared_ptr<Session> session)
 {
-    Status opened = co_await session->open();
+    m_joining.push_back(session);
+    Status opened = fail(ErrorKind::Aborted, "Aborted");
+    if (!m_stopped) {
+        opened = co_await session->open();
+    }
+    std::erase(m_joining, session);
     if (opened) {
         Status worked = co_await m_worker(*session);
         ignoreError(worked, "its jobs were given back and are done by the others");
@@ -161,7 +168,7 @@ Awaitable<void> Crew::workAlone()
         if (worked || m_stopped) {
             break;
         }
-        if (worked.error().kind == ErrorKind::Aborted) {
+        if (worked.error().kind == ErrorKind::Aborted || !m_rules.reconnects) {
             failed(worked.error());
             break;
         }
@@ -176,12 +183,14 @@ Awaitable<void> Crew::workAlone()
     }
 }
 
-Awaitable<Status> Crew::run()
+/// Sends the helpers home when nothing is left to take.
+Awaitable<void> Crew::dismiss()
 {
-    m_meter.start();
-    co_await workAlone();
-    m_stopped = true; // nothing is left to take
+    m_stopped = true;
     wakeAll();
+    for (const auto &session : m_joining) {
+        session->abort(); // nobody waits for a login that is of no use any more
+    }
     while (m_helpers > 0) {
         if (m_client.aborted()) {
             m_client.abort();
@@ -189,6 +198,13 @@ Awaitable<Status> Crew::run()
         std::error_code ignored; // the timer only ever ends by being cancelled
         co_await m_news.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
     }
+}
+
+Awaitable<Status> Crew::run()
+{
+    m_meter.start();
+    co_await workAlone();
+    co_await dismiss();
     m_meter.finish();
     co_return m_firstError ? Status(tl::unexpected(*m_firstError)) : Status {};
 }

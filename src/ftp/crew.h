@@ -2,7 +2,9 @@
 
 #include "ftp/client.h"
 
+#include <algorithm>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,15 +12,23 @@
 
 namespace ftp {
 
-/// The sessions that work on one tree. The client's own session starts alone; others join while
-/// there is work for them and the server lets them in.
+/// How a crew works.
+struct CrewRules {
+    bool reconnects = true; ///< a lost connection is made again
+    /// Bytes of the whole work so far and in all, not more often than a person can see; empty: the
+    /// session's progress hook.
+    std::function<void(std::int64_t, std::int64_t)> progress = {};
+};
+
+/// The sessions that work on one tree or list. The client's own session starts alone; others join
+/// while there is work for them and the server lets them in.
 class Crew {
 public:
     /// One session's share of the work: takes jobs until there are none. Returns an error only when
     /// its session has broken; what was begun has then been given back.
     using Worker = std::function<Awaitable<Status>(Session &)>;
 
-    Crew(Client &client, Worker worker);
+    Crew(Client &client, Worker worker, CrewRules rules = {});
 
     /// Works until everything is done. @return the first failure
     Awaitable<Status> run();
@@ -30,6 +40,8 @@ public:
     void jobAdded();
     /// A job is done or was given up; everything is done when none is left.
     void jobDone();
+    /// A job was given back; somebody who waits may take it.
+    void jobReturned() { wakeAll(); }
     /// Waits until there may be something to take. @return false when all is done or stopped
     Awaitable<bool> wait();
 
@@ -39,25 +51,35 @@ public:
     void note(const std::string &text) const;
     [[nodiscard]] bool stopped() const { return m_stopped; }
 
-    void addTotal(std::int64_t bytes) { m_total += bytes; }
-    void addBytes(std::int64_t bytes);
+    /// Sizes as servers tell them: even absurd ones must not overflow the sum.
+    void addTotal(std::int64_t bytes)
+    {
+        m_total += std::min(bytes, std::numeric_limits<std::int64_t>::max() - m_total);
+    }
+    void addBytes(std::int64_t bytes) { m_meter.add(bytes); }
     [[nodiscard]] Client &client() { return m_client; }
+    [[nodiscard]] bool isFirst(const Session &session) const
+    {
+        return &session == &m_client.session();
+    }
 
 private:
     Awaitable<void> workAlone();
     Awaitable<void> join(std::shared_ptr<Session> session);
     Awaitable<Status> reopen();
+    Awaitable<void> dismiss();
     void hire();
     void wakeAll();
     [[nodiscard]] Hooks quietHooks() const;
 
     Client &m_client;
     Worker m_worker;
+    CrewRules m_rules;
     std::string m_home; ///< folder of the client's session at the start
     asio::steady_timer m_news; ///< cancelled when something changes
     std::optional<Error> m_firstError;
-    std::function<void(std::int64_t, std::int64_t)> m_progress;
     ProgressMeter m_meter;
+    std::vector<std::shared_ptr<Session>> m_joining; ///< helpers that are still logging in
     std::int64_t m_total = 0;
     int m_open = 0; ///< jobs not done
     int m_waiting = 0; ///< workers with nothing to do

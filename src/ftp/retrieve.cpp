@@ -1,26 +1,12 @@
 #include "ftp/transfer.h"
 
+#include "ftp/file_facts.h"
 #include "ftp/receiver.h"
 
 #include <optional>
 
 namespace ftp {
 namespace {
-
-/// What the server told of a file before it is fetched.
-struct RemoteFacts {
-    std::optional<std::int64_t> size, modified;
-};
-
-std::optional<std::int64_t> sizeOf(const Reply &reply)
-{
-    const std::string_view digits = reply.message();
-    if (reply.code != 213 || digits.empty() || digits.size() > 18
-        || digits.find_first_not_of("0123456789") != std::string_view::npos) {
-        return std::nullopt;
-    }
-    return std::stoll(std::string(digits));
-}
 
 /// Asks size and time together with the way to the data connection, in one round trip.
 Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, GetRequest request)
@@ -29,39 +15,15 @@ Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, G
     if (!wanted) {
         co_return tl::unexpected(wanted.error());
     }
-    ServerKnowledge &server = session.knowledge();
-    const bool askSize = request.type == Type::Binary && !server.noSize;
-    const bool askTime = !server.noModificationTime;
-    std::vector<std::string> commands;
-    if (askSize) {
-        commands.push_back("SIZE " + request.remotePath);
-    }
-    if (askTime) {
-        commands.push_back("MDTM " + request.remotePath);
-    }
+    const std::vector<std::string> asked = factCommands(session, request.remotePath, request.type);
+    std::vector<std::string> commands = asked;
     commands.push_back(*wanted);
     auto replies = co_await session.askAll(commands);
     if (!replies) {
         co_return tl::unexpected(replies.error());
     }
-    RemoteFacts facts;
-    std::size_t next = 0;
-    const auto unknown = [](const Reply &reply) {
-        return reply.code == 500 || reply.code == 502 || reply.code == 504;
-    };
-    if (askSize) {
-        const Reply &reply = (*replies)[next++];
-        facts.size = sizeOf(reply);
-        server.noSize = unknown(reply);
-    }
-    if (askTime) {
-        const Reply &reply = (*replies)[next++];
-        if (const auto time = reply.code == 213 ? parseTimeVal(reply.message()) : std::nullopt) {
-            facts.modified = toEpoch(*time);
-        }
-        server.noModificationTime = unknown(reply);
-    }
-    Status begun = co_await data.beginOrOpen(std::move((*replies)[next]));
+    const RemoteFacts facts = takeFacts(session, asked, *replies);
+    Status begun = co_await data.beginOrOpen(std::move(replies->back()));
     if (!begun) {
         co_return tl::unexpected(begun.error());
     }
@@ -84,20 +46,6 @@ std::int64_t usableOffset(const GetRequest &request, const Hooks &hooks)
         hooks.note(reason);
     }
     return reason == nullptr ? request.offset : 0;
-}
-
-Status checkComplete(const Session &session, const DataConnection &, std::int64_t have,
-                     const RemoteFacts &facts, bool properEnd)
-{
-    if (facts.size && have < *facts.size) {
-        return fail(ErrorKind::Truncated,
-                    "The transfer was cut short: " + std::to_string(have) + " of "
-                        + std::to_string(*facts.size) + " bytes");
-    }
-    if (session.encrypted() && !properEnd && !facts.size) {
-        return fail(ErrorKind::Truncated, "The encrypted transfer ended without a proper close");
-    }
-    return {};
 }
 
 } // namespace
@@ -146,7 +94,7 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
     const bool properEnd = data.stream().closeNotifyReceived();
     Status finished = co_await finishTransfer(session, data, received, session.timeout());
     if (finished && request.type == Type::Binary) {
-        finished = checkComplete(session, data, offset + meter.bytes(), *facts, properEnd);
+        finished = checkComplete(session, offset + meter.bytes(), facts->size, properEnd);
     }
     if (finished) {
         finished = file.commit(facts->modified);

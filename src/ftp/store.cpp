@@ -1,5 +1,6 @@
 #include "ftp/transfer.h"
 
+#include "ftp/file_facts.h"
 #include "ftp/sender.h"
 #include "ftp/side_task.h"
 
@@ -88,17 +89,8 @@ Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
 /// Checks an upload by the server's own count (RFC 3659, section 4) and keeps the file's time.
 Awaitable<Status> verify(Session &session, const PutRequest &request, const OutgoingFile &file)
 {
-    ServerKnowledge &server = session.knowledge();
-    const bool askSize = request.type == Type::Binary && !server.noSize;
-    const bool setTime = session.features().mfmt && !server.noSetTime;
-    std::vector<std::string> commands;
-    if (askSize) {
-        commands.push_back("SIZE " + request.remotePath);
-    }
-    if (setTime) {
-        commands.push_back("MFMT " + formatTimeVal(fromEpoch(file.modified())) + " "
-                           + request.remotePath);
-    }
+    const std::vector<std::string> commands
+        = checkCommands(session, request.remotePath, file, request.type);
     if (commands.empty()) {
         co_return Status {};
     }
@@ -106,14 +98,7 @@ Awaitable<Status> verify(Session &session, const PutRequest &request, const Outg
     if (!replies) {
         co_return tl::unexpected(replies.error());
     }
-    if (askSize && replies->front().code == 213
-        && replies->front().message() != std::to_string(file.size())) {
-        co_return fail(ErrorKind::Truncated,
-                       "The server holds " + std::string(replies->front().message()) + " of "
-                           + std::to_string(file.size()) + " bytes");
-    }
-    server.noSetTime = setTime && replies->back().code / 100 == 5;
-    co_return Status {};
+    co_return takeChecks(session, commands, *replies, file);
 }
 
 /// Big files may take their time to reach the server's disk before it answers.

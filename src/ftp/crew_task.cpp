@@ -1,0 +1,111 @@
+#include "ftp/crew_task.h"
+
+#include <utility>
+
+namespace ftp {
+
+/// Sends a job's preparations, unless they went ahead, and reads the replies.
+Awaitable<Result<std::vector<Reply>>> CrewTask::prepare(Session &session, Flow &flow)
+{
+    if (flow.owed == 0) {
+        auto commands = mover().preparations(session, flow);
+        if (!commands) {
+            co_return tl::unexpected(commands.error());
+        }
+        co_return co_await session.askAll(*commands);
+    }
+    std::vector<Reply> replies;
+    for (; flow.owed > 0; --flow.owed) {
+        auto reply = co_await session.dialogue().finalReply();
+        if (!reply) {
+            co_return tl::unexpected(reply.error());
+        }
+        replies.push_back(std::move(*reply));
+    }
+    co_return replies;
+}
+
+Status CrewTask::lookAhead(Session &session, std::optional<Flow> &next)
+{
+    if (!looksAhead(session)) {
+        return {};
+    }
+    auto job = take(session);
+    if (!job) {
+        return {};
+    }
+    next.emplace();
+    next->job = std::move(*job);
+    if (next->job.tries > 0) {
+        return {}; // it is continued step by step
+    }
+    auto commands = mover().preparations(session, *next);
+    if (!commands) {
+        return tl::unexpected(commands.error());
+    }
+    for (const std::string &command : *commands) {
+        Status queued = session.line().queue(command);
+        if (!queued) {
+            return queued;
+        }
+        ++next->owed;
+    }
+    return {};
+}
+
+Awaitable<Status> CrewTask::carryOut(Session &session, Flow &current, std::optional<Flow> &next)
+{
+    begun(session, current.job);
+    if (current.job.tries > 0 && !current.job.isFolder()) {
+        co_return co_await mover().again(session, current.job);
+    }
+    auto replies = co_await prepare(session, current);
+    if (!replies) {
+        co_return tl::unexpected(replies.error());
+    }
+    LookAhead ahead = [this, &session, &next] { return lookAhead(session, next); };
+    co_return co_await mover().flow(session, current, std::move(*replies), std::move(ahead));
+}
+
+Awaitable<Status> CrewTask::work(Session &session)
+{
+    Status typed = co_await session.setType(m_type);
+    if (!typed) {
+        m_crew.failed(typed.error());
+        co_return session.usable() ? Status {} : typed;
+    }
+    std::optional<Flow> current, next;
+    for (;;) {
+        if (!current) {
+            auto job = take(session);
+            if (!job) {
+                const bool more = co_await m_crew.wait();
+                if (!more) {
+                    co_return Status {};
+                }
+                continue;
+            }
+            current.emplace();
+            current->job = std::move(*job);
+        }
+        Status step = co_await carryOut(session, *current, next);
+        if (!step) {
+            const bool goesOn = session.usable() && step.error().kind == ErrorKind::Truncated;
+            if (next && step.error().kind != ErrorKind::Aborted) {
+                session.knowledge().noLookAhead = true; // perhaps it was that, so it costs no try
+                --current->job.tries;
+            }
+            brokeOff(session, std::move(current->job), step.error());
+            if (!goesOn) {
+                if (next) { // not begun
+                    putBack(std::move(next->job));
+                }
+                session.markBroken();
+                co_return step;
+            }
+        }
+        current = std::exchange(next, std::nullopt);
+    }
+}
+
+} // namespace ftp

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "ftp/crew.h"
+#include "ftp/data_connection.h"
+#include "ftp/listing.h"
+#include "ftp/path.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ftp {
+
+/// A folder on both sides, kept as long as something in it is to be done.
+struct FolderPair {
+    std::string remote; ///< raw bytes, absolute
+    std::string local;
+    int depth = 0;
+};
+
+/// One file to be moved, or a remote folder to be listed.
+struct Job {
+    std::shared_ptr<const FolderPair> folder;
+    std::string name; ///< raw bytes; empty: the folder itself is to be listed
+    std::string localName;
+    std::size_t place = 0; ///< in a list of files
+    std::int64_t size = -1; ///< as listed, -1 unknown
+    std::int64_t time = 0; ///< seconds since 1970, UTC; 0 unknown
+    std::int64_t counted = 0; ///< bytes that the progress knows of
+    int tries = 0;
+    bool link = false;
+    bool unlisted = false; ///< size and time are to be asked for, since no listing tells them
+
+    [[nodiscard]] bool isFolder() const { return name.empty(); }
+    [[nodiscard]] std::string remotePath() const
+    {
+        return isFolder() ? folder->remote : joinPath(folder->remote, name);
+    }
+    [[nodiscard]] std::string localPath() const { return joinPath(folder->local, localName); }
+};
+
+/// What is on its way for one job.
+struct Flow {
+    Job job;
+    std::unique_ptr<DataConnection> data;
+    std::vector<std::string> facts; ///< those of its preparations that ask for size and time
+    std::size_t owed = 0; ///< replies to its preparations that are still to come
+};
+
+/// Sends the preparations of the next job behind the transfer command of the one that flows.
+using LookAhead = std::function<Status()>;
+
+/// How one job is carried out; one object for each direction.
+class Mover {
+public:
+    virtual ~Mover() = default;
+
+    /// The commands that come before the transfer command, all of which may travel in one packet.
+    virtual Result<std::vector<std::string>> preparations(Session &session, Flow &flow) = 0;
+    /// The rest. The outcome is told to the task, except that of a job that broke off, which is the
+    /// error returned; the session goes on when it is usable and the error is Truncated.
+    /// @param replies  those to the preparations
+    virtual Awaitable<Status> flow(Session &session, Flow &flow, std::vector<Reply> replies,
+                                   LookAhead ahead)
+        = 0;
+    /// A file that broke off once: continued step by step.
+    virtual Awaitable<Status> again(Session &session, Job &job) = 0;
+};
+
+/// Work that a crew does job by job: where the jobs come from and what becomes of them.
+class CrewTask {
+public:
+    virtual ~CrewTask() = default;
+    CrewTask(const CrewTask &) = delete;
+    CrewTask &operator=(const CrewTask &) = delete;
+
+    [[nodiscard]] Type type() const { return m_type; }
+    [[nodiscard]] Client &client() { return m_crew.client(); }
+
+    /// Bytes of a job that went over the line.
+    virtual void moved(Job &job, std::int64_t bytes) = 0;
+    virtual void done(const Job &job) = 0;
+    /// The server or the disk does not want it.
+    virtual void refused(Session &session, Job job, const Error &error) = 0;
+    virtual void listed(Session & /*session*/, const Job & /*job*/, const Listing & /*listing*/) { }
+    /// A job that was not begun, or a listing that has to be asked for in another way.
+    virtual void putBack(Job job) = 0;
+    /// Whether commands may follow a transfer command at once.
+    [[nodiscard]] virtual bool looksAhead(Session &session) const { return session.lookAhead(); }
+
+protected:
+    CrewTask(Client &client, Type type, CrewRules rules = {})
+        : m_crew(
+            client, [this](Session &session) { return work(session); }, std::move(rules))
+        , m_type(type)
+    {
+    }
+
+    /// One session's share: takes jobs until there are none.
+    Awaitable<Status> work(Session &session);
+
+    virtual Mover &mover() = 0;
+    virtual std::optional<Job> take(Session &session) = 0;
+    /// A session turns to a job that was taken.
+    virtual void begun(Session & /*session*/, const Job & /*job*/) { }
+    /// A job stopped in the middle; it may be tried again.
+    virtual void brokeOff(Session &session, Job job, const Error &error) = 0;
+
+    Crew m_crew;
+
+private:
+    Awaitable<Status> carryOut(Session &session, Flow &current, std::optional<Flow> &next);
+    Awaitable<Result<std::vector<Reply>>> prepare(Session &session, Flow &flow);
+    Status lookAhead(Session &session, std::optional<Flow> &next);
+
+    Type m_type;
+};
+
+} // namespace ftp

@@ -1,0 +1,242 @@
+#include "ftp/fetcher.h"
+
+#include "ftp/file_facts.h"
+#include "ftp/receiver.h"
+#include "ftp/side_task.h"
+#include "ftp/transfer.h"
+
+#include <ctime>
+
+namespace ftp {
+namespace {
+
+/// The reply to a transfer command whose data connection is under way. @return the refusal, if any
+Awaitable<Result<std::optional<Error>>> awaitStart(Session &session, DataConnection &data)
+{
+    SideTask standing(session.executor(), data.establish());
+    auto answer = co_await session.dialogue().reply();
+    const bool begins = answer && answer->preliminary();
+    if (!begins) {
+        data.abort();
+    }
+    Status stands = co_await standing.join();
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    if (answer->done()) {
+        co_return fail(ErrorKind::Protocol, "The server ended a transfer before it began");
+    }
+    if (!begins) {
+        co_return std::optional<Error>(refusal(*answer).value());
+    }
+    if (!stands) {
+        co_return tl::unexpected(stands.error());
+    }
+    co_return std::optional<Error>();
+}
+
+/// LIST works in the current folder only.
+bool mustEnter(const Session &session, const Job &job)
+{
+    return job.isFolder() && !session.features().mlst;
+}
+
+} // namespace
+
+Result<std::vector<std::string>> Fetcher::preparations(Session &session, Flow &flow)
+{
+    flow.data = std::make_unique<DataConnection>(session);
+    auto way = flow.data->command();
+    if (!way) {
+        return tl::unexpected(way.error());
+    }
+    std::vector<std::string> commands;
+    if (mustEnter(session, flow.job)) {
+        commands.push_back("CWD " + flow.job.folder->remote);
+    } else if (flow.job.unlisted) {
+        flow.facts = commands = factCommands(session, flow.job.remotePath(), m_task.type());
+    }
+    commands.push_back(*way);
+    return commands;
+}
+
+std::string Fetcher::transferCommand(Session &session, const Job &job)
+{
+    if (!job.isFolder()) {
+        return "RETR " + job.remotePath();
+    }
+    if (session.features().mlst) {
+        return "MLSD " + job.remotePath();
+    }
+    return session.knowledge().plainListOnly ? "LIST" : "LIST -a";
+}
+
+/// @return false when the job was refused and is done with
+Awaitable<Result<bool>> Fetcher::takeReplies(Session &session, Flow &flow,
+                                             std::vector<Reply> replies)
+{
+    if (mustEnter(session, flow.job) && !replies.front().done()) {
+        m_task.refused(session, flow.job, refusal(replies.front()).value());
+        co_return false;
+    }
+    if (!flow.facts.empty()) {
+        const RemoteFacts facts = takeFacts(session, flow.facts, replies);
+        flow.job.size = facts.size.value_or(-1);
+        flow.job.time = facts.modified.value_or(0);
+    }
+    Status begun = co_await flow.data->beginOrOpen(std::move(replies.back()));
+    if (!begun) {
+        co_return tl::unexpected(begun.error());
+    }
+    co_return true;
+}
+
+Awaitable<Status> Fetcher::flow(Session &session, Flow &flow, std::vector<Reply> replies,
+                                LookAhead ahead)
+{
+    auto ready = co_await takeReplies(session, flow, std::move(replies));
+    if (!ready) {
+        co_return tl::unexpected(ready.error());
+    }
+    if (!*ready) {
+        co_return Status {};
+    }
+    Status step = session.line().queue(transferCommand(session, flow.job));
+    if (!step) { // a name that no command may carry
+        m_task.refused(session, flow.job, step.error());
+        flow.data->abort();
+        co_return Status {};
+    }
+    step = ahead();
+    if (step) {
+        step = co_await session.line().flush();
+    }
+    if (!step) {
+        co_return step;
+    }
+    if (flow.job.isFolder()) {
+        co_return co_await receiveListing(session, flow);
+    }
+    co_return co_await receiveFile(session, flow);
+}
+
+Awaitable<Status> Fetcher::receiveFile(Session &session, Flow &flow)
+{
+    auto start = co_await awaitStart(session, *flow.data);
+    if (!start) {
+        co_return tl::unexpected(start.error());
+    }
+    if (*start) {
+        if (flow.job.link && (*start)->replyCode / 100 == 5) {
+            m_task.done(flow.job); // leads to a folder or nowhere
+        } else {
+            m_task.refused(session, flow.job, **start);
+        }
+        co_return Status {};
+    }
+    Status received = co_await receiveBytes(session, flow);
+    if (received) {
+        m_task.done(flow.job);
+        co_return Status {};
+    }
+    const ErrorKind kind = received.error().kind;
+    if (session.usable() && kind != ErrorKind::Truncated && kind != ErrorKind::ConnectionClosed) {
+        m_task.refused(session, flow.job, received.error());
+        co_return Status {};
+    }
+    co_return received;
+}
+
+Awaitable<Status> Fetcher::receiveBytes(Session &session, Flow &flow)
+{
+    Job &job = flow.job;
+    IncomingFile file;
+    Receiver receiver(m_task.type());
+    std::int64_t bytes = 0;
+    m_task.moved(job, -job.counted); // an earlier try counts no more
+    Status received = file.open(job.localPath(), 0);
+    if (received) {
+        received = co_await receiveAll(session, *flow.data, [&](std::string_view block) {
+            bytes += static_cast<std::int64_t>(block.size());
+            m_task.moved(job, static_cast<std::int64_t>(block.size()));
+            return receiver.write(file, block);
+        });
+    }
+    if (received) {
+        received = receiver.finish(file);
+    }
+    const bool properEnd = flow.data->stream().closeNotifyReceived();
+    Status finished = co_await finishTransfer(session, *flow.data, received, session.timeout());
+    if (finished && m_task.type() == Type::Binary) {
+        const bool known = !job.link && job.size >= 0;
+        finished = checkComplete(session, bytes, known ? std::optional(job.size) : std::nullopt,
+                                 properEnd);
+    }
+    if (!finished) {
+        co_return finished;
+    }
+    co_return file.commit(job.time == 0 ? std::nullopt : std::optional(job.time));
+}
+
+Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
+{
+    auto start = co_await awaitStart(session, *flow.data);
+    if (!start) {
+        co_return tl::unexpected(start.error());
+    }
+    ServerKnowledge &server = session.knowledge();
+    const bool machine = session.features().mlst;
+    if (*start) {
+        if (!machine && !server.plainListOnly) {
+            server.plainListOnly = true; // once more without the option
+            m_task.putBack(std::move(flow.job));
+        } else {
+            m_task.refused(session, flow.job, **start);
+        }
+        co_return Status {};
+    }
+    std::string text;
+    Status received
+        = co_await receiveAll(session, *flow.data, [&text](std::string_view block) -> Status {
+              text += block;
+              return {};
+          });
+    Status finished = co_await finishTransfer(session, *flow.data, received, session.timeout());
+    if (!finished) {
+        co_return finished;
+    }
+    const std::int64_t now
+        = static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0);
+    m_task.listed(session, flow.job, machine ? parseMlsd(text) : parseList(text, fromEpoch(now)));
+    m_task.done(flow.job);
+    co_return Status {};
+}
+
+Awaitable<Status> Fetcher::again(Session &session, Job &job)
+{
+    GetRequest request;
+    request.remotePath = job.remotePath();
+    request.localPath = job.localPath();
+    request.type = m_task.type();
+    const std::int64_t have = fileSize(request.localPath).value_or(0);
+    // Only what this transfer brought may be continued; an older file is fetched anew.
+    request.offset = request.type == Type::Binary && have == job.counted ? have : 0;
+    m_task.moved(job, request.offset - job.counted);
+    std::int64_t last = 0;
+    request.progress = [&](std::int64_t bytes) {
+        m_task.moved(job, bytes - last);
+        last = bytes;
+    };
+    auto got = co_await retrieve(session, request);
+    if (got) {
+        m_task.done(job);
+        co_return Status {};
+    }
+    if (session.usable()) {
+        m_task.refused(session, job, got.error());
+        co_return Status {};
+    }
+    co_return tl::unexpected(got.error());
+}
+
+} // namespace ftp

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "ftp/crew_task.h"
+
+namespace ftp {
+
+/// Fetches the files of a task, and the listings that tell of more.
+class Fetcher final : public Mover {
+public:
+    explicit Fetcher(CrewTask &task)
+        : m_task(task)
+    {
+    }
+
+    Result<std::vector<std::string>> preparations(Session &session, Flow &flow) override;
+    Awaitable<Status> flow(Session &session, Flow &flow, std::vector<Reply> replies,
+                           LookAhead ahead) override;
+    Awaitable<Status> again(Session &session, Job &job) override;
+
+private:
+    Awaitable<Result<bool>> takeReplies(Session &session, Flow &flow, std::vector<Reply> replies);
+    Awaitable<Status> receiveFile(Session &session, Flow &flow);
+    Awaitable<Status> receiveBytes(Session &session, Flow &flow);
+    Awaitable<Status> receiveListing(Session &session, Flow &flow);
+    [[nodiscard]] static std::string transferCommand(Session &session, const Job &job);
+
+    CrewTask &m_task;
+};
+
+} // namespace ftp

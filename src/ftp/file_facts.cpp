@@ -1,0 +1,103 @@
+#include "ftp/file_facts.h"
+
+#include "ftp/civiltime.h"
+
+namespace ftp {
+namespace {
+
+bool isUnknown(const Reply &reply)
+{
+    return reply.code == 500 || reply.code == 502 || reply.code == 504;
+}
+
+std::optional<std::int64_t> sizeOf(const Reply &reply)
+{
+    const std::string_view digits = reply.message();
+    if (reply.code != 213 || digits.empty() || digits.size() > 18
+        || digits.find_first_not_of("0123456789") != std::string_view::npos) {
+        return std::nullopt;
+    }
+    return std::stoll(std::string(digits));
+}
+
+} // namespace
+
+std::vector<std::string> factCommands(Session &session, const std::string &remotePath, Type type)
+{
+    const ServerKnowledge &server = session.knowledge();
+    std::vector<std::string> commands;
+    if (type == Type::Binary && !server.noSize) {
+        commands.push_back("SIZE " + remotePath);
+    }
+    if (!server.noModificationTime) {
+        commands.push_back("MDTM " + remotePath);
+    }
+    return commands;
+}
+
+RemoteFacts takeFacts(Session &session, std::span<const std::string> commands,
+                      std::span<const Reply> replies)
+{
+    ServerKnowledge &server = session.knowledge();
+    RemoteFacts facts;
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        const Reply &reply = replies[i];
+        if (commands[i].starts_with("SIZE ")) {
+            facts.size = sizeOf(reply);
+            server.noSize = isUnknown(reply);
+            continue;
+        }
+        if (const auto time = reply.code == 213 ? parseTimeVal(reply.message()) : std::nullopt) {
+            facts.modified = toEpoch(*time);
+        }
+        server.noModificationTime = isUnknown(reply);
+    }
+    return facts;
+}
+
+Status checkComplete(const Session &session, std::int64_t have, std::optional<std::int64_t> size,
+                     bool properEnd)
+{
+    if (size && have < *size) {
+        return fail(ErrorKind::Truncated,
+                    "The transfer was cut short: " + std::to_string(have) + " of "
+                        + std::to_string(*size) + " bytes");
+    }
+    if (session.encrypted() && !properEnd && !size) {
+        return fail(ErrorKind::Truncated, "The encrypted transfer ended without a proper close");
+    }
+    return {};
+}
+
+std::vector<std::string> checkCommands(Session &session, const std::string &remotePath,
+                                       const OutgoingFile &file, Type type)
+{
+    const ServerKnowledge &server = session.knowledge();
+    std::vector<std::string> commands;
+    if (type == Type::Binary && !server.noSize) {
+        commands.push_back("SIZE " + remotePath);
+    }
+    if (session.features().mfmt && !server.noSetTime) {
+        commands.push_back("MFMT " + formatTimeVal(fromEpoch(file.modified())) + " " + remotePath);
+    }
+    return commands;
+}
+
+Status takeChecks(Session &session, std::span<const std::string> commands,
+                  std::span<const Reply> replies, const OutgoingFile &file)
+{
+    Status complete;
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        const Reply &reply = replies[i];
+        if (!commands[i].starts_with("SIZE ")) {
+            session.knowledge().noSetTime = reply.code / 100 == 5;
+        } else if (const auto size = sizeOf(reply); size && *size != file.size()) {
+            complete = fail(ErrorKind::Truncated,
+                            "The server holds " + std::to_string(*size) + " of "
+                                + std::to_string(file.size()) + " bytes");
+        }
+    }
+    return complete;
+}
+
+} // namespace ftp

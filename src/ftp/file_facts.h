@@ -1,0 +1,40 @@
+#pragma once
+
+#include "ftp/localfile.h"
+#include "ftp/session.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace ftp {
+
+/// What the server told of a file before it is fetched.
+struct RemoteFacts {
+    std::optional<std::int64_t> size; ///< bytes
+    std::optional<std::int64_t> modified; ///< seconds since 1970, UTC
+};
+
+/// SIZE and MDTM (RFC 3659, sections 3 and 4), as far as the server knows them and they tell
+/// something for that type; they may travel with other commands.
+[[nodiscard]] std::vector<std::string> factCommands(Session &session, const std::string &remotePath,
+                                                    Type type);
+/// @param commands  what factCommands gave @param replies  theirs, in order
+[[nodiscard]] RemoteFacts takeFacts(Session &session, std::span<const std::string> commands,
+                                    std::span<const Reply> replies);
+
+/// Whether a download is all there.
+/// @param have  bytes of the whole file @param properEnd  the server ended an encrypted stream as
+///              it should, so that nobody can have cut it short
+[[nodiscard]] Status checkComplete(const Session &session, std::int64_t have,
+                                   std::optional<std::int64_t> size, bool properEnd);
+
+/// SIZE and MFMT, which prove and complete an upload. They may be sent behind its last byte.
+[[nodiscard]] std::vector<std::string>
+checkCommands(Session &session, const std::string &remotePath, const OutgoingFile &file, Type type);
+/// @return ErrorKind::Truncated when the server holds another number of bytes than were sent
+[[nodiscard]] Status takeChecks(Session &session, std::span<const std::string> commands,
+                                std::span<const Reply> replies, const OutgoingFile &file);
+
+} // namespace ftp

@@ -1,0 +1,175 @@
+#include "ftp/storer.h"
+
+#include "ftp/file_facts.h"
+#include "ftp/side_task.h"
+#include "ftp/transfer.h"
+
+#include <cstdlib>
+
+namespace ftp {
+
+Result<std::vector<std::string>> Storer::preparations(Session &session, Flow &flow)
+{
+    flow.data = std::make_unique<DataConnection>(session);
+    auto way = flow.data->command();
+    if (!way) {
+        return tl::unexpected(way.error());
+    }
+    return std::vector<std::string> { *way };
+}
+
+Awaitable<Status> Storer::flow(Session &session, Flow &flow, std::vector<Reply> replies,
+                               LookAhead ahead)
+{
+    OutgoingFile file;
+    Status step = file.open(flow.job.localPath());
+    if (!step) {
+        m_task.refused(session, flow.job, step.error());
+        co_return Status {};
+    }
+    step = co_await flow.data->beginOrOpen(std::move(replies.back()));
+    if (!step) {
+        co_return step;
+    }
+    step = session.line().queue("STOR " + flow.job.remotePath());
+    if (!step) { // a name that no command may carry
+        m_task.refused(session, flow.job, step.error());
+        co_return Status {};
+    }
+    std::vector<std::string> checks
+        = checkCommands(session, flow.job.remotePath(), file, m_task.type());
+    const bool checksSent = m_task.looksAhead(session);
+    for (std::size_t i = 0; checksSent && i < checks.size() && step; ++i) {
+        step = session.line().queue(checks[i]);
+    }
+    if (step) {
+        step = ahead();
+    }
+    if (step) {
+        step = co_await session.line().flush();
+    }
+    if (!step) {
+        co_return step;
+    }
+    co_return co_await send(session, flow, file, std::move(checks), checksSent);
+}
+
+Awaitable<Status> Storer::send(Session &session, Flow &flow, OutgoingFile &file,
+                               std::vector<std::string> checks, bool checksSent)
+{
+    Status stored = co_await sendBytes(session, flow, file);
+    if (!session.usable()) {
+        co_return stored;
+    }
+    stored = co_await verify(session, file, std::move(checks), checksSent, std::move(stored));
+    if (!session.usable()) {
+        co_return stored;
+    }
+    if (stored) {
+        m_task.done(flow.job);
+    } else if (stored.error().kind == ErrorKind::Truncated) {
+        co_return stored;
+    } else {
+        m_task.refused(session, flow.job, stored.error());
+    }
+    co_return Status {};
+}
+
+Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &file)
+{
+    Job &job = flow.job;
+    m_task.moved(job, -job.counted); // an earlier try counts no more
+    std::int64_t last = 0;
+    ProgressMeter meter([&](std::int64_t bytes) {
+        m_task.moved(job, bytes - last);
+        last = bytes;
+    });
+    SideTask sending(session.executor(),
+                     sendFile(session, *flow.data, file, 0, m_task.type(), meter));
+    auto answer = co_await session.dialogue().reply();
+    const bool begins = answer && answer->preliminary();
+    if (!begins) {
+        flow.data->abort();
+    }
+    Status sent = co_await sending.join();
+    meter.finish();
+    if (!answer) {
+        session.markBroken();
+        co_return tl::unexpected(answer.error());
+    }
+    if (!begins) {
+        if (answer->done()) {
+            session.markBroken(); // a transfer that ended before it began: out of step
+            co_return fail(ErrorKind::Protocol, "The server ended a transfer before it began");
+        }
+        co_return refusal(*answer);
+    }
+    co_return co_await finishTransfer(session, *flow.data, sent, session.timeout());
+}
+
+Awaitable<Status> Storer::verify(Session &session, OutgoingFile &file,
+                                 std::vector<std::string> checks, bool checksSent, Status stored)
+{
+    std::vector<Reply> replies;
+    if (!checksSent && stored) {
+        auto answers = co_await session.askAll(checks);
+        if (!answers) {
+            co_return tl::unexpected(answers.error());
+        }
+        replies = std::move(*answers);
+    }
+    while (checksSent && replies.size() < checks.size()) {
+        auto reply = co_await session.dialogue().finalReply();
+        if (!reply) {
+            session.markBroken();
+            co_return tl::unexpected(reply.error());
+        }
+        replies.push_back(std::move(*reply));
+    }
+    co_return stored ? takeChecks(session, checks, replies, file) : stored;
+}
+
+/// Where an upload that broke off may go on: more than was sent is an older file and replaced.
+Awaitable<Result<std::int64_t>> Storer::resumeOffset(Session &session, const Job &job)
+{
+    if (m_task.type() != Type::Binary || job.counted <= 0) {
+        co_return 0;
+    }
+    auto size = co_await session.ask("SIZE " + job.remotePath());
+    if (!size) {
+        co_return tl::unexpected(size.error());
+    }
+    const std::int64_t have
+        = size->code == 213 ? std::strtoll(std::string(size->message()).c_str(), nullptr, 10) : 0;
+    co_return have <= job.counted ? have : 0;
+}
+
+Awaitable<Status> Storer::again(Session &session, Job &job)
+{
+    PutRequest request;
+    request.localPath = job.localPath();
+    request.remotePath = job.remotePath();
+    request.type = m_task.type();
+    auto offset = co_await resumeOffset(session, job);
+    if (!offset) {
+        co_return tl::unexpected(offset.error());
+    }
+    request.offset = *offset;
+    m_task.moved(job, request.offset - job.counted);
+    std::int64_t last = 0;
+    request.progress = [&](std::int64_t bytes) {
+        m_task.moved(job, bytes - last);
+        last = bytes;
+    };
+    auto put = co_await store(session, request);
+    if (put) {
+        m_task.done(job);
+    } else if (session.usable()) {
+        m_task.refused(session, job, put.error());
+    } else {
+        co_return tl::unexpected(put.error());
+    }
+    co_return Status {};
+}
+
+} // namespace ftp

@@ -1,0 +1,33 @@
+#include "ftp/tree_task.h"
+
+namespace ftp {
+namespace {
+
+constexpr int mostTries = 3;
+
+} // namespace
+
+std::shared_ptr<FolderPair> TreeTask::top(const std::string &remote, std::string local)
+{
+    auto pair = std::make_shared<FolderPair>();
+    pair->remote = client().encode(remote);
+    pair->local = std::move(local);
+    while (pair->remote.size() > 1 && pair->remote.back() == '/') {
+        pair->remote.pop_back();
+    }
+    if (!pair->remote.starts_with('/')) {
+        pair->remote = joinPath(client().session().folder(), pair->remote);
+    }
+    return pair;
+}
+
+void TreeTask::brokeOff(Session &session, Job job, const Error &error)
+{
+    if (++job.tries >= mostTries || error.kind == ErrorKind::Aborted) {
+        refused(session, std::move(job), error);
+    } else {
+        putBack(std::move(job));
+    }
+}
+
+} // namespace ftp
