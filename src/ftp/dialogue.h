@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace ftp {
 
@@ -36,6 +37,11 @@ public:
     void setLimit(Milliseconds limit) { m_limit = limit; }
     /// Replies are not reported while muted (probes whose refusal means nothing to the user).
     void setMuted(bool muted) { m_muted = muted; }
+    /// Lets another one hear the replies. @return who did before
+    [[nodiscard]] Listener exchangeListener(Listener listener)
+    {
+        return std::exchange(m_listener, std::move(listener));
+    }
 
 private:
     ControlLine &m_line;

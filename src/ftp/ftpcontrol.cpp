@@ -3,6 +3,7 @@
 #include "ftp/engine_thread.h"
 #include "ftp/ftpbridge.h"
 #include "ftp/ftpconvert.h"
+#include "ftp/ftpfilelist.h"
 #include "ftp/ftplocalnames.h"
 #include "ftp/tree.h"
 
@@ -56,7 +57,11 @@ struct FtpControl::Private {
     /// Runs an operation on the engine's thread while this one keeps handling events.
     template <class T, class Work> FtpResult<T> run(int code, Work work);
     FtpStatus simple(int code, std::function<Awaitable<ftp::Status>(Client &)> work);
-    void tellReason(int code, const ftp::Error &error);
+    void tellReason(int code, const FtpError &error);
+    using MoveFiles
+        = Awaitable<void> (*)(Client &, std::vector<ftp::FilePair>, ftp::Type, ftp::FileReports);
+    FtpStatus moveFiles(int code, MoveFiles move, const QList<FtpFile> &files,
+                        const FtpFileDone &done);
     template <class T> void finish(const std::shared_ptr<Client> &used, const Outcome<T> &outcome);
     void setState(int value);
     void lost(const Client *which);
@@ -121,7 +126,7 @@ template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, W
     }
     auto &result = waiting->outcome->result;
     if (!result) {
-        tellReason(code, result.error());
+        tellReason(code, ftpError(result.error()));
     }
     finish(used, *waiting->outcome);
     if (!result) {
@@ -136,13 +141,33 @@ template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, W
 
 /// A failure that no reply of the server has told about: the log shall say why. The callers of
 /// connect and logout explain their failures themselves, and who aborts knows.
-void FtpControl::Private::tellReason(int code, const ftp::Error &error)
+void FtpControl::Private::tellReason(int code, const FtpError &error)
 {
     if (error.replyCode == 0 && error.kind != ErrorKind::Aborted && code != OpConnect
         && code != OpLogout) {
-        Q_EMIT q->replyEvent({ code, FtpEvent::Failed,
-                               ftpError(error).text + QStringLiteral("\r\n"), 0, 0, error.kind });
+        Q_EMIT q->replyEvent(
+            { code, FtpEvent::Failed, error.text + QStringLiteral("\r\n"), 0, 0, error.kind });
     }
+}
+
+FtpStatus FtpControl::Private::moveFiles(int code, MoveFiles move, const QList<FtpFile> &files,
+                                         const FtpFileDone &done)
+{
+    const auto list = std::make_shared<FtpFileList>(
+        bridge, code, [this](const FtpEvent &event) { Q_EMIT q->replyEvent(event); },
+        [this, code, &done](qsizetype file, const FtpStatus &outcome) {
+            if (!outcome) {
+                tellReason(code, outcome.error());
+            }
+            done(file, outcome);
+        });
+    const auto over = qScopeGuard([list] { list->close(); });
+    auto work = [move, list, pairs = enginePairs(files),
+                 type = engineType(transferType)](Client &used) -> Awaitable<ftp::Status> {
+        co_await move(used, pairs, type, list->reports());
+        co_return ftp::Status {};
+    };
+    return simple(code, std::move(work));
 }
 
 template <class T>
@@ -331,6 +356,16 @@ FtpStatus FtpControl::putFile(const QString &localPath, const QString &remotePat
     }
     offset = *used;
     return {};
+}
+
+FtpStatus FtpControl::getFiles(const QList<FtpFile> &files, const FtpFileDone &done)
+{
+    return d->moveFiles(OpGetFile, ftp::getFiles, files, done);
+}
+
+FtpStatus FtpControl::putFiles(const QList<FtpFile> &files, const FtpFileDone &done)
+{
+    return d->moveFiles(OpPutFile, ftp::putFiles, files, done);
 }
 
 FtpStatus FtpControl::getMultiple(const QString &pattern, const QString &localFolder)

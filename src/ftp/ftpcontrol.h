@@ -74,6 +74,8 @@ public:
     FtpStatus getFile(const QString &remotePath, const QString &localPath, qint64 &offset) override;
     /// Stores a file from a restart offset (only with StoreContinue).
     FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset) override;
+    FtpStatus getFiles(const QList<FtpFile> &files, const FtpFileDone &done) override;
+    FtpStatus putFiles(const QList<FtpFile> &files, const FtpFileDone &done) override;
     /// Fetches a folder tree. @param pattern  remote folder + "/*", perhaps in double quotes.
     FtpStatus getMultiple(const QString &pattern, const QString &localFolder) override;
     /// Stores a folder tree. @param pattern  local folder + "/*", perhaps in double quotes.

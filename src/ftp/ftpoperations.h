@@ -2,6 +2,16 @@
 
 #include "ftp/ftptypes.h"
 
+#include <functional>
+
+/// One file of a list.
+struct FtpFile {
+    QString remotePath, localPath;
+};
+
+/// Told the outcome of one file of a list, as soon as those of all earlier ones were told.
+using FtpFileDone = std::function<void(qsizetype file, const FtpStatus &outcome)>;
+
 /// What panes, transfers and file operations ask of the session; FtpControl is the real one. The
 /// calls block their caller as FtpControl's do: events arrive and clicks run during a call.
 class FtpOperations {
@@ -32,6 +42,13 @@ public:
         = 0;
     virtual FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
         = 0;
+    /// Whole files, existing ones being replaced, over as many sessions as a folder. Events and
+    /// outcomes come in the list's order, file by file; byte counts are those of the first file
+    /// whose outcome is still open. After a lost connection or an abort, files that were never
+    /// begun have no outcome.
+    /// @return why the list could not begin; failures of files are told by done alone
+    virtual FtpStatus getFiles(const QList<FtpFile> &files, const FtpFileDone &done) = 0;
+    virtual FtpStatus putFiles(const QList<FtpFile> &files, const FtpFileDone &done) = 0;
     virtual FtpStatus getMultiple(const QString &pattern, const QString &localFolder) = 0;
     virtual FtpStatus putMultiple(const QString &pattern, const QString &remoteFolder) = 0;
 

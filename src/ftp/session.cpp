@@ -20,6 +20,14 @@ bool knownToStumble(const std::string &greeting)
                        [&](const char *name) { return greeting.find(name) != std::string::npos; });
 }
 
+/// Servers known to take no command before the transfer at hand has ended.
+bool knownToKeepOrder(const std::string &greeting)
+{
+    static constexpr std::array names { "vsFTPd", "ProFTPD", "Pure-FTPd" };
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char *name) { return greeting.find(name) != std::string::npos; });
+}
+
 } // namespace
 
 std::string cleanHost(std::string host)
@@ -118,6 +126,7 @@ Awaitable<Status> Session::openOnce()
     if (knownToStumble(m_greeting)) {
         m_knowledge->noPipelining = true;
     }
+    m_knowledge->keepsOrder = knownToKeepOrder(m_greeting);
     if (m_greeting.find("pyftpdlib") != std::string::npos) {
         m_knowledge->noLookAhead = true;
     }

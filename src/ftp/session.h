@@ -56,6 +56,7 @@ struct ServerKnowledge {
     bool noPipelining = false; ///< stumbled over several commands at a time, or is known to
     /// Carries out commands while a transfer still runs, so that none may be sent ahead of its end.
     bool noLookAhead = false;
+    bool keepsOrder = false; ///< is known to carry out commands in order, also during transfers
     bool noExtendedPassive = false, noPassive = false;
     bool noSize = false, noModificationTime = false, noSetTime = false;
     bool plainListOnly = false; ///< "LIST -a" was refused or gave nothing

@@ -104,12 +104,12 @@ void FaultServer::Private::record(Command command)
     changed.notify_all();
 }
 
-std::optional<Rule> FaultServer::Private::ruleFor(const std::string &verb,
+std::optional<Rule> FaultServer::Private::ruleFor(int session, const std::string &verb,
                                                   const std::string &argument)
 {
     const std::scoped_lock lock(mutex);
     for (Rule &rule : rules) {
-        if ((rule.verb != "*" && rule.verb != verb) || rule.times == 0
+        if ((rule.verb != "*" && rule.verb != verb) || rule.times == 0 || session < rule.fromSession
             || fnmatch(rule.argument.c_str(), argument.c_str(), 0) != 0) {
             continue;
         }

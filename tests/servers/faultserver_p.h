@@ -55,7 +55,7 @@ struct FaultServer::Private {
     [[nodiscard]] int openSessions() const;
     void record(Command command);
     /// The rule for a command, counted as used.
-    std::optional<Rule> ruleFor(const std::string &verb, const std::string &argument);
+    std::optional<Rule> ruleFor(int session, const std::string &verb, const std::string &argument);
     /// The context of the certificate that holds now; sessions can be taken up within one context.
     TlsContext currentContext();
     /// Whether this transfer is one of the faulty ones; counts it.

@@ -122,7 +122,7 @@ bool FaultSession::mayRun(const std::string &verb)
 
 bool FaultSession::obeyRule(const std::string &verb, const std::string &argument)
 {
-    const std::optional<Rule> rule = m_server.ruleFor(verb, argument);
+    const std::optional<Rule> rule = m_server.ruleFor(m_number, verb, argument);
     if (!rule) {
         return false;
     }

@@ -207,6 +207,39 @@ FtpStatus FakeFtp::putFile(const QString &localPath, const QString &remotePath, 
     });
 }
 
+template <class Move>
+FtpStatus FakeFtp::runList(const QList<FtpFile> &files, const FtpFileDone &done, Move move)
+{
+    if (connectionState != Connected) {
+        return tl::unexpected(FtpError { ftp::ErrorKind::NotConnected, 0, u"Not connected"_s });
+    }
+    ++lists;
+    for (qsizetype at = 0; at < files.size() && connectionState == Connected; ++at) {
+        const FtpStatus outcome = move(files.at(at));
+        done(at, outcome);
+        if (!outcome && outcome.error().kind == ftp::ErrorKind::LocalDiskFull) {
+            break;
+        }
+    }
+    return {};
+}
+
+FtpStatus FakeFtp::getFiles(const QList<FtpFile> &files, const FtpFileDone &done)
+{
+    return runList(files, done, [this](const FtpFile &file) {
+        qint64 offset = 0;
+        return getFile(file.remotePath, file.localPath, offset);
+    });
+}
+
+FtpStatus FakeFtp::putFiles(const QList<FtpFile> &files, const FtpFileDone &done)
+{
+    return runList(files, done, [this](const FtpFile &file) {
+        qint64 offset = 0;
+        return putFile(file.localPath, file.remotePath, offset);
+    });
+}
+
 FtpStatus FakeFtp::getMultiple(const QString &pattern, const QString &localFolder)
 {
     return run(OpGetMultiple, u"MGET "_s + pattern + u" "_s + localFolder,

@@ -30,6 +30,8 @@ public:
         return nodes.value(path).content;
     }
 
+    int lists = 0; ///< calls of getFiles and putFiles
+
     /// The commands so far: "GET remote local @offset", "PUT local remote @offset mode",
     /// "MGET pattern local", "MPUT pattern remote", "CWD", "LIST", "MKD", "RMD", "DELE", "RMTREE",
     /// "RENAME old new", "RAW command". TYPE stands in front of transfers as "[type]".
@@ -88,6 +90,9 @@ public:
     [[nodiscard]] const RemoteListing &listing() const override { return m_listing; }
     FtpStatus getFile(const QString &remotePath, const QString &localPath, qint64 &offset) override;
     FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset) override;
+    /// One "GET" or "PUT" after the other.
+    FtpStatus getFiles(const QList<FtpFile> &files, const FtpFileDone &done) override;
+    FtpStatus putFiles(const QList<FtpFile> &files, const FtpFileDone &done) override;
     FtpStatus getMultiple(const QString &pattern, const QString &localFolder) override;
     FtpStatus putMultiple(const QString &pattern, const QString &remoteFolder) override;
     FtpStatus makeFolder(const QString &name) override;
@@ -101,6 +106,8 @@ private:
     [[nodiscard]] std::optional<FtpError> answer(const QString &command);
     using Work = std::function<std::optional<FtpError>()>;
     FtpStatus run(int operation, const QString &command, const Work &work);
+    template <class Move>
+    FtpStatus runList(const QList<FtpFile> &files, const FtpFileDone &done, Move move);
     [[nodiscard]] QString absolute(const QString &path) const;
     [[nodiscard]] QStringList below(const QString &folder) const;
     void reply(int operation, int status, const QString &text) const;
