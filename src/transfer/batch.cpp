@@ -12,16 +12,23 @@ Batch::Batch(const TransferTools &tools)
 {
 }
 
-void Batch::run(Pane &source, const std::function<void(int)> &one)
+void Batch::run(Pane &source, const std::function<void()> &prepare,
+                const std::function<int(int)> &some)
 {
     begin();
     const auto restore = qScopeGuard([this] { end(); });
-    for (int slot = 1; slot < m_items.MarkedCount; ++slot) {
+    if (prepare && behindLast() > 1 && goesOn()) {
+        prepare();
+    }
+    for (int slot = 1; slot < behindLast();) {
+        int next = slot + 1;
         if (!item(slot).folder.isEmpty() && goesOn()) {
             m_tools.work.shell.SetToolbarsEnabled(false);
-            one(slot);
+            next = some(slot);
         }
-        unmark(source, item(slot));
+        for (; slot < next; ++slot) {
+            unmark(source, item(slot));
+        }
     }
 }
 

@@ -11,10 +11,15 @@ class Batch {
 public:
     explicit Batch(const TransferTools &tools);
 
-    /// Runs the marked items one after the other. The row mark of every item in the source pane is
-    /// cleared; after an abort, a lost connection or stop() no further item begins.
-    /// @param one  gets the slot of the item
-    void run(Pane &source, const std::function<void(int record)> &one);
+    /// Runs the marked items in order. The row mark of every item in the source pane is cleared;
+    /// after an abort, a lost connection or stop() no further item begins.
+    /// @param prepare  called once before the first item; may be empty
+    /// @param some     carries out the items from a slot on, as many as it likes; returns the slot
+    ///                 behind them
+    void run(Pane &source, const std::function<void()> &prepare,
+             const std::function<int(int record)> &some);
+    /// Slot behind the last item.
+    [[nodiscard]] int behindLast() const { return m_items.MarkedCount; }
     [[nodiscard]] const MarkedItem &item(int record) const
     {
         return m_items.MarkedItems.at(record);

@@ -1,8 +1,13 @@
 #include "transfer/decisions.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// Looking at more files at a time would be felt in the window.
+constexpr int LongestRun = 1000;
 
 /// Size of the file that would be overwritten; the resume offset later on.
 qint64 &targetSize(TransferState &state)
@@ -85,6 +90,31 @@ void applyOverwrite(TransferState &state)
     if (state.OverwriteChosen && !state.SkipCurrent) {
         targetSize(state) = 0;
     }
+}
+
+bool startsWithoutQuestion(TransferState state)
+{
+    if (state.SkipCurrent) {
+        return false;
+    }
+    if (!fileConflict(state)) {
+        return true;
+    }
+    if (asksForFile(state)) {
+        return false;
+    }
+    decideAgain(state);
+    return targetSize(state) == 0;
+}
+
+int endOfRun(int first, int behindLast, const std::function<bool(int)> &plain)
+{
+    const int limit = std::min(behindLast, first + LongestRun);
+    int end = first;
+    while (end < limit && plain(end)) {
+        ++end;
+    }
+    return std::max(end, first + 1);
 }
 
 void FinishTransferItem(TransferState &state)

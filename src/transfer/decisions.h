@@ -3,6 +3,8 @@
 #include "common/globals.h"
 #include "transfer/conflict.h"
 
+#include <functional>
+
 /// Captions, message and whether resuming is offered.
 [[nodiscard]] ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport);
 /// What frmTransfer's load does to the flags: leaving it by its frame skips the item.
@@ -20,6 +22,12 @@ void applyReply(TransferState &state, const ConflictReply &reply);
 void decideAgain(TransferState &state);
 /// After the dialog: an overwritten target starts at 0.
 void applyOverwrite(TransferState &state);
+
+/// Whether a file starts at 0 without anybody being asked. @param state  sizes as measured
+[[nodiscard]] bool startsWithoutQuestion(TransferState state);
+/// Splits a batch into runs: the slot behind the items from first on that go in one call, at least
+/// first + 1. @param plain  whether an item needs neither question nor offset
+[[nodiscard]] int endOfRun(int first, int behindLast, const std::function<bool(int slot)> &plain);
 
 /// End of every item: the skip stays in force only with "Alle".
 void FinishTransferItem(TransferState &state);

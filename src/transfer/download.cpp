@@ -6,119 +6,55 @@
 #include "transfer/decisions.h"
 #include "transfer/refusals.h"
 
-#include <QScopeGuard>
-
 using namespace Qt::StringLiterals;
 
 void Download::DownloadSelection(const QString &target)
 {
-    m_batch.run(m_tools.work.remote, [&](int slot) {
-        m_state.IsUpload = false;
-        // Intended: a link is fetched like a folder, since it may point to one.
-        if (ItemKind::isFolderLike(m_batch.item(slot).kind)) {
-            DownloadFolder(target, slot);
-        } else {
-            DownloadFile(target, slot);
-        }
-    });
+    m_target = withSeparator(target, LocalSeparator);
+    runItems(m_tools.work.remote);
     m_tools.work.local.listFolder(target);
     m_tools.work.local.setFolderText(target);
     m_tools.work.local.clearSelection();
 }
 
-void Download::fill(const QString &target, const MarkedItem &item)
-{
-    m_state.RemoteDir = withSeparator(item.folder, u'/');
-    m_state.RemoteName = item.name;
-    m_state.RemoteSize = lenientInteger(item.sizeText);
-    m_state.LocalDir = withSeparator(target, LocalSeparator);
-    m_state.LocalName = item.name;
-    m_state.LocalSize = 0;
-}
-
 void Download::DownloadFile(const QString &target, int record)
 {
-    const MarkedItem item = m_batch.item(record);
-    fill(target, item);
-    const auto finished = qScopeGuard([this] {
-        m_tools.progress.setValue(0);
-        FinishTransferItem(m_state);
-    });
-    if (m_state.SkipCurrent) {
-        return;
-    }
-    auto refusal = refuseName(item.name);
-    refusal = refusal ? refusal : refuseSpecial(localPath());
-    if (refusal) {
-        m_tools.work.shell.AppendLog(refusal->text + u"\r\n"_s);
-        this->record(item.sizeText, refusal, {});
-        return;
-    }
-    m_state.LocalSize = localEntry(localPath()).size;
-    askAboutFile();
-    m_tools.progress.setMaximumFor(m_state.RemoteSize);
-    m_tools.progress.setValue(m_state.LocalSize);
-    if (m_state.SkipCurrent) {
-        return;
-    }
-    m_batch.announce(u"Datei: "_s + item.name, item.sizeText);
-    const auto failure = getFile();
-    // Intended: the row says "Download" even when nothing came; icon and tool tip tell.
-    this->record(item.sizeText, failure,
-                 QString::number(localEntry(localPath()).size) + u" Bytes"_s);
-}
-
-void Download::askAboutFile()
-{
-    if (!fileConflict(m_state)) {
-        return;
-    }
-    if (!asksForFile(m_state)) {
-        decideAgain(m_state);
-        return;
-    }
-    askConflict(m_tools.work, m_tools.dialogs);
-    applyOverwrite(m_state);
-    if (m_state.RenameChosen) {
-        askConflict(m_tools.work, m_tools.dialogs);
-        applyOverwrite(m_state);
-    }
-}
-
-std::optional<FtpError> Download::getFile()
-{
-    return errorOf(m_tools.work.ftp.getFile(remotePath(), localPath(), m_state.LocalSize));
+    m_target = withSeparator(target, LocalSeparator);
+    runFile(record);
 }
 
 void Download::DownloadFolder(const QString &target, int record)
 {
-    const MarkedItem item = m_batch.item(record);
-    fill(target, item);
-    m_state.RemoteSize = 0; // folders have no size of their own
-    const auto finished = qScopeGuard([this] {
-        m_tools.progress.setValue(0);
-        FinishTransferItem(m_state);
-    });
-    if (m_state.SkipCurrent) {
-        return;
-    }
-    if (const auto refusal = refuseName(item.name)) {
-        m_tools.work.shell.AppendLog(refusal->text + u"\r\n"_s);
-        this->record({}, refusal, {});
-        return;
-    }
-    if (localEntry(localPath()).isFolder && asksForFolder(m_state)) {
-        askConflict(m_tools.work, m_tools.dialogs);
-    }
-    m_tools.progress.setValue(0);
-    if (m_state.SkipCurrent) {
-        return;
-    }
-    m_batch.announce(u"Ordner: "_s + item.name, {});
-    this->record({}, getFolder(), {});
+    m_target = withSeparator(target, LocalSeparator);
+    runFolder(record);
 }
 
-std::optional<FtpError> Download::getFolder()
+void Download::fill(const MarkedItem &item)
+{
+    m_state.RemoteDir = withSeparator(item.folder, u'/');
+    m_state.RemoteName = item.name;
+    m_state.RemoteSize = lenientInteger(item.sizeText);
+    m_state.LocalDir = m_target;
+    m_state.LocalName = item.name;
+    m_state.LocalSize = 0;
+}
+
+std::optional<FtpError> Download::refusal(const MarkedItem &item) const
+{
+    const auto name = refuseName(item.name);
+    return name || ItemKind::isFolderLike(item.kind) ? name : refuseSpecial(localPath());
+}
+
+qint64 Download::existingSize() const { return localEntry(localPath()).size; }
+
+bool Download::folderExists() const { return localEntry(localPath()).isFolder; }
+
+std::optional<FtpError> Download::moveFile()
+{
+    return errorOf(m_tools.work.ftp.getFile(remotePath(), localPath(), m_state.LocalSize));
+}
+
+std::optional<FtpError> Download::moveFolder()
 {
     // A rename may just have moved the folder away; a failure shows when the first file comes.
     if (!localEntry(localPath()).exists) {
@@ -127,9 +63,22 @@ std::optional<FtpError> Download::getFolder()
     return errorOf(m_tools.work.ftp.getMultiple(multiplePattern(remotePath(), u'/'), localPath()));
 }
 
-void Download::record(const QString &sizeText, const std::optional<FtpError> &failure,
-                      const QString &success)
+FtpStatus Download::moveFiles(const QList<FtpFile> &files, const FtpFileDone &done)
 {
-    m_batch.record({ u"Download"_s, localPath(), sizeText, u"<--"_s, remotePath(), {}, {}, false },
-                   failure, success);
+    return m_tools.work.ftp.getFiles(files, done);
+}
+
+QueueRow Download::row(bool failed) const
+{
+    // Intended: the row says "Download" even when nothing came; icon and tool tip tell.
+    QueueRow made;
+    made.status = u"Download"_s;
+    made.direction = u"<--"_s;
+    made.failed = failed;
+    return made;
+}
+
+QString Download::success() const
+{
+    return QString::number(localEntry(localPath()).size) + u" Bytes"_s;
 }

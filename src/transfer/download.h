@@ -1,14 +1,12 @@
 #pragma once
 
-#include "transfer/batch.h"
+#include "transfer/driver.h"
 
 /// Fetches the marked remote rows (Globals::marked) into a local folder. One object for one batch.
-class Download {
+class Download final : private TransferDriver {
 public:
     explicit Download(const TransferTools &tools)
-        : m_tools(tools)
-        , m_state(tools.work.globals.transfer)
-        , m_batch(tools)
+        : TransferDriver(tools, false)
     {
     }
 
@@ -19,16 +17,18 @@ public:
     void DownloadFolder(const QString &target, int record);
 
 private:
-    void fill(const QString &target, const MarkedItem &item);
-    void askAboutFile();
-    [[nodiscard]] std::optional<FtpError> getFile();
-    [[nodiscard]] std::optional<FtpError> getFolder();
-    void record(const QString &sizeText, const std::optional<FtpError> &failure,
-                const QString &success);
-    [[nodiscard]] QString localPath() const { return m_state.LocalDir + m_state.LocalName; }
-    [[nodiscard]] QString remotePath() const { return m_state.RemoteDir + m_state.RemoteName; }
+    void oneFile(int record) override { DownloadFile(m_target, record); }
+    void oneFolder(int record) override { DownloadFolder(m_target, record); }
+    void fill(const MarkedItem &item) override;
+    [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item) const override;
+    [[nodiscard]] qint64 existingSize() const override;
+    [[nodiscard]] bool folderExists() const override;
+    [[nodiscard]] std::optional<FtpError> moveFile() override;
+    [[nodiscard]] std::optional<FtpError> moveFolder() override;
+    [[nodiscard]] FtpStatus moveFiles(const QList<FtpFile> &files,
+                                      const FtpFileDone &done) override;
+    [[nodiscard]] QueueRow row(bool failed) const override;
+    [[nodiscard]] QString success() const override;
 
-    TransferTools m_tools;
-    TransferState &m_state;
-    Batch m_batch;
+    QString m_target; ///< local folder of the batch, ends in the separator
 };

@@ -1,37 +1,37 @@
 #pragma once
 
-#include "transfer/batch.h"
+#include "transfer/driver.h"
 
 /// Stores the marked local rows (Globals::marked) in a remote folder. One object for one batch.
-class Upload {
+class Upload final : private TransferDriver {
 public:
     explicit Upload(const TransferTools &tools)
-        : m_tools(tools)
-        , m_state(tools.work.globals.transfer)
-        , m_batch(tools)
+        : TransferDriver(tools, true)
     {
     }
 
     /// The whole batch. @param target  remote folder, ends in "/"
     void UploadSelection(const QString &target);
-    /// One record of the batch. @param folder  local folder @param record  slot, from 1
-    void UploadFile(const QString &folder, int record);
-    void UploadFolder(const QString &folder, int record);
+    /// One record of the batch, from its own folder. @param record  slot in the marked items, from
+    /// 1
+    void UploadFile(int record) { runFile(record); }
+    void UploadFolder(int record) { runFolder(record); }
 
 private:
+    void oneFile(int record) override { UploadFile(record); }
+    void oneFolder(int record) override { UploadFolder(record); }
     void enterTarget();
-    void fill(const QString &folder, const MarkedItem &item);
-    void askAboutFile();
-    [[nodiscard]] std::optional<FtpError> putFile();
-    [[nodiscard]] std::optional<FtpError> putFolder();
-    void record(const QString &sizeText, const std::optional<FtpError> &failure,
-                const QString &success);
-    [[nodiscard]] QString localPath() const { return m_state.LocalDir + m_state.LocalName; }
-    [[nodiscard]] QString remotePath() const { return m_state.RemoteDir + m_state.RemoteName; }
+    void fill(const MarkedItem &item) override;
+    [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item) const override;
+    [[nodiscard]] qint64 existingSize() const override;
+    [[nodiscard]] bool folderExists() const override;
+    [[nodiscard]] std::optional<FtpError> moveFile() override;
+    [[nodiscard]] std::optional<FtpError> moveFolder() override;
+    [[nodiscard]] FtpStatus moveFiles(const QList<FtpFile> &files,
+                                      const FtpFileDone &done) override;
+    [[nodiscard]] QueueRow row(bool failed) const override;
+    [[nodiscard]] QString success() const override;
 
-    TransferTools m_tools;
-    TransferState &m_state;
-    Batch m_batch;
     QString m_target; ///< remote folder of the batch, ends in "/"
     std::optional<FtpError> m_unreachable; ///< why the target could not be entered
 };

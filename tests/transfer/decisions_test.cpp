@@ -1,6 +1,8 @@
 #include "transfer/decisions.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -151,6 +153,48 @@ TEST(ConflictDecision, AllOverwritesDownloadsAndRepeatsUploads)
     decideAgain(resumed);
     EXPECT_EQ(resumed.RemoteSize, 0);
     EXPECT_EQ(resumed.LocalSize, 30);
+}
+
+TEST(Runs, OnlyWhatStartsAtZeroWithoutAQuestionBelongsToOne)
+{
+    EXPECT_TRUE(startsWithoutQuestion(conflictOf(false, 0, 30)));
+    EXPECT_TRUE(startsWithoutQuestion(conflictOf(true, 30, 0)));
+    EXPECT_FALSE(startsWithoutQuestion(conflictOf(false, 20, 30)));
+    EXPECT_FALSE(startsWithoutQuestion(conflictOf(true, 30, 20)));
+    TransferState skipped = conflictOf(false, 0, 30);
+    skipped.SkipCurrent = true;
+    EXPECT_FALSE(startsWithoutQuestion(skipped));
+
+    TransferState download = conflictOf(false, 20, 30);
+    TransferState upload = conflictOf(true, 30, 20);
+    download.ApplyToAll = upload.ApplyToAll = 1;
+    EXPECT_TRUE(startsWithoutQuestion(download)) << "\"Alle\" overwrites";
+    EXPECT_FALSE(startsWithoutQuestion(upload)) << "\"Alle\" resumes";
+    upload.OverwriteChosen = true;
+    EXPECT_TRUE(startsWithoutQuestion(upload));
+    upload.RenameChosen = true;
+    EXPECT_FALSE(startsWithoutQuestion(upload)) << "asks again";
+}
+
+TEST(Runs, ReachFromAnItemToTheNextThatIsNotPlain)
+{
+    const auto ends = [](const std::string &items) { // '.' plain, '?' not
+        std::vector<int> result;
+        const int behind = static_cast<int>(items.size());
+        for (int slot = 0; slot < behind;) {
+            slot = endOfRun(slot, behind, [&](int at) {
+                EXPECT_LT(at, behind);
+                return items[static_cast<std::size_t>(at)] == '.';
+            });
+            result.push_back(slot);
+        }
+        return result;
+    };
+    EXPECT_EQ(ends("."), (std::vector { 1 }));
+    EXPECT_EQ(ends("...."), (std::vector { 4 }));
+    EXPECT_EQ(ends("?..?"), (std::vector { 1, 3, 4 }));
+    EXPECT_EQ(ends("..??."), (std::vector { 2, 3, 4, 5 }));
+    EXPECT_EQ(ends(std::string(2500, '.')), (std::vector { 1000, 2000, 2500 }));
 }
 
 TEST(MultiplePattern, IsQuotedAsAWholeWhenThePathHoldsABlank)

@@ -268,6 +268,60 @@ TEST_F(DownloadTest, AFullDiskStopsTheBatchAndIsExplained)
     EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 0 1 1 1"_s));
 }
 
+TEST_F(DownloadTest, FilesThatNeedNoQuestionGoInOneCallAndTheOrderStands)
+{
+    for (const char *name : { "a", "b", "c", "d", "e" }) {
+        ftp.addFile(u"/www/"_s + QString::fromLatin1(name), "neu");
+    }
+    ftp.addFile(u"/www/ordner/x"_s, "neu");
+    writeLocal(u"c"_s, "alt");
+    dialogs.steps = { { ConflictAnswer::Overwrite, false, {} } };
+    showBoth();
+    remote.selectAll();
+    commands.cmd_download_Click();
+    EXPECT_EQ(ftp.lists, 2) << "a and b, then the question about c, then d and e";
+    QStringList names;
+    for (const QueueRow &row : shell.queue) {
+        names.append(row.local.section(u'/', -1));
+    }
+    EXPECT_EQ(names, (QStringList { u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s, u"ordner"_s }));
+    EXPECT_EQ(readLocal(u"c"_s), "neu");
+}
+
+TEST_F(DownloadTest, EveryFileOfARunHasItsLabelsItsBarAndItsMark)
+{
+    ftp.addFile(u"/www/a"_s, QByteArray(100, 'x'));
+    ftp.addFile(u"/www/b"_s, QByteArray(7000, 'x'));
+    QStringList marked;
+    QList<qint64> maxima;
+    ftp.during = [&](const QString &) {
+        marked.append(remote.markedNames().join(u','));
+        maxima.append(progress.maximum());
+    };
+    download({ u"a"_s, u"b"_s });
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s).mid(0, 4),
+              (QStringList { u"ShowTransferItem Datei: a|100"_s, u"ShowTransferItem |"_s,
+                             u"ShowTransferItem Datei: b|7000"_s, u"ShowTransferItem |"_s }));
+    EXPECT_EQ(maxima, (QList<qint64> { 100, 7000 }));
+    EXPECT_EQ(marked.value(0), u"a,b"_s);
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+    EXPECT_EQ(shell.queue.value(1).size, u"7000"_s);
+}
+
+TEST_F(DownloadTest, AConflictThatARenameMadeIsSeen)
+{
+    ftp.addFile(u"/www/a"_s, "neu");
+    ftp.addFile(u"/www/b"_s, "neu");
+    ftp.addFile(u"/www/c"_s, "neu");
+    writeLocal(u"a"_s, "alt");
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"b"_s },
+                      { ConflictAnswer::Overwrite, false, {} },
+                      { ConflictAnswer::Skip, false, {} } };
+    download({ u"a"_s, u"b"_s, u"c"_s });
+    EXPECT_EQ(readLocal(u"b"_s), "alt") << "overwritten without a question";
+    EXPECT_EQ(readLocal(u"c"_s), "neu");
+}
+
 TEST_F(DownloadTest, NamesThatLeadElsewhereAreRefusedWithALogLine)
 {
     ftp.addFile(u"/www/a"_s, "x");

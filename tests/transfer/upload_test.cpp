@@ -180,6 +180,36 @@ TEST_F(UploadTest, ARefusedPutSaysSoAndTheBatchGoesOn)
     EXPECT_EQ(ftp.content(u"/www/b"_s), "zwei");
 }
 
+TEST_F(UploadTest, FilesThatNeedNoQuestionGoInOneCallAndTheOrderStands)
+{
+    for (const char *name : { "a", "b", "c", "d", "e" }) {
+        writeLocal(QString::fromLatin1(name), "neuer");
+    }
+    ftp.addFile(u"/www/c"_s, "alt");
+    dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+    upload({ u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s });
+    EXPECT_EQ(ftp.lists, 2);
+    QStringList names;
+    for (const QueueRow &row : shell.queue) {
+        names.append(row.remote.section(u'/', -1));
+    }
+    EXPECT_EQ(names, (QStringList { u"a"_s, u"b"_s, u"d"_s, u"e"_s }));
+    EXPECT_EQ(ftp.content(u"/www/c"_s), "alt");
+    EXPECT_TRUE(local.markedNames().isEmpty());
+}
+
+TEST_F(UploadTest, AResumedFileNeverGoesInARun)
+{
+    for (const char *name : { "a", "b", "c" }) {
+        ftp.addFile(u"/www/"_s + QString::fromLatin1(name), "NEU");
+        writeLocal(QString::fromLatin1(name), "neuer");
+    }
+    dialogs.steps = { { ConflictAnswer::Resume, true, {} } };
+    upload({ u"a"_s, u"b"_s, u"c"_s });
+    EXPECT_EQ(ftp.lists, 0);
+    EXPECT_EQ(ftp.content(u"/www/c"_s), "NEUer");
+}
+
 TEST_F(UploadTest, AFolderIsMadeAndStoredAsATree)
 {
     writeLocal(u"neue bilder/tief/.verborgen"_s, "x");
@@ -193,6 +223,34 @@ TEST_F(UploadTest, AFolderIsMadeAndStoredAsATree)
     EXPECT_EQ(ftp.content(u"/www/neue bilder/tief/.verborgen"_s), "x");
     EXPECT_EQ(shell.queue.value(0).size, QString());
     EXPECT_EQ(shell.queue.value(0).status, u"Upload"_s);
+}
+
+TEST_F(UploadTest, ALinkToAFolderIsSentAsATree)
+{
+    writeLocal(u"woanders/a"_s, "y");
+    ASSERT_TRUE(QFile::link(disk(u"woanders"_s), disk(u"verweis"_s)));
+    upload({ u"verweis"_s });
+    EXPECT_EQ(ftp.commandsOf(u"PUT"_s), QStringList());
+    EXPECT_EQ(ftp.commandsOf(u"MPUT"_s),
+              QStringList { u"MPUT "_s + disk(u"verweis/*"_s) + u" /www/verweis"_s });
+    EXPECT_EQ(shell.queue.value(0).size, QString());
+}
+
+TEST_F(UploadTest, TheStartIsNotedBeforeEveryCall)
+{
+    writeLocal(u"a"_s, "x");
+    writeLocal(u"b"_s, "x");
+    writeLocal(u"ordner/c"_s, "x");
+    int calls = 0;
+    ftp.during = [&](const QString &command) {
+        if (command.contains(u"PUT"_s)) {
+            EXPECT_GT(globals.transfer.TransferStart, 0) << command.toStdString();
+            globals.transfer.TransferStart = 0;
+            ++calls;
+        }
+    };
+    upload({ u"a"_s, u"b"_s, u"ordner"_s });
+    EXPECT_EQ(calls, 3);
 }
 
 TEST_F(UploadTest, AnExistingFolderIsAskedAboutAndNotMadeAgain)

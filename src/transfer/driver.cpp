@@ -1,0 +1,162 @@
+#include "transfer/driver.h"
+
+#include "remote/itemkind.h"
+#include "transfer/decisions.h"
+#include "transfer/refusals.h"
+
+#include <QScopeGuard>
+
+using namespace Qt::StringLiterals;
+
+void TransferDriver::runItems(Pane &source, const std::function<void()> &prepare)
+{
+    m_batch.run(source, prepare, [this](int slot) {
+        m_state.IsUpload = m_upload;
+        const int end
+            = endOfRun(slot, m_batch.behindLast(), [this](int next) { return isPlain(next); });
+        if (end > slot + 1) {
+            runFiles(slot, end);
+            return end;
+        }
+        // Intended: a link is moved like a folder, since it may point to one.
+        if (ItemKind::isFolderLike(m_batch.item(slot).kind)) {
+            oneFolder(slot);
+        } else {
+            oneFile(slot);
+        }
+        return slot + 1;
+    });
+}
+
+/// Whether an item is a file that starts at 0 without a question.
+bool TransferDriver::isPlain(int record)
+{
+    const MarkedItem &item = m_batch.item(record);
+    if (item.folder.isEmpty() || ItemKind::isFolderLike(item.kind)) {
+        return false;
+    }
+    fill(item);
+    if (refusal(item)) {
+        return false;
+    }
+    targetSize() = existingSize();
+    return startsWithoutQuestion(m_state);
+}
+
+void TransferDriver::runFile(int record)
+{
+    const MarkedItem item = m_batch.item(record);
+    fill(item);
+    const auto finished = qScopeGuard([this] { finishItem(); });
+    if (m_state.SkipCurrent || refuse(item, item.sizeText)) {
+        return;
+    }
+    targetSize() = existingSize();
+    askAboutFile();
+    m_tools.progress.setMaximumFor(sourceSize());
+    m_tools.progress.setValue(targetSize());
+    if (m_state.SkipCurrent) {
+        return;
+    }
+    m_batch.announce(u"Datei: "_s + item.name, item.sizeText);
+    const auto failure = moveFile();
+    this->record(item.sizeText, failure, success());
+}
+
+void TransferDriver::runFolder(int record)
+{
+    const MarkedItem item = m_batch.item(record);
+    fill(item);
+    sourceSize() = 0; // folders have no size of their own
+    const auto finished = qScopeGuard([this] { finishItem(); });
+    if (m_state.SkipCurrent || refuse(item, {})) {
+        return;
+    }
+    if (folderExists() && asksForFolder(m_state)) {
+        askConflict(m_tools.work, m_tools.dialogs);
+    }
+    m_tools.progress.setValue(0);
+    if (m_state.SkipCurrent) {
+        return;
+    }
+    m_batch.announce(u"Ordner: "_s + item.name, {});
+    this->record({}, moveFolder(), {});
+}
+
+/// Several files in one call. What is shown is the file whose row comes next; the others may be on
+/// their way already.
+void TransferDriver::runFiles(int first, int end)
+{
+    QList<FtpFile> files;
+    for (int slot = first; slot < end; ++slot) {
+        fill(m_batch.item(slot));
+        files.append({ remotePath(), localPath() });
+    }
+    present(first);
+    const auto told = [&](qsizetype file, const FtpStatus &outcome) {
+        const int slot = first + static_cast<int>(file);
+        record(m_batch.item(slot).sizeText, errorOf(outcome), success());
+        finishItem();
+        if (slot + 1 < end) {
+            present(slot + 1);
+        }
+    };
+    const FtpStatus begun = moveFiles(files, told);
+    if (!begun) {
+        record(m_batch.item(first).sizeText, errorOf(begun), {});
+    }
+    m_tools.work.shell.ShowTransferItem({}, {});
+    finishItem();
+}
+
+void TransferDriver::present(int record)
+{
+    const MarkedItem &item = m_batch.item(record);
+    fill(item);
+    m_tools.progress.setMaximumFor(sourceSize());
+    m_tools.progress.setValue(0);
+    m_batch.announce(u"Datei: "_s + item.name, item.sizeText);
+}
+
+bool TransferDriver::refuse(const MarkedItem &item, const QString &sizeText)
+{
+    const auto why = refusal(item);
+    if (why) {
+        m_tools.work.shell.AppendLog(why->text + u"\r\n"_s);
+        record(sizeText, why, {});
+    }
+    return why.has_value();
+}
+
+void TransferDriver::askAboutFile()
+{
+    if (!fileConflict(m_state)) {
+        return;
+    }
+    if (!asksForFile(m_state)) {
+        decideAgain(m_state);
+        return;
+    }
+    askConflict(m_tools.work, m_tools.dialogs);
+    applyOverwrite(m_state);
+    if (!m_upload && m_state.RenameChosen) {
+        askConflict(m_tools.work, m_tools.dialogs);
+        applyOverwrite(m_state);
+    }
+}
+
+void TransferDriver::finishItem()
+{
+    m_tools.progress.setValue(0);
+    FinishTransferItem(m_state);
+}
+
+void TransferDriver::record(const QString &sizeText, const std::optional<FtpError> &failure,
+                            const QString &success)
+{
+    QueueRow told = row(failure.has_value());
+    told.local = localPath();
+    told.size = sizeText;
+    told.remote = remotePath();
+    m_batch.record(told, failure, success);
+}
