@@ -57,6 +57,8 @@ public:
         m_total += std::min(bytes, std::numeric_limits<std::int64_t>::max() - m_total);
     }
     void addBytes(std::int64_t bytes) { m_meter.add(bytes); }
+    /// Bytes that are known and did not come yet.
+    [[nodiscard]] std::int64_t missing() const { return m_total - m_meter.bytes(); }
     [[nodiscard]] Client &client() { return m_client; }
     [[nodiscard]] bool isFirst(const Session &session) const
     {

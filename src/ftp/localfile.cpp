@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace ftp {
@@ -73,6 +74,15 @@ std::optional<std::int64_t> fileSize(const std::string &path)
         return std::nullopt;
     }
     return status.st_size;
+}
+
+std::optional<std::int64_t> freeSpace(const std::string &folder)
+{
+    struct statvfs status { };
+    if (::statvfs(folder.c_str(), &status) != 0 || status.f_blocks == 0) {
+        return std::nullopt; // some network file systems have nothing to say
+    }
+    return static_cast<std::int64_t>(status.f_bavail) * static_cast<std::int64_t>(status.f_frsize);
 }
 
 IncomingFile::~IncomingFile()

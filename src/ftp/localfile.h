@@ -18,6 +18,9 @@ Status replaceFile(const std::string &path, std::string_view text);
 /// Size of a regular file; nothing when there is none.
 [[nodiscard]] std::optional<std::int64_t> fileSize(const std::string &path);
 
+/// Bytes that a folder's file system still takes from this user; nothing when it does not tell.
+[[nodiscard]] std::optional<std::int64_t> freeSpace(const std::string &folder);
+
 /// A local file that is being fetched.
 ///
 /// A new file is written in place, so that a broken transfer can be resumed. An existing one that

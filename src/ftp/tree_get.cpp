@@ -46,6 +46,7 @@ private:
     void takeEntry(Session &session, const std::shared_ptr<const FolderPair> &folder,
                    const Entry &entry);
     void addFolder(const FolderPair &parent, const std::string &name, const std::string &shown);
+    void checkSpace(const std::string &local);
     void reject(const std::string &note, const char *text)
     {
         m_crew.note(note);
@@ -88,6 +89,22 @@ void TreeGetter::listed(Session &session, const Job &job, const Listing &listing
     for (const Entry &entry : listing.entries) {
         takeEntry(session, job.folder, entry);
     }
+    checkSpace(local);
+}
+
+/// Compares what the listings told so far with the room on the disk, before files fill it up.
+void TreeGetter::checkSpace(const std::string &local)
+{
+    constexpr std::int64_t megabyte = 1024 * 1024;
+    const std::int64_t missing = m_crew.missing();
+    const auto free = freeSpace(local);
+    if (!free || missing <= *free || m_crew.stopped()) {
+        return;
+    }
+    m_crew.note("Der Platz auf dem lokalen Datenträger reicht nicht: Es fehlen noch "
+                + std::to_string(missing / megabyte + 1) + " MB, frei sind nur "
+                + std::to_string(*free / megabyte) + " MB.");
+    m_crew.failed({ ErrorKind::LocalDiskFull, 0, "Not enough space left on the local disk" });
 }
 
 void TreeGetter::addFolder(const FolderPair &parent, const std::string &name,
