@@ -5,6 +5,7 @@
 #include "app/logpanel.h"
 #include "app/startup.h"
 #include "app/transfercolumn.h"
+#include "app/transfernotice.h"
 #include "app/windowmemory.h"
 #include "common/globals.h"
 #include "common/settingsstore.h"
@@ -138,6 +139,7 @@ void frm_tarvelo::buildLayout()
     m_queue = new QueueView(*m_queueModel, m_services.prompts, this);
     ListStyle::apply(*m_queue);
     m_progress = new ProgressPanel(m_features->progress, this);
+    m_notice = new TransferNotice(*this, m_features->progress, m_services.notifier);
     m_layout = std::make_unique<MainLayout>(
         *this, MainLayoutParts { m_local, m_column, m_remote, m_progress, m_queue, m_log });
 }
@@ -285,7 +287,7 @@ void frm_tarvelo::connectSession()
         return frm_zertifikat::ask(certificate, this);
     });
     connect(m_session.get(), &Session::logToBeCleared, m_log, &LogPanel::clear);
-    connect(m_session.get(), &Session::captionChanged, this, &QWidget::setWindowTitle);
+    connect(m_session.get(), &Session::captionChanged, m_notice, &TransferNotice::setCaption);
     connect(m_session.get(), &Session::progress, this, &frm_tarvelo::showProgress);
     connect(m_session.get(), &Session::replied, this,
             [this](const FtpEvent &event) { explainSpaceReply(event, m_services.prompts, *this); });
@@ -458,7 +460,11 @@ void frm_tarvelo::UpdateLocalCommandStates()
     m_localBar.apply(commands);
 }
 
-void frm_tarvelo::AddQueueRow(const QueueRow &row) { m_queue->AddQueueRow(row); }
+void frm_tarvelo::AddQueueRow(const QueueRow &row)
+{
+    m_queue->AddQueueRow(row);
+    m_notice->count(row);
+}
 
 void frm_tarvelo::ShowTransferItem(const QString &text, const QString &sizeText)
 {

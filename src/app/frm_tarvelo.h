@@ -14,6 +14,7 @@ class FtpControl;
 class FilePane;
 class LocalPane;
 class LogPanel;
+class Notifier;
 class QueueModel;
 class QueueView;
 class ProgressPanel;
@@ -23,6 +24,7 @@ class RemotePane;
 class Session;
 class SettingsStore;
 class TransferColumn;
+class TransferNotice;
 struct Globals;
 
 /// What the main window works with; everything outlives it.
@@ -33,6 +35,7 @@ struct WindowServices {
     SettingsStore &store;
     Addresses addresses;
     QString commandLine; ///< as commandLineText() gives it
+    Notifier *notifier = nullptr; ///< for the end of long transfers; may be null
 };
 
 /// The main window: builds its controls, owns what the features share, and forwards.
@@ -124,6 +127,7 @@ private:
     QueueModel *m_queueModel = nullptr;
     QueueView *m_queue = nullptr;
     ProgressPanel *m_progress = nullptr;
+    TransferNotice *m_notice = nullptr;
     std::unique_ptr<MainLayout> m_layout;
     bool m_unwinding = false; ///< the window closes as soon as what runs has come to its end
 };

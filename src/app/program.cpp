@@ -4,6 +4,7 @@
 #include "app/frm_tarvelo.h"
 #include "app/qtsetup.h"
 #include "app/startup.h"
+#include "app/traynotifier.h"
 #include "common/globals.h"
 #include "dialogs/frm_info.h"
 #include "dialogs/helpkeyfilter.h"
@@ -72,8 +73,9 @@ public:
 private:
     void start()
     {
-        m_window = std::make_unique<frm_tarvelo>(WindowServices {
-            m_globals, m_ftp, m_prompts, m_store, m_addresses.addresses, m_commandLine });
+        m_window = std::make_unique<frm_tarvelo>(WindowServices { m_globals, m_ftp, m_prompts,
+                                                                  m_store, m_addresses.addresses,
+                                                                  m_commandLine, &m_notifier });
         m_window->show();
         QApplication::setQuitOnLastWindowClosed(true);
         for (const QString &problem : m_addresses.problems) {
@@ -100,6 +102,7 @@ private:
     QtPrompts m_prompts;
     FtpControl m_ftp;
     HelpKeyFilter m_help;
+    TrayNotifier m_notifier;
     std::unique_ptr<frm_tarvelo> m_window;
 };
 

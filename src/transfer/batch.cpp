@@ -41,6 +41,7 @@ bool Batch::goesOn() const
 void Batch::begin()
 {
     m_tools.work.shell.SetFolderBoxesEnabled(false);
+    m_tools.progress.beginBatch();
     m_tools.work.globals.transfer.ApplyToAll = 0;
     m_tools.work.globals.transfer.SkipCurrent = false;
 }

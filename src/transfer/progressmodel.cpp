@@ -3,11 +3,18 @@
 #include "common/mo_standard.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 constexpr qsizetype LongestItemText = 15;
+}
+
+void ProgressModel::beginBatch()
+{
+    m_inBatch = true;
+    Q_EMIT batchBegan();
 }
 
 void ProgressModel::setMaximumFor(qint64 size)
@@ -29,6 +36,9 @@ void ProgressModel::finish()
     m_value = 0;
     m_rate.clear();
     Q_EMIT changed();
+    if (std::exchange(m_inBatch, false)) {
+        Q_EMIT batchEnded();
+    }
 }
 
 bool ProgressModel::report(const FtpEvent &event, const TransferState &state)

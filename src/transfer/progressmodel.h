@@ -13,6 +13,7 @@ class ProgressModel : public QObject, public ProgressDisplay {
 public:
     using QObject::QObject;
 
+    void beginBatch() override;
     void setMaximumFor(qint64 size) override;
     void setValue(qint64 value) override;
     void finish() override;
@@ -34,11 +35,14 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void batchBegan();
+    void batchEnded();
 
 private:
     void advance(qint64 done);
 
     qint64 m_value = 0;
     qint64 m_maximum = 100;
+    bool m_inBatch = false;
     QString m_rate, m_size, m_file;
 };

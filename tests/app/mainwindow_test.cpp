@@ -77,6 +77,16 @@ TEST_F(MainWindow, HasItsMenus)
     EXPECT_EQ(titles.join(u'|'), QStringLiteral("&Datei|&Befehle|&Einstellungen|&Hilfe"));
 }
 
+TEST_F(MainWindow, TheQueueStartsEmptyAndIsNeverSaved)
+{
+    const auto rows = [this] { return find<QTreeView>("lvwStatus")->model()->rowCount(); };
+    EXPECT_EQ(rows(), 0);
+    window->AddQueueRow(QueueRow());
+    EXPECT_EQ(rows(), 1);
+    open();
+    EXPECT_EQ(rows(), 0);
+}
+
 TEST_F(MainWindow, TheFamiliarKeysStandInTheMenus)
 {
     const std::pair<const char *, const char *> expected[] { { "mnuRename", "F2" },

@@ -163,6 +163,7 @@ protected:
     std::vector<qint64> run(bool upload, std::size_t items, ConflictDialogs &dialogs)
     {
         struct NoDisplay : ProgressDisplay {
+            void beginBatch() override { }
             void setMaximumFor(qint64) override { }
             void setValue(qint64) override { }
             void finish() override { }
