@@ -72,7 +72,7 @@ void Batch::record(QueueRow row, const std::optional<FtpError> &failure, const Q
     row.failed = failure.has_value();
     row.detail = failure ? failure->text : success;
     m_tools.work.shell.AddQueueRow(row);
-    if (failure && failure->kind == ftp::ErrorKind::LocalDiskFull) {
+    if (failure && failure->kind == ftp::ErrorKind::LocalDiskFull && !m_stopped) {
         m_tools.work.shell.AppendLog(
             QStringLiteral("Auf dem lokalen Datenträger ist kein Platz mehr frei. Die Übertragung "
                            "wurde angehalten.\r\n"));
