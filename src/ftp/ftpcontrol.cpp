@@ -1,6 +1,7 @@
 #include "ftp/ftpcontrol.h"
 
 #include "ftp/engine_thread.h"
+#include "ftp/facts.h"
 #include "ftp/ftpbridge.h"
 #include "ftp/ftpconvert.h"
 #include "ftp/ftpfilelist.h"
@@ -36,6 +37,16 @@ std::shared_ptr<Client> ownedByEngine(Client *client)
                     }(std::unique_ptr<Client>(last)),
                     asio::detached);
             } };
+}
+
+std::vector<std::string> bytesOf(const QStringList &texts)
+{
+    std::vector<std::string> result;
+    result.reserve(static_cast<std::size_t>(texts.size()));
+    for (const QString &text : texts) {
+        result.push_back(text.toStdString());
+    }
+    return result;
 }
 
 /// What an operation left behind.
@@ -425,4 +436,58 @@ FtpStatus FtpControl::removeTree(const QString &folder)
     return d->simple(OpRemoveFolder, [path = folder.toStdString()](Client &client) {
         return ftp::removeTree(client, path);
     });
+}
+
+FtpStatus FtpControl::removeFiles(const QStringList &paths, const FtpFileDone &done)
+{
+    // Reports may come late when the program ends in the middle; then nobody listens any more.
+    const auto listener = std::make_shared<FtpFileDone>(done);
+    const auto deaf = qScopeGuard([listener] { *listener = {}; });
+    const ftp::FileDone report
+        = [listener, to = d->bridge](std::size_t index, const ftp::Status &removed) {
+              const FtpStatus told = removed
+                  ? FtpStatus()
+                  : FtpStatus(tl::unexpected<FtpError>(ftpError(removed.error())));
+              to->post([listener, index, told] {
+                  if (*listener) {
+                      (*listener)(static_cast<int>(index), told);
+                  }
+              });
+          };
+    return d->simple(OpDelete, [names = bytesOf(paths), report](Client &client) {
+        return ftp::removeFiles(client, names, report);
+    });
+}
+
+FtpResult<FtpFolderContent>
+FtpControl::countInside(const QStringList &folders,
+                        const std::shared_ptr<const std::atomic_bool> &stop)
+{
+    const auto counted
+        = d->run<ftp::FolderContent>(OpList, [names = bytesOf(folders), stop](Client &client) {
+              return ftp::countInside(client, names, stop);
+          });
+    if (!counted) {
+        return tl::unexpected<FtpError>(counted.error());
+    }
+    return FtpFolderContent { counted->files, counted->folders, counted->complete };
+}
+
+FtpStatus FtpControl::changeModesInside(const QString &folder, int files, int folders)
+{
+    return d->simple(OpRawCommand, [path = folder.toStdString(), files, folders](Client &client) {
+        return ftp::changeModesInside(client, path, { files, folders });
+    });
+}
+
+FtpResult<FtpFileFacts> FtpControl::fileFacts(const QString &path)
+{
+    const auto facts
+        = d->run<ftp::FileFacts>(OpRawCommand, [name = path.toStdString()](Client &client) {
+              return ftp::fileFacts(client, name);
+          });
+    if (!facts) {
+        return tl::unexpected<FtpError>(facts.error());
+    }
+    return FtpFileFacts { facts->size, facts->time };
 }

@@ -91,6 +91,12 @@ public:
     /// Removes a remote folder and everything in it; links inside are left alone, and then the
     /// folder that holds them stands and the call fails.
     FtpStatus removeTree(const QString &folder) override;
+    FtpStatus removeFiles(const QStringList &paths, const FtpFileDone &done) override;
+    FtpResult<FtpFolderContent>
+    countInside(const QStringList &folders,
+                const std::shared_ptr<const std::atomic_bool> &stop) override;
+    FtpStatus changeModesInside(const QString &folder, int files, int folders) override;
+    FtpResult<FtpFileFacts> fileFacts(const QString &path) override;
 
 Q_SIGNALS:
     void stateChanged(int state);

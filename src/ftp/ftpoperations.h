@@ -2,7 +2,10 @@
 
 #include "ftp/ftptypes.h"
 
+#include <QStringList>
+#include <atomic>
 #include <functional>
+#include <memory>
 
 /// One file of a list.
 struct FtpFile {
@@ -58,6 +61,21 @@ public:
     virtual FtpStatus rename(const QString &oldName, const QString &newName) = 0;
     virtual FtpStatus sendRaw(const QString &command) = 0;
     virtual FtpStatus removeTree(const QString &folder) = 0;
+    /// Deletes single files, many in one round trip.
+    /// @param done  called in their order, on the caller's thread and before the call returns, for
+    ///              every file that was tried
+    virtual FtpStatus removeFiles(const QStringList &paths, const FtpFileDone &done) = 0;
+
+    /// Counts what stands inside folders; links are not followed.
+    /// @param stop  ends the counting soon when it becomes true
+    virtual FtpResult<FtpFolderContent>
+    countInside(const QStringList &folders, const std::shared_ptr<const std::atomic_bool> &stop)
+        = 0;
+    /// Sets the permissions of everything inside a folder; links are left alone.
+    /// @param files, folders  modes as octal digits written as a decimal number (755)
+    virtual FtpStatus changeModesInside(const QString &folder, int files, int folders) = 0;
+    /// What the server says about a file, as far as it does.
+    virtual FtpResult<FtpFileFacts> fileFacts(const QString &path) = 0;
 };
 
 /// Whether a command may start: a session stands and nothing runs. Commands that may not start do

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QMetaType>
 #include <QString>
+#include <functional>
+#include <optional>
 
 /// Transfer types as the program codes them in memory and in the settings.
 enum FtpTransferType { TypeAscii = 0, TypeBinary = 1, TypeEbcdic = 2 };
@@ -81,4 +83,18 @@ struct RemoteListing {
     QList<ListingEntry> entries;
     int format = Uninterpretable; ///< Uninterpretable: the text could not be read
     QString rawText; ///< the listing as received
+};
+
+/// What stands inside folders; links count as files.
+struct FtpFolderContent {
+    qint64 files = 0;
+    qint64 folders = 0;
+    bool complete = true; ///< false when the counting was stopped or a folder could not be read
+};
+
+/// What a server says about a file; two fetches of the same file have the same facts.
+struct FtpFileFacts {
+    std::optional<qint64> size; ///< bytes; nothing when the server does not say
+    std::optional<qint64> time; ///< seconds since 1970, UTC; nothing when the server does not say
+    bool operator==(const FtpFileFacts &) const = default;
 };

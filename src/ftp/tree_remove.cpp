@@ -1,20 +1,15 @@
+#include "ftp/command_stream.h"
 #include "ftp/crew.h"
 #include "ftp/path.h"
 #include "ftp/tree.h"
+#include "ftp/tree_walk.h"
 
-#include <algorithm>
-#include <ctime>
-#include <set>
-#include <string_view>
 #include <vector>
 
 namespace ftp {
 namespace {
 
-constexpr int deepest = 64;
 constexpr int mostTries = 3;
-/// Commands on their way at a time.
-constexpr std::size_t window = 128;
 
 /// A folder on its way out. It goes when nothing is left to do in it.
 struct Doomed {
@@ -24,32 +19,10 @@ struct Doomed {
     int pending = 1; ///< its own listing and files, and its subfolders
     int tries = 0;
     bool walked = false; ///< its subfolders are known; only its files are still to go
+    bool kept = false; ///< turned out to be a link inside the tree
+    std::string real; ///< where the server says it is; empty = unknown
 };
 using DoomedPointer = std::shared_ptr<Doomed>;
-
-bool hasFolders(const Listing &listing)
-{
-    return std::any_of(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
-        return entry.type == 'd' && entry.name != "." && entry.name != "..";
-    });
-}
-
-/// Some servers follow links in machine listings, and a link to a folder looks like a folder there.
-/// What LIST shows as a link is one.
-void markLinks(Listing &listing, const Listing &plain)
-{
-    std::set<std::string_view> links;
-    for (const Entry &entry : plain.entries) {
-        if (entry.type == 'l') {
-            links.insert(entry.name);
-        }
-    }
-    for (Entry &entry : listing.entries) {
-        if (links.contains(entry.name)) {
-            entry.type = 'l';
-        }
-    }
-}
 
 class TreeRemover {
 public:
@@ -83,8 +56,8 @@ private:
     Awaitable<Status> empty(Session &session, DoomedPointer folder);
     Awaitable<Status> removeFiles(Session &session, std::vector<std::string> files);
     Awaitable<Status> leave(Session &session, DoomedPointer folder);
-    Awaitable<Result<Listing>> listOf(Session &session, const DoomedPointer &folder);
-    Awaitable<Result<bool>> isLink(Session &session, const DoomedPointer &folder);
+    Awaitable<Result<bool>> enter(Session &session, DoomedPointer folder);
+    std::vector<std::string> sort(const Listing &listing, const DoomedPointer &folder);
     Awaitable<Status> removeLink(Session &session, const DoomedPointer &link);
 
     void add(DoomedPointer folder)
@@ -104,46 +77,26 @@ private:
     bool m_keepTop = false;
 };
 
-Awaitable<Result<Listing>> TreeRemover::listOf(Session &session, const DoomedPointer &folder)
+/// Enters a folder. @return whether that led into another one, so that it is a link
+Awaitable<Result<bool>> TreeRemover::enter(Session &session, DoomedPointer folder)
 {
-    auto entered = co_await session.ask("CWD " + folder->path);
-    if (!entered) {
-        co_return tl::unexpected(entered.error());
-    }
-    if (!entered->done()) {
-        co_return refusal(*entered);
-    }
-    auto listing = co_await listCurrentFolder(session);
-    if (listing && session.features().mlstUnixMode() && hasFolders(*listing)) {
-        auto plain = co_await listCurrentFolderPlainly(session);
-        if (plain) {
-            markLinks(*listing, *plain);
-        } else if (!session.usable()) {
-            co_return tl::unexpected(plain.error());
+    std::string above = folder->parent ? folder->parent->real : std::string();
+    if (folder == m_top) {
+        auto nature = co_await natureOf(session, folder->path);
+        if (!nature) {
+            co_return tl::unexpected(nature.error());
         }
+        if (nature->link) {
+            co_return true;
+        }
+        above = nature->above;
     }
-    co_return listing;
-}
-
-/// Whether what shall be removed is no folder but a link to one.
-Awaitable<Result<bool>> TreeRemover::isLink(Session &session, const DoomedPointer &folder)
-{
-    const std::string name = folder->path.substr(folder->path.rfind('/') + 1);
-    auto entered = co_await session.ask("CWD " + parentOf(folder->path));
-    if (!entered) {
-        co_return tl::unexpected(entered.error());
+    auto here = co_await enterFolder(session, folder->path);
+    if (!here) {
+        co_return tl::unexpected(here.error());
     }
-    if (!entered->done() || name.empty()) {
-        co_return false;
-    }
-    auto listing = co_await listCurrentFolderPlainly(session);
-    if (!listing) {
-        co_return session.usable() ? Result<bool>(false)
-                                   : Result<bool>(tl::unexpected(listing.error()));
-    }
-    co_return std::any_of(
-        listing->entries.begin(), listing->entries.end(),
-        [&name](const Entry &entry) { return entry.type == 'l' && entry.name == name; });
+    folder->real = *here;
+    co_return leadsElsewhere(above, folder->path.substr(folder->path.rfind('/') + 1), *here);
 }
 
 /// Removes the link itself and nothing that it leads to.
@@ -167,71 +120,28 @@ Awaitable<Status> TreeRemover::removeLink(Session &session, const DoomedPointer 
     co_return Status {};
 }
 
-/// A stream of deletes: the next commands go out while the replies to the earlier ones come in.
 Awaitable<Status> TreeRemover::removeFiles(Session &session, std::vector<std::string> files)
 {
-    const std::size_t ahead = session.pipelining() ? window : 1;
-    std::vector<std::string> sent;
-    std::size_t next = 0;
-    std::size_t answered = 0;
-    while (answered < sent.size() || next < files.size()) {
-        bool queued = false;
-        while (next < files.size() && sent.size() - answered < ahead && !m_crew.stopped()) {
-            Status possible = session.line().queue("DELE " + files[next]);
-            if (possible) {
-                sent.push_back(std::move(files[next]));
-                queued = true;
-            } else {
-                refuse(files[next], possible.error());
-            }
-            ++next;
-        }
-        if (queued) {
-            Status flushed = co_await session.line().flush();
-            if (!flushed) {
-                co_return flushed;
-            }
-        }
-        if (answered == sent.size()) {
-            break; // stopped
-        }
-        // Half a window of answers before the next packet keeps packets big.
-        const std::size_t until
-            = next < files.size() ? std::min(sent.size(), answered + (ahead + 1) / 2) : sent.size();
-        for (; answered < until; ++answered) {
-            auto reply = co_await session.dialogue().reply();
-            if (!reply) {
-                co_return tl::unexpected(reply.error());
-            }
-            if (!reply->done()) {
-                refuse(sent[answered], refusal(*reply).value());
-            }
-        }
+    std::vector<std::string> commands;
+    commands.reserve(files.size());
+    for (const std::string &file : files) {
+        commands.push_back("DELE " + file);
     }
-    co_return Status {};
+    CommandStream stream(session, std::move(commands), [&](std::size_t index, const Status &done) {
+        if (!done) {
+            refuse(files[index], done.error());
+        }
+    });
+    stream.stopped = [this] { return m_crew.stopped(); };
+    // When the line breaks, the folder is listed once more, and that tells what is still there.
+    co_return co_await stream.run();
 }
 
-Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer folder)
+/// Adds the folders of a listing as jobs. @return paths of the files
+std::vector<std::string> TreeRemover::sort(const Listing &listing, const DoomedPointer &folder)
 {
-    if (folder == m_top) {
-        auto link = co_await isLink(session, folder);
-        if (!link) {
-            co_return tl::unexpected(link.error());
-        }
-        if (*link) {
-            co_return co_await removeLink(session, folder);
-        }
-    }
-    auto listing = co_await listOf(session, folder);
-    if (!listing) {
-        if (session.usable()) {
-            refuse(folder->path, listing.error());
-            co_return co_await leave(session, folder);
-        }
-        co_return tl::unexpected(listing.error());
-    }
     std::vector<std::string> files;
-    for (const Entry &entry : listing->entries) {
+    for (const Entry &entry : listing.entries) {
         // Intended: links inside a tree are neither followed nor deleted.
         if (entry.name == "." || entry.name == ".." || entry.type == 'l') {
             continue;
@@ -240,23 +150,50 @@ Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer folder)
             refuse(folder->path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
             continue;
         }
-        const std::string path = joinPath(folder->path, entry.name);
+        std::string path = joinPath(folder->path, entry.name);
         if (entry.type != 'd') {
-            files.push_back(path);
+            files.push_back(std::move(path));
         } else if (folder->walked) {
             continue;
-        } else if (folder->depth >= deepest) {
+        } else if (folder->depth >= deepestFolder) {
             refuse(path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
         } else {
             ++folder->pending;
             auto below = std::make_shared<Doomed>();
             below->parent = folder;
-            below->path = path;
+            below->path = std::move(path);
             below->depth = folder->depth + 1;
             add(std::move(below));
         }
     }
     folder->walked = true;
+    return files;
+}
+
+Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer folder)
+{
+    auto link = co_await enter(session, folder);
+    if (link && *link && folder == m_top) {
+        co_return co_await removeLink(session, folder);
+    }
+    if (link && *link) {
+        folder->kept = true;
+        co_return co_await leave(session, folder);
+    }
+    Result<Listing> listing;
+    if (link) {
+        listing = co_await listWithLinks(session);
+    } else {
+        listing = tl::unexpected(link.error());
+    }
+    if (!listing) {
+        if (session.usable()) {
+            refuse(folder->path, listing.error());
+            co_return co_await leave(session, folder);
+        }
+        co_return tl::unexpected(listing.error());
+    }
+    std::vector<std::string> files = sort(*listing, folder);
     listing = Listing {};
     Status removed = co_await removeFiles(session, std::move(files));
     if (!removed) {
@@ -272,6 +209,10 @@ Awaitable<Status> TreeRemover::leave(Session &session, DoomedPointer folder)
     while (folder && --folder->pending == 0) {
         if (m_crew.stopped() || (folder == m_top && m_keepTop)) {
             break;
+        }
+        if (folder->kept) {
+            folder = folder->parent;
+            continue;
         }
         // Some servers do not remove a folder that a session stands in.
         const std::vector<std::string> commands { "CWD " + parentOf(folder->path),
@@ -325,6 +266,21 @@ Awaitable<Status> removeTree(Client &client, std::string folder)
 {
     TreeRemover remover(client);
     co_return co_await remover.run(std::move(folder));
+}
+
+Awaitable<Status> removeFiles(Client &client, std::vector<std::string> paths, FileDone done)
+{
+    std::vector<std::string> commands;
+    commands.reserve(paths.size());
+    for (const std::string &path : paths) {
+        commands.push_back("DELE " + client.encode(path));
+    }
+    CommandStream stream(client.session(), std::move(commands), done);
+    Status broken = co_await stream.run();
+    for (const std::size_t index : stream.unanswered()) {
+        done(index, broken);
+    }
+    co_return broken;
 }
 
 } // namespace ftp

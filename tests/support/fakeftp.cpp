@@ -359,6 +359,51 @@ FtpStatus FakeFtp::removeTree(const QString &folder)
     });
 }
 
+FtpStatus FakeFtp::removeFiles(const QStringList &paths, const FtpFileDone &done)
+{
+    for (int index = 0; index < paths.size() && connectionState == Connected; ++index) {
+        done(index, deleteFile(paths.at(index)));
+    }
+    return {};
+}
+
+FtpResult<FtpFolderContent>
+FakeFtp::countInside(const QStringList &folders,
+                     const std::shared_ptr<const std::atomic_bool> &stop)
+{
+    FtpFolderContent content;
+    const FtpStatus counted = run(OpList, u"COUNT "_s + folders.join(u' '), [&] {
+        for (const QString &folder : folders) {
+            for (const QString &path : below(absolute(folder))) {
+                ++(nodes[path].type == u"d"_s ? content.folders : content.files);
+            }
+        }
+        content.complete = !*stop;
+        return std::optional<FtpError>();
+    });
+    return counted ? FtpResult<FtpFolderContent>(content) : tl::unexpected(counted.error());
+}
+
+FtpStatus FakeFtp::changeModesInside(const QString &folder, int files, int folders)
+{
+    return run(OpRawCommand, u"MODES %1 %2 %3"_s.arg(folder).arg(files).arg(folders),
+               [] { return std::optional<FtpError>(); });
+}
+
+FtpResult<FtpFileFacts> FakeFtp::fileFacts(const QString &path)
+{
+    FtpFileFacts facts;
+    const FtpStatus told = run(OpRawCommand, u"FACTS "_s + path, [&] {
+        if (nodes.contains(absolute(path))) {
+            const Node &node = nodes[absolute(path)];
+            facts.time = node.time;
+            facts.size = node.time ? std::optional(node.content.size()) : std::nullopt;
+        }
+        return std::optional<FtpError>();
+    });
+    return told ? FtpResult<FtpFileFacts>(facts) : tl::unexpected(told.error());
+}
+
 std::optional<FtpError> FakeFtp::answer(const QString &command)
 {
     commands << command;

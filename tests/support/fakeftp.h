@@ -17,6 +17,7 @@ public:
         QString type = QStringLiteral("d"); ///< "d" folder, "l" link, "-" file
         QByteArray content;
         QString target; ///< of a link
+        std::optional<qint64> time = 1700000000; ///< seconds since 1970; nothing = not told
     };
 
     FakeFtp();
@@ -34,7 +35,8 @@ public:
 
     /// The commands so far: "GET remote local @offset", "PUT local remote @offset mode",
     /// "MGET pattern local", "MPUT pattern remote", "CWD", "LIST", "MKD", "RMD", "DELE", "RMTREE",
-    /// "RENAME old new", "RAW command". TYPE stands in front of transfers as "[type]".
+    /// "RENAME old new", "RAW command", "COUNT folders", "MODES folder files folders", "FACTS
+    /// path". TYPE stands in front of transfers as "[type]".
     QStringList commands;
     /// The commands that begin with a word.
     [[nodiscard]] QStringList commandsOf(const QString &word) const;
@@ -101,6 +103,13 @@ public:
     FtpStatus rename(const QString &oldName, const QString &newName) override;
     FtpStatus sendRaw(const QString &command) override;
     FtpStatus removeTree(const QString &folder) override;
+    /// Notes one "DELE" for each file.
+    FtpStatus removeFiles(const QStringList &paths, const FtpFileDone &done) override;
+    FtpResult<FtpFolderContent>
+    countInside(const QStringList &folders,
+                const std::shared_ptr<const std::atomic_bool> &stop) override;
+    FtpStatus changeModesInside(const QString &folder, int files, int folders) override;
+    FtpResult<FtpFileFacts> fileFacts(const QString &path) override;
 
 private:
     [[nodiscard]] std::optional<FtpError> answer(const QString &command);

@@ -1,0 +1,218 @@
+#include "ftp/tree_walk.h"
+
+#include "ftp/path.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+
+namespace ftp {
+namespace {
+
+/// A folder that is still to be visited.
+struct Pending {
+    std::string path;
+    std::string above; ///< where the server says that its parent is; empty = unknown
+    int depth = 0;
+};
+
+bool hasFolders(const Listing &listing)
+{
+    return std::any_of(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
+        return entry.type == 'd' && entry.name != "." && entry.name != "..";
+    });
+}
+
+/// Some servers follow links in machine listings, and a link to a folder looks like a folder there.
+/// What LIST shows as a link is one.
+void markLinks(Listing &listing, const Listing &plain)
+{
+    std::set<std::string_view> links;
+    for (const Entry &entry : plain.entries) {
+        if (entry.type == 'l') {
+            links.insert(entry.name);
+        }
+    }
+    for (Entry &entry : listing.entries) {
+        if (links.contains(entry.name)) {
+            entry.type = 'l';
+        }
+    }
+}
+
+std::string nameOf(const std::string &path) { return path.substr(path.rfind('/') + 1); }
+
+/// A path for comparing: servers differ in quotes and in the case of letters, and neither makes a
+/// place another one.
+std::string comparable(std::string_view path)
+{
+    std::string result;
+    for (const char letter : path) {
+        if (letter != '"') {
+            result
+                += letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+        }
+    }
+    while (result.size() > 1 && result.back() == '/') {
+        result.pop_back();
+    }
+    return result;
+}
+
+/// One walk over trees.
+class Walk {
+public:
+    Walk(Session &session, FolderVisitor visit, WalkFailed failed)
+        : m_session(session)
+        , m_visit(std::move(visit))
+        , m_failed(std::move(failed))
+    {
+    }
+
+    Awaitable<Status> run(std::vector<std::string> tops, const std::atomic_bool &stop)
+    {
+        for (auto top = tops.rbegin(); top != tops.rend(); ++top) {
+            m_pending.push_back({ std::move(*top), {}, 0 });
+        }
+        while (!m_pending.empty() && !stop) {
+            Pending folder = std::move(m_pending.back());
+            m_pending.pop_back();
+            Status visited = co_await visit(folder);
+            if (!visited && !m_session.usable()) {
+                co_return visited;
+            }
+            if (!visited) {
+                m_failed(folder.path, visited.error());
+            }
+        }
+        co_return Status {};
+    }
+
+private:
+    Awaitable<Status> visit(const Pending &folder)
+    {
+        std::string above = folder.above;
+        if (folder.depth == 0) {
+            auto nature = co_await natureOf(m_session, folder.path);
+            if (!nature) {
+                co_return tl::unexpected(nature.error());
+            }
+            if (nature->link) {
+                co_return Status {};
+            }
+            above = nature->above;
+        }
+        auto here = co_await enterFolder(m_session, folder.path);
+        if (!here) {
+            co_return tl::unexpected(here.error());
+        }
+        if (leadsElsewhere(above, nameOf(folder.path), *here)) {
+            co_return Status {}; // a link that the listing hid
+        }
+        auto listing = co_await listWithLinks(m_session);
+        if (!listing) {
+            co_return tl::unexpected(listing.error());
+        }
+        addFolders(folder, *here, *listing);
+        co_return co_await m_visit(m_session, folder.path, *listing);
+    }
+
+    void addFolders(const Pending &folder, const std::string &here, const Listing &listing)
+    {
+        for (const Entry &entry : listing.entries) {
+            if (entry.type != 'd' || entry.name == "." || entry.name == "..") {
+                continue;
+            }
+            const std::string path = joinPath(folder.path, entry.name);
+            if (!isSafeName(entry.name)) {
+                m_failed(path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
+            } else if (folder.depth >= deepestFolder) {
+                m_failed(path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+            } else {
+                m_pending.push_back({ path, here, folder.depth + 1 });
+            }
+        }
+    }
+
+    Session &m_session;
+    FolderVisitor m_visit;
+    WalkFailed m_failed;
+    std::vector<Pending> m_pending;
+};
+
+} // namespace
+
+Awaitable<Result<std::string>> enterFolder(Session &session, std::string path)
+{
+    std::vector<std::string> commands { "CWD " + path, "PWD" };
+    auto replies = co_await session.askAll(std::move(commands));
+    if (!replies) {
+        co_return tl::unexpected(replies.error());
+    }
+    if (!replies->front().done()) {
+        co_return refusal(replies->front());
+    }
+    const Reply &told = replies->back();
+    co_return told.done() ? parsePwd(told.lines.back()).value_or(std::string()) : std::string();
+}
+
+bool leadsElsewhere(const std::string &above, const std::string &name, const std::string &here)
+{
+    const bool telling = above.starts_with('/') && here.starts_with('/');
+    return telling && comparable(joinPath(above, name)) != comparable(here);
+}
+
+Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path)
+{
+    const std::string name = nameOf(path);
+    if (name.empty()) {
+        co_return FolderNature {}; // the root
+    }
+    auto above = co_await enterFolder(session, parentOf(path));
+    if (!above) {
+        co_return session.usable() ? Result<FolderNature>(FolderNature {})
+                                   : Result<FolderNature>(tl::unexpected(above.error()));
+    }
+    auto listing = co_await listCurrentFolderPlainly(session);
+    if (!listing && !session.usable()) {
+        co_return tl::unexpected(listing.error());
+    }
+    FolderNature nature { false, std::move(*above) };
+    if (listing) {
+        nature.link = std::any_of(
+            listing->entries.begin(), listing->entries.end(),
+            [&name](const Entry &entry) { return entry.type == 'l' && entry.name == name; });
+    }
+    co_return nature;
+}
+
+Awaitable<Result<Listing>> listWithLinks(Session &session)
+{
+    auto listing = co_await listCurrentFolder(session);
+    if (listing && session.features().mlstUnixMode() && hasFolders(*listing)) {
+        auto plain = co_await listCurrentFolderPlainly(session);
+        if (plain) {
+            markLinks(*listing, *plain);
+        } else if (!session.usable()) {
+            co_return tl::unexpected(plain.error());
+        }
+    }
+    co_return listing;
+}
+
+Awaitable<Status> walkFolders(Client &client, std::vector<std::string> tops, FolderVisitor visit,
+                              WalkFailed failed, const std::atomic_bool &stop)
+{
+    Session &session = client.session();
+    session.dialogue().setMuted(true);
+    Walk walk(session, std::move(visit), std::move(failed));
+    Status walked = co_await walk.run(std::move(tops), stop);
+    if (session.usable()) {
+        auto back = co_await session.ask("CWD " + session.folder());
+        ignoreError(back, "the next command would tell");
+    }
+    session.dialogue().setMuted(false);
+    co_return walked;
+}
+
+} // namespace ftp
