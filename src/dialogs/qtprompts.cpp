@@ -4,6 +4,7 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -65,14 +66,33 @@ void QtPrompts::message(const QString &text, const QString &title, Icon icon)
     box.exec();
 }
 
-bool QtPrompts::confirm(const QString &text, const QString &title, const QString &details)
+void QtPrompts::prepareConfirm(QMessageBox &box, const QString &text, const QString &title,
+                               const QString &details) const
 {
-    QMessageBox box(parent());
     prepare(box, text, title, details);
     addButton(box, QMessageBox::Ok, u"OK"_s);
     addButton(box, QMessageBox::Cancel, u"Abbrechen"_s);
     box.setDefaultButton(QMessageBox::Ok);
     box.setEscapeButton(QMessageBox::Cancel);
+}
+
+bool QtPrompts::confirm(const QString &text, const QString &title, const QString &details)
+{
+    QMessageBox box(parent());
+    prepareConfirm(box, text, title, details);
+    return box.exec() == QMessageBox::Ok;
+}
+
+bool QtPrompts::confirmLate(const QString &text, const QString &title, const LateDetails &details)
+{
+    QMessageBox box(parent());
+    prepareConfirm(box, text, title, details.placeholder);
+    QObject::connect(&box, &QDialog::finished, &box, [stop = details.stop] { *stop = true; });
+    // The search runs inside the box's loop, which ends behind it when the box was answered.
+    QTimer::singleShot(0, &box, [&box, &details] {
+        box.setInformativeText(boxText(details.find()));
+        showPlainTexts(box);
+    });
     return box.exec() == QMessageBox::Ok;
 }
 

@@ -14,12 +14,16 @@ public:
     void message(const QString &text, const QString &title = {}, Icon icon = Icon::None) override;
     [[nodiscard]] bool confirm(const QString &text, const QString &title = {},
                                const QString &details = {}) override;
+    [[nodiscard]] bool confirmLate(const QString &text, const QString &title,
+                                   const LateDetails &details) override;
     [[nodiscard]] bool question(const QString &text, const QString &title = {}) override;
     [[nodiscard]] std::optional<QString> input(const QString &text, const QString &proposal,
                                                const QString &title = {}) override;
 
 private:
     [[nodiscard]] QWidget *parent() const;
+    void prepareConfirm(QMessageBox &box, const QString &text, const QString &title,
+                        const QString &details) const;
     void prepare(QMessageBox &box, const QString &text, const QString &title,
                  const QString &details = {}) const;
 

@@ -7,6 +7,8 @@
 #include "remote/itemkind.h"
 
 #include <QScopeGuard>
+#include <QTimer>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +35,44 @@ void removeRow(Pane &pane, const MarkedItem &item)
     }
 }
 
+/// The marked real folders; links to folders hold nothing of their own.
+QStringList foldersIn(const MarkedItemList &items, QChar separator)
+{
+    QStringList folders;
+    for (int slot = 1; slot < items.MarkedCount; ++slot) {
+        if (items.MarkedItems.at(slot).kind == ItemKind::FolderClose) {
+            folders.append(pathOf(items.MarkedItems.at(slot), separator));
+        }
+    }
+    return folders;
+}
+
+/// The question's line about the folders; empty when nothing is known.
+QString contentText(const FtpFolderContent &content)
+{
+    if (!content.complete && content.files + content.folders == 0) {
+        return {};
+    }
+    return u"In den Ordnern: %1%2 %3 und %4 Ordner."_s.arg(
+        content.complete ? QString() : u"mehr als "_s, QString::number(content.files),
+        content.files == 1 ? u"Datei"_s : u"Dateien"_s, QString::number(content.folders));
+}
+
+FtpFolderContent countLocal(const QStringList &folders,
+                            const std::shared_ptr<std::atomic_bool> &stop)
+{
+    FtpFolderContent whole;
+    runAside([&] {
+        for (const QString &folder : folders) {
+            const FtpFolderContent inside = countLocalTree(folder, *stop);
+            whole.files += inside.files;
+            whole.folders += inside.folders;
+            whole.complete = whole.complete && inside.complete;
+        }
+    });
+    return whole;
+}
+
 std::optional<QString> reasonOf(const FtpStatus &status)
 {
     return status ? std::nullopt : std::optional<QString>(status.error().text);
@@ -46,18 +86,15 @@ void DeleteCommand::DeleteRemoteItems()
         return;
     }
     const QString folder = m_work.remote.folder();
-    const int count = MarkSelectedRemote(m_work.remote, m_work.globals, false);
-    if (count < 1) {
+    if (MarkSelectedRemote(m_work.remote, m_work.globals, false) < 1) {
         return;
     }
     const MarkedItemList items = m_work.globals.marked;
-    if (confirmed(count, {})) {
+    const auto count
+        = [this](const auto &folders, const auto &stop) { return countRemote(folders, stop); };
+    if (confirmed(items, u'/', count)) {
         m_work.shell.SetFtpProperties();
-        deleteMarked(m_work.remote, items, [this](const MarkedItem &item) {
-            if (m_work.ftp.state() == FtpOperations::Connected) {
-                deleteRemoteItem(item);
-            }
-        });
+        deleteMarked(m_work.remote, items, [&] { deleteRemoteItems(items); });
         m_work.shell.DoRemoteRefresh(folder);
     } else {
         UnmarkAll(m_work.remote, m_work.globals);
@@ -70,15 +107,14 @@ void DeleteCommand::DeleteLocalItems()
     if (m_running || m_work.ftp.isBusy()) {
         return;
     }
-    const int count = MarkSelectedLocal(m_work.local, m_work.globals, false);
-    if (count < 1) {
+    if (MarkSelectedLocal(m_work.local, m_work.globals, false) < 1) {
         return;
     }
     const MarkedItemList items = m_work.globals.marked;
-    if (confirmed(count, localDetails(items))) {
-        deleteMarked(m_work.local, items, [this](const MarkedItem &item) {
-            if (!m_stop) {
-                deleteLocalItem(item);
+    if (confirmed(items, LocalSeparator, countLocal)) {
+        deleteMarked(m_work.local, items, [&] {
+            for (int slot = 1; slot < items.MarkedCount && !m_stop; ++slot) {
+                deleteLocalItem(items.MarkedItems.at(slot));
             }
         });
         m_work.local.listFolder(items.MarkedItems.last().folder);
@@ -88,40 +124,42 @@ void DeleteCommand::DeleteLocalItems()
     m_work.local.clearSelection();
 }
 
-bool DeleteCommand::confirmed(int count, const QString &details)
+FtpFolderContent DeleteCommand::countRemote(const QStringList &folders,
+                                            const std::shared_ptr<std::atomic_bool> &stop)
 {
-    return m_work.prompts.confirm(u"Sind Sie sicher, dass Sie "_s + QString::number(count)
-                                      + u" Dateien oder Ordner löschen möchten?"_s,
-                                  u"Confirm Delete"_s, details);
+    const auto content = m_work.ftp.countInside(folders, stop);
+    return content ? *content : FtpFolderContent { 0, 0, false };
 }
 
-QString DeleteCommand::localDetails(const MarkedItemList &items) const
+bool DeleteCommand::confirmed(const MarkedItemList &items, QChar separator, const Count &count)
 {
-    TreeCount whole;
-    bool folders = false;
-    for (int slot = 1; slot < items.MarkedCount; ++slot) {
-        const MarkedItem &item = items.MarkedItems.at(slot);
-        if (item.kind != ItemKind::FolderClose) {
-            continue;
-        }
-        const auto inside = countLocalTree(pathOf(item, LocalSeparator), m_countLimit);
-        if (!inside) {
-            return {};
-        }
-        folders = true;
-        whole.files += inside->files;
-        whole.folders += inside->folders;
+    const QString text = u"Sind Sie sicher, dass Sie "_s + QString::number(items.count())
+        + u" Dateien oder Ordner löschen möchten?"_s;
+    const QString title = u"Confirm Delete"_s;
+    const QStringList folders = foldersIn(items, separator);
+    m_running = true;
+    m_stop = false;
+    const auto idle = qScopeGuard([this] { m_running = false; });
+    if (folders.isEmpty()) {
+        return m_work.prompts.confirm(text, title) && !m_stop;
     }
-    return folders
-        ? u"In den Ordnern: %1 Dateien und %2 Ordner."_s.arg(whole.files).arg(whole.folders)
-        : QString();
+    Prompts::LateDetails details;
+    details.placeholder = u"Der Inhalt der Ordner wird gezählt ..."_s;
+    details.stop = std::make_shared<std::atomic_bool>(false);
+    details.find = [&] {
+        QTimer limit;
+        limit.setSingleShot(true);
+        QObject::connect(&limit, &QTimer::timeout, &limit, [stop = details.stop] { *stop = true; });
+        limit.start(m_countLimit);
+        return contentText(count(folders, details.stop));
+    };
+    return m_work.prompts.confirmLate(text, title, details) && !m_stop;
 }
 
 void DeleteCommand::deleteMarked(Pane &pane, const MarkedItemList &items,
-                                 const std::function<void(const MarkedItem &)> &one)
+                                 const std::function<void()> &work)
 {
     m_running = true;
-    m_stop = false;
     m_work.shell.SetToolbarsEnabled(false);
     m_work.shell.SetFolderBoxesEnabled(false);
     const auto restore = qScopeGuard([&] {
@@ -129,21 +167,61 @@ void DeleteCommand::deleteMarked(Pane &pane, const MarkedItemList &items,
         m_work.shell.SetToolbarsEnabled(true);
         m_running = false;
     });
+    work();
     for (int slot = 1; slot < items.MarkedCount; ++slot) {
-        one(items.MarkedItems.at(slot));
         unmark(pane, items.MarkedItems.at(slot));
     }
 }
 
-void DeleteCommand::deleteRemoteItem(const MarkedItem &item)
+void DeleteCommand::deleteRemoteItems(const MarkedItemList &items)
+{
+    QList<MarkedItem> files; // neighbours, which go in one stream
+    for (int slot = 1; slot < items.MarkedCount; ++slot) {
+        const MarkedItem &item = items.MarkedItems.at(slot);
+        if (!ItemKind::isFolderLike(item.kind)) {
+            files.append(item);
+            continue;
+        }
+        deleteRemoteFiles(std::exchange(files, {}));
+        if (m_work.ftp.state() == FtpOperations::Connected) {
+            deleteRemoteFolder(item);
+        }
+    }
+    deleteRemoteFiles(files);
+}
+
+void DeleteCommand::deleteRemoteFiles(const QList<MarkedItem> &files)
+{
+    if (files.isEmpty() || m_work.ftp.state() != FtpOperations::Connected) {
+        return;
+    }
+    QStringList paths;
+    for (const MarkedItem &file : files) {
+        paths.append(pathOf(file, u'/'));
+    }
+    m_work.shell.ShowTransferItem(labelOf(files.first()), {});
+    const FtpStatus removed = m_work.ftp.removeFiles(paths, [&](int index, const FtpStatus &done) {
+        recordRemote(files.at(index), reasonOf(done));
+        if (index + 1 < files.size()) {
+            m_work.shell.ShowTransferItem(labelOf(files.at(index + 1)), {});
+        }
+    });
+    ignoreError(removed, "every file that was tried has told its own outcome");
+    m_work.shell.ShowTransferItem({}, {});
+}
+
+void DeleteCommand::deleteRemoteFolder(const MarkedItem &item)
 {
     const QString path = pathOf(item, u'/');
     m_work.shell.ShowTransferItem(labelOf(item), {});
     const Reason reason = removeRemote(item, path);
-    if (ItemKind::isFolderLike(item.kind)) {
-        m_work.remote.forgetFolder(path);
-    }
+    m_work.remote.forgetFolder(path);
     m_work.shell.ShowTransferItem({}, {});
+    recordRemote(item, reason);
+}
+
+void DeleteCommand::recordRemote(const MarkedItem &item, const Reason &reason)
+{
     if (reason) {
         refuse(m_work.remote, item, *reason);
     } else {
@@ -151,7 +229,7 @@ void DeleteCommand::deleteRemoteItem(const MarkedItem &item)
     }
     QueueRow row = outcome(reason);
     row.size = item.sizeText;
-    row.remote = path;
+    row.remote = pathOf(item, u'/');
     row.server = m_work.globals.connection.RemoteHost;
     m_work.shell.AddQueueRow(row);
 }
@@ -162,8 +240,7 @@ DeleteCommand::Reason DeleteCommand::removeRemote(const MarkedItem &item, const 
         return reasonOf(m_work.ftp.removeTree(path));
     }
     const FtpStatus deleted = m_work.ftp.deleteFile(path);
-    if (!deleted && ItemKind::isFolderLike(item.kind)
-        && deleted.error().kind == ftp::ErrorKind::Refused) {
+    if (!deleted && deleted.error().kind == ftp::ErrorKind::Refused) {
         // Some servers take links to folders for folders; what a link points to is never touched.
         return reasonOf(m_work.ftp.removeFolder(path));
     }

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 
 /// Deletes the selected rows of a pane, whole trees included, after one question.
@@ -19,7 +20,7 @@ public:
     /// Works on the local pane; not while the session is busy. The window lives meanwhile.
     void DeleteLocalItems();
 
-    /// How long the question may be late because the content of local folders is counted for it.
+    /// How long the content of the folders is counted while the question stands.
     void setCountLimit(int milliseconds) { m_countLimit = milliseconds; }
 
     /// Whether a deletion is under way.
@@ -30,18 +31,24 @@ public:
 private:
     using Reason = std::optional<QString>; ///< why something was left standing; nothing on success
 
-    void deleteMarked(Pane &pane, const MarkedItemList &items,
-                      const std::function<void(const MarkedItem &)> &one);
-    [[nodiscard]] bool confirmed(int count, const QString &details);
-    [[nodiscard]] QString localDetails(const MarkedItemList &items) const;
-    void deleteRemoteItem(const MarkedItem &item);
+    using Count = std::function<FtpFolderContent(const QStringList &folders,
+                                                 const std::shared_ptr<std::atomic_bool> &stop)>;
+
+    void deleteMarked(Pane &pane, const MarkedItemList &items, const std::function<void()> &work);
+    [[nodiscard]] bool confirmed(const MarkedItemList &items, QChar separator, const Count &count);
+    [[nodiscard]] FtpFolderContent countRemote(const QStringList &folders,
+                                               const std::shared_ptr<std::atomic_bool> &stop);
+    void deleteRemoteItems(const MarkedItemList &items);
+    void deleteRemoteFiles(const QList<MarkedItem> &files);
+    void deleteRemoteFolder(const MarkedItem &item);
+    void recordRemote(const MarkedItem &item, const Reason &reason);
     void deleteLocalItem(const MarkedItem &item);
     [[nodiscard]] Reason removeRemote(const MarkedItem &item, const QString &path);
     [[nodiscard]] Reason removeLocal(const MarkedItem &item, const QString &path);
     void refuse(Pane &pane, const MarkedItem &item, const QString &reason);
 
     Workplace m_work;
-    int m_countLimit = 30;
+    int m_countLimit = 3000; ///< milliseconds
     bool m_running = false;
     std::atomic_bool m_stop = false;
 };

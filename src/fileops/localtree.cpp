@@ -3,7 +3,6 @@
 #include "ftp/ftplocalnames.h"
 
 #include <QDirIterator>
-#include <QElapsedTimer>
 
 #include <cerrno>
 #include <cstring>
@@ -192,21 +191,17 @@ std::optional<QString> removeLocalFile(const QString &path)
     return path + u": "_s + QString::fromLocal8Bit(std::strerror(errno));
 }
 
-std::optional<TreeCount> countLocalTree(const QString &path, int limitMilliseconds)
+FtpFolderContent countLocalTree(const QString &path, const std::atomic_bool &stop)
 {
-    QElapsedTimer clock;
-    clock.start();
-    TreeCount count;
+    FtpFolderContent content;
     // Links are not followed by the iterator and are no folders here.
     QDirIterator it(path, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);
-    while (it.hasNext()) {
+    while (!stop && it.hasNext()) {
         it.next();
         const bool folder = it.fileInfo().isDir() && !it.fileInfo().isSymLink();
-        ++(folder ? count.folders : count.files);
-        if (clock.elapsed() > limitMilliseconds) {
-            return std::nullopt;
-        }
+        ++(folder ? content.folders : content.files);
     }
-    return clock.elapsed() > limitMilliseconds ? std::nullopt : std::optional(count);
+    content.complete = !stop;
+    return content;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ftp/ftptypes.h"
+
 #include <QString>
 #include <atomic>
 #include <optional>
@@ -16,10 +18,6 @@
 /// Deletes one local file or link, also a read-only one. @return as RemoveLocalTree
 [[nodiscard]] std::optional<QString> removeLocalFile(const QString &path);
 
-/// What stands inside a folder; links count as files.
-struct TreeCount {
-    qint64 files = 0;
-    qint64 folders = 0;
-};
-/// Counts everything below a folder. @return nothing when it takes longer than the limit
-[[nodiscard]] std::optional<TreeCount> countLocalTree(const QString &path, int limitMilliseconds);
+/// Counts everything below a folder; links count as files and are not followed.
+/// @param stop  ends the counting when it becomes true; the count is incomplete then
+[[nodiscard]] FtpFolderContent countLocalTree(const QString &path, const std::atomic_bool &stop);

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -128,4 +129,46 @@ TEST(QtPrompts, ABoxBelongsToTheWindowInFront)
         QTest::keyClick(&opened, Qt::Key_Return);
     });
     prompts.message(u"Text"_s);
+}
+
+TEST(QtPrompts, AConfirmationGetsALateLineWhileItStands)
+{
+    QtPrompts prompts;
+    const auto stop = std::make_shared<std::atomic_bool>(false);
+    bool found = false;
+    const WhenModalOpens<QMessageBox> box([&](QMessageBox &opened) {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return found; }));
+        EXPECT_EQ(opened.informativeText(), u"<i>3</i> Dateien"_s);
+        for (const auto *label : opened.findChildren<QLabel *>()) {
+            EXPECT_EQ(label->textFormat(), Qt::PlainText);
+        }
+        QTest::keyClick(&opened, Qt::Key_Return);
+    });
+    QTimer watcher;
+    QObject::connect(&watcher, &QTimer::timeout, [&] {
+        const auto *opened = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        found = opened != nullptr && opened->informativeText().contains(u"Dateien"_s);
+    });
+    watcher.start(1);
+    EXPECT_TRUE(prompts.confirmLate(
+        u"Löschen?"_s, {}, { u"Wird gezählt ..."_s, [] { return u"<i>3</i> Dateien"_s; }, stop }));
+    EXPECT_TRUE(*stop);
+}
+
+TEST(QtPrompts, TheAnswerEndsTheSearchForTheLateLine)
+{
+    QtPrompts prompts;
+    const auto stop = std::make_shared<std::atomic_bool>(false);
+    const WhenModalOpens<QMessageBox> box([](QMessageBox &opened) {
+        EXPECT_EQ(opened.informativeText(), u"Wird gezählt ..."_s);
+        QTest::keyClick(&opened, Qt::Key_Escape);
+    });
+    EXPECT_FALSE(prompts.confirmLate(u"Löschen?"_s, {},
+                                     { u"Wird gezählt ..."_s,
+                                       [&] {
+                                           EXPECT_TRUE(
+                                               QTest::qWaitFor([&] { return stop->load(); }));
+                                           return QString();
+                                       },
+                                       stop }));
 }

@@ -2,7 +2,7 @@
 
 #include "support/workbench.h"
 
-#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QTimer>
 #include <unistd.h>
 
@@ -18,11 +18,11 @@ protected:
             u"Sind Sie sicher, dass Sie %1 Dateien oder Ordner löschen möchten?"_s.arg(count),
             answer, u"Confirm Delete"_s, details);
     }
-    void deleteRemote(const QStringList &names, bool answer = true)
+    void deleteRemote(const QStringList &names, const QString &details = {}, bool answer = true)
     {
         showBoth();
         remote.select(names);
-        expectQuestion(static_cast<int>(names.size()), answer);
+        expectQuestion(static_cast<int>(names.size()), answer, details);
         command.DeleteRemoteItems();
     }
     void deleteLocal(const QStringList &names, const QString &details = {}, bool answer = true)
@@ -66,7 +66,7 @@ TEST_F(DeleteTest, CancelChangesNothing)
 {
     ftp.addFile(u"/www/a"_s, "x");
     writeLocal(u"b"_s, "y");
-    deleteRemote({ u"a"_s }, false);
+    deleteRemote({ u"a"_s }, {}, false);
     EXPECT_TRUE(ftp.commands.isEmpty());
     EXPECT_TRUE(remote.markedNames().isEmpty());
     deleteLocal({ u"b"_s }, {}, false);
@@ -124,7 +124,7 @@ TEST_F(DeleteTest, ARefusalLeavesTheRowAndGoesOn)
 TEST_F(DeleteTest, ARemoteFolderGoesAsATreeAndLeavesTheHistory)
 {
     ftp.addFile(u"/www/ordner/tief/a"_s, "x");
-    deleteRemote({ u"ordner"_s });
+    deleteRemote({ u"ordner"_s }, u"In den Ordnern: 1 Datei und 1 Ordner."_s);
     EXPECT_EQ(ftp.commandsOf(u"RMTREE"_s), QStringList { u"RMTREE /www/ordner"_s });
     EXPECT_FALSE(ftp.has(u"/www/ordner"_s));
     EXPECT_TRUE(remote.calls.contains(u"forget /www/ordner"_s));
@@ -136,7 +136,7 @@ TEST_F(DeleteTest, ATreeThatKeepsALinkIsRefused)
 {
     ftp.addFile(u"/www/ordner/a"_s, "x");
     ftp.addLink(u"/www/ordner/verweis"_s, u"/anderswo"_s);
-    deleteRemote({ u"ordner"_s });
+    deleteRemote({ u"ordner"_s }, u"In den Ordnern: 2 Dateien und 0 Ordner."_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen verweigert"_s });
     EXPECT_EQ(remote.names(), QStringList { u"ordner"_s });
 }
@@ -225,12 +225,68 @@ TEST_F(DeleteTest, ALocalFolderGoesAsATree)
     EXPECT_EQ(queueRow(0).value(1), disk(u"ordner"_s));
 }
 
-TEST_F(DeleteTest, ATreeThatTakesTooLongToCountIsAskedAboutAllTheSame)
+TEST_F(DeleteTest, TheContentOfAllMarkedFoldersIsCountedOnce)
 {
-    writeLocal(u"ordner/a"_s, "x");
-    command.setCountLimit(-1);
-    deleteLocal({ u"ordner"_s }, {});
-    EXPECT_FALSE(onDisk(u"ordner"_s));
+    ftp.addFile(u"/www/eins/a"_s, "x");
+    ftp.addFile(u"/www/zwei/b"_s, "x");
+    ftp.addLink(u"/www/verweis"_s, u"/anderswo"_s);
+    deleteRemote({ u"eins"_s, u"zwei"_s, u"verweis"_s },
+                 u"In den Ordnern: 2 Dateien und 0 Ordner."_s, false);
+    EXPECT_EQ(ftp.commands, QStringList { u"COUNT /www/eins /www/zwei"_s });
+}
+
+TEST_F(DeleteTest, CountingEndsWhenItTakesTooLong)
+{
+    ftp.addFile(u"/www/ordner/a"_s, "x");
+    command.setCountLimit(1);
+    ftp.during = [](const QString &line) {
+        if (line.startsWith(u"COUNT"_s)) {
+            QEventLoop untilLater;
+            QTimer::singleShot(2, &untilLater, &QEventLoop::quit);
+            untilLater.exec();
+        }
+    };
+    deleteRemote({ u"ordner"_s }, u"In den Ordnern: mehr als 1 Datei und 0 Ordner."_s);
+    EXPECT_FALSE(ftp.has(u"/www/ordner"_s));
+}
+
+TEST_F(DeleteTest, AFailedCountSaysNothingAndTheQuestionStands)
+{
+    ftp.addFile(u"/www/ordner/a"_s, "x");
+    ftp.refuseAll(u"COUNT"_s, u"450 Not now."_s);
+    deleteRemote({ u"ordner"_s }, {});
+    EXPECT_FALSE(ftp.has(u"/www/ordner"_s));
+}
+
+TEST_F(DeleteTest, ALineLostAtTheQuestionDeletesNothing)
+{
+    ftp.addFile(u"/www/ordner/a"_s, "x");
+    ftp.addFile(u"/www/b"_s, "x");
+    showBoth();
+    remote.select({ u"ordner"_s, u"b"_s });
+    expectQuestion(2, true, u"In den Ordnern: 1 Datei und 0 Ordner."_s);
+    prompts.meanwhile([this] { ftp.close(); });
+    command.DeleteRemoteItems();
+    EXPECT_TRUE(ftp.has(u"/www/ordner/a"_s) && ftp.has(u"/www/b"_s));
+    EXPECT_TRUE(shell.queue.isEmpty());
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+}
+
+TEST_F(DeleteTest, FilesAndFoldersGoInTheirOrder)
+{
+    ftp.addFile(u"/www/a/x"_s, "x");
+    ftp.addFile(u"/www/b"_s, "x");
+    ftp.addFile(u"/www/c"_s, "x");
+    deleteRemote({ u"a"_s, u"b"_s, u"c"_s }, u"In den Ordnern: 1 Datei und 0 Ordner."_s);
+    EXPECT_EQ(ftp.commands.mid(1),
+              (QStringList { u"RMTREE /www/a"_s, u"DELE /www/b"_s, u"DELE /www/c"_s }));
+    QStringList paths;
+    for (const QueueRow &row : shell.queue) {
+        paths.append(row.remote);
+    }
+    EXPECT_EQ(paths, (QStringList { u"/www/a"_s, u"/www/b"_s, u"/www/c"_s }));
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s).filter(u"Datei"_s),
+              (QStringList { u"ShowTransferItem Datei: b|"_s, u"ShowTransferItem Datei: c|"_s }));
 }
 
 TEST_F(DeleteTest, ALocalLinkToAFolderIsRemovedAsALink)
@@ -265,6 +321,18 @@ TEST_F(DeleteTest, TheWindowLivesWhileALocalTreeGoes)
     EXPECT_EQ(shell.queue.size(), 1);
 }
 
+TEST_F(DeleteTest, AStopAtTheQuestionDeletesNothing)
+{
+    writeLocal(u"ordner/a"_s, "x");
+    showBoth();
+    local.select({ u"ordner"_s });
+    expectQuestion(1, true, u"In den Ordnern: 1 Datei und 0 Ordner."_s);
+    prompts.meanwhile([this] { command.stop(); });
+    command.DeleteLocalItems();
+    EXPECT_TRUE(onDisk(u"ordner/a"_s));
+    EXPECT_TRUE(local.markedNames().isEmpty());
+}
+
 TEST_F(DeleteTest, AStopEndsTheDeletionSoon)
 {
     for (int number = 0; number < 500; ++number) {
@@ -274,7 +342,7 @@ TEST_F(DeleteTest, AStopEndsTheDeletionSoon)
     showBoth();
     local.select({ u"ordner"_s, u"zuletzt"_s });
     expectQuestion(2, true, u"In den Ordnern: 500 Dateien und 0 Ordner."_s);
-    QTimer::singleShot(0, [this] { command.stop(); });
+    prompts.meanwhile([this] { QTimer::singleShot(0, [this] { command.stop(); }); });
     command.DeleteLocalItems();
     EXPECT_TRUE(onDisk(u"zuletzt"_s));
     EXPECT_TRUE(local.markedNames().isEmpty());

@@ -5,6 +5,8 @@
 #include <QList>
 #include <functional>
 #include <gtest/gtest.h>
+#include <optional>
+#include <utility>
 
 /// Answers boxes from a script. An unexpected box, one with another text, title or icon, and an
 /// answer that nobody asked for (when the object goes away) fail the test.
@@ -28,6 +30,12 @@ public:
     {
         return add({ Kind::Confirm, text, title, Icon::None, details, {}, ok, {}, {} });
     }
+    /// Answers the next confirmation whatever it says: for what is not about its text.
+    ScriptedPrompts &anyConfirm(bool ok)
+    {
+        m_anyConfirm = ok;
+        return *this;
+    }
     ScriptedPrompts &expectQuestion(const QString &text, bool yes, const QString &title = {})
     {
         return add({ Kind::Question, text, title, Icon::None, {}, {}, yes, {}, {} });
@@ -46,7 +54,7 @@ public:
     }
 
     /// Whether every scripted box was shown.
-    [[nodiscard]] bool finished() const { return m_script.isEmpty(); }
+    [[nodiscard]] bool finished() const { return m_script.isEmpty() && !m_anyConfirm; }
 
     void message(const QString &text, const QString &title = {}, Icon icon = Icon::None) override
     {
@@ -55,9 +63,20 @@ public:
     [[nodiscard]] bool confirm(const QString &text, const QString &title = {},
                                const QString &details = {}) override
     {
+        if (const auto any = std::exchange(m_anyConfirm, std::nullopt)) {
+            return *any;
+        }
         const Step step = take(Kind::Confirm, text, title);
         EXPECT_EQ(details.toStdString(), step.details.toStdString());
         return step.yes;
+    }
+    /// The line counts as any other; it was found before the answer.
+    [[nodiscard]] bool confirmLate(const QString &text, const QString &title,
+                                   const LateDetails &details) override
+    {
+        const QString found = details.find();
+        *details.stop = true;
+        return confirm(text, title, found);
     }
     [[nodiscard]] bool question(const QString &text, const QString &title = {}) override
     {
@@ -106,4 +125,5 @@ private:
     }
 
     QList<Step> m_script;
+    std::optional<bool> m_anyConfirm;
 };
