@@ -86,6 +86,7 @@ struct MarkedItemList {
 struct PermissionChoice {
     int PermissionMode = 0; ///< octal digits as a decimal number
     bool PermissionsConfirmed = false;
+    bool alsoInside = false; ///< files inside marked folders become 644, folders 755
 };
 
 /// Exchange with the folder picker.

@@ -37,6 +37,7 @@ frm_rechte::frm_rechte(PermissionChoice &choice, QWidget *parent)
     setWindowTitle(u"Dateirechte einstellen (Unix chmod)"_s);
     build();
     m_choice.PermissionsConfirmed = false;
+    m_choice.alsoInside = false; // off each time: it reaches far
     setBoxes(m_choice.PermissionMode);
     rechte_aktu();
 }
@@ -49,20 +50,42 @@ void frm_rechte::build()
     groups->addWidget(buildGroup(2, u"Benutzergruppe"_s));
     groups->addWidget(buildGroup(3, u"Andere"_s));
 
+    chk_inhalt = new QCheckBox(u"auch für alles in den Ordnern (Dateien 644, Ordner 755)"_s, this);
+    chk_inhalt->setObjectName(u"chk_inhalt"_s);
+
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(12, 12, 12, 12);
+    whole->setSpacing(12);
+    whole->addLayout(groups);
+    whole->addWidget(chk_inhalt);
+    whole->addLayout(buildNumber());
+    whole->addLayout(buildButtons());
+}
+
+QLayout *frm_rechte::buildNumber()
+{
     lbl_rechte = new QLabel(this);
     lbl_rechte->setObjectName(u"lbl_rechte"_s);
     QFont bold = lbl_rechte->font();
     bold.setBold(true);
     lbl_rechte->setFont(bold);
+    QPushButton *usual = addButton(u"cmd_chmod_644"_s, u"chmod 644"_s);
+    usual->setToolTip(u"Üblich für Webseiten, Bilder und andere Dateien"_s);
+    connect(usual, &QPushButton::clicked, this, [this] { confirmMode(644); });
     QPushButton *chmod = addButton(u"cmd_chmod"_s, u"chmod 755"_s);
     chmod->setToolTip(u"Wird häufig für Dateien im cgi-bin Ordner benötigt"_s);
-    connect(chmod, &QPushButton::clicked, this, &frm_rechte::cmd_chmod_Click);
+    connect(chmod, &QPushButton::clicked, this, [this] { confirmMode(755); });
     auto *number = new QHBoxLayout;
     number->setSpacing(6);
     number->addWidget(new QLabel(u"Gewählte Unix Dateirechte:"_s, this));
     number->addWidget(lbl_rechte, 1);
+    number->addWidget(usual);
     number->addWidget(chmod);
+    return number;
+}
 
+QLayout *frm_rechte::buildButtons()
+{
     QPushButton *ok = addButton(u"cmd_ok"_s, u"&Ok"_s);
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &frm_rechte::cmd_ok_Click);
@@ -76,13 +99,7 @@ void frm_rechte::build()
     buttons->addStretch();
     buttons->addWidget(ok);
     buttons->addWidget(cancel);
-
-    auto *whole = new QVBoxLayout(this);
-    whole->setContentsMargins(12, 12, 12, 12);
-    whole->setSpacing(12);
-    whole->addLayout(groups);
-    whole->addLayout(number);
-    whole->addLayout(buttons);
+    return buttons;
 }
 
 QGroupBox *frm_rechte::buildGroup(int number, const QString &title)
@@ -130,12 +147,13 @@ void frm_rechte::cmd_ok_Click()
 {
     m_choice.PermissionMode = clampMode(lenientInteger(lbl_rechte->text()));
     m_choice.PermissionsConfirmed = true;
+    m_choice.alsoInside = chk_inhalt->isChecked();
     accept();
 }
 
-void frm_rechte::cmd_chmod_Click()
+void frm_rechte::confirmMode(int mode)
 {
-    setBoxes(755);
+    setBoxes(mode);
     cmd_ok_Click();
 }
 

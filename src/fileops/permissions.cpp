@@ -1,10 +1,18 @@
 #include "fileops/permissions.h"
 
 #include "fileops/marking.h"
+#include "remote/itemkind.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int ModeOfFiles = 644;
+constexpr int ModeOfFolders = 755;
+
+} // namespace
 
 PermissionDigits digitsOf(int mode)
 {
@@ -46,6 +54,11 @@ void PermissionCommand::mnu_rechte_Click()
         if (const auto refusal = setMode(item, mode)) {
             refusals.append(item.name + u": "_s + *refusal);
         }
+        if (globals.permissions.alsoInside && item.kind == ItemKind::FolderClose) {
+            if (const auto refusal = setModesInside(item)) {
+                refusals.append(u"In "_s + item.name + u": "_s + *refusal);
+            }
+        }
     }
     record.failed = !refusals.isEmpty();
     record.detail = refusals.join(u'\n');
@@ -66,6 +79,18 @@ std::optional<QString> PermissionCommand::setMode(const MarkedItem &item, const 
     }
     if (!sent) {
         return sent.error().text;
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> PermissionCommand::setModesInside(const MarkedItem &item)
+{
+    m_work.shell.AppendLog(item.name
+                           + u": Dateien darin werden auf 644 gesetzt, Ordner auf 755.\r\n"_s);
+    const FtpStatus changed
+        = m_work.ftp.changeModesInside(pathOf(item, u'/'), ModeOfFiles, ModeOfFolders);
+    if (!changed) {
+        return changed.error().text;
     }
     return std::nullopt;
 }

@@ -31,6 +31,7 @@ public:
 
 private:
     [[nodiscard]] std::optional<QString> setMode(const MarkedItem &item, const QString &mode);
+    [[nodiscard]] std::optional<QString> setModesInside(const MarkedItem &item);
 
     Workplace m_work;
     std::function<void()> m_dialog;

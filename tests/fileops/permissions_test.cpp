@@ -128,6 +128,38 @@ TEST(FrmRechte, TheChmodButtonConfirmsAtOnce)
     EXPECT_EQ(choice.PermissionMode, 755);
 }
 
+TEST(FrmRechte, TheOtherUsualModeConfirmsAtOnce)
+{
+    PermissionChoice choice;
+    frm_rechte dialog(choice);
+    dialog.open();
+    EXPECT_EQ(dialog.findChild<QPushButton *>(u"cmd_chmod_644"_s)->text(), u"chmod 644"_s);
+    click(dialog, u"cmd_chmod_644"_s);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_TRUE(choice.PermissionsConfirmed);
+    EXPECT_EQ(choice.PermissionMode, 644);
+    EXPECT_FALSE(choice.alsoInside);
+}
+
+TEST(FrmRechte, WhatIsInsideIsLeftAloneUnlessTickedThisTime)
+{
+    PermissionChoice choice;
+    const auto inside
+        = [](const frm_rechte &dialog) { return dialog.findChild<QCheckBox *>(u"chk_inhalt"_s); };
+    {
+        frm_rechte dialog(choice);
+        EXPECT_EQ(inside(dialog)->text(),
+                  u"auch für alles in den Ordnern (Dateien 644, Ordner 755)"_s);
+        EXPECT_FALSE(inside(dialog)->isChecked());
+        inside(dialog)->click();
+        click(dialog, u"cmd_chmod"_s);
+        EXPECT_TRUE(choice.alsoInside);
+    }
+    frm_rechte again(choice);
+    EXPECT_FALSE(inside(again)->isChecked());
+    EXPECT_FALSE(choice.alsoInside);
+}
+
 TEST(FrmRechte, TheHelpButtonSendsF1)
 {
     struct Keys : QObject {
@@ -156,10 +188,10 @@ protected:
         ftp.addFolder(u"/www/ordner"_s);
         showBoth();
     }
-    void confirm(int mode)
+    void confirm(int mode, bool alsoInside = false)
     {
-        PermissionCommand(work, [this, mode] {
-            globals.permissions = { mode, true };
+        PermissionCommand(work, [this, mode, alsoInside] {
+            globals.permissions = { mode, true, alsoInside };
         }).mnu_rechte_Click();
     }
     [[nodiscard]] QString columnOf(const QString &name)
@@ -209,6 +241,26 @@ TEST_F(PermissionTest, ARefusalIsToldAndTheColumnFollowsAllTheSame)
     EXPECT_TRUE(shell.queue.value(0).failed);
     EXPECT_EQ(shell.queue.value(0).detail, u"a.cgi: 502 Unknown command."_s);
     EXPECT_TRUE(shell.log.startsWith(u"a.cgi > 502 Unknown command."_s));
+}
+
+TEST_F(PermissionTest, TheContentOfRealFoldersFollowsWhenWanted)
+{
+    ftp.addLink(u"/www/verweis"_s, u"/anderswo"_s);
+    showBoth();
+    remote.selectAll();
+    confirm(700, true);
+    EXPECT_EQ(ftp.commandsOf(u"MODES"_s), QStringList { u"MODES /www/ordner 644 755"_s });
+    EXPECT_EQ(ftp.commandsOf(u"RAW"_s).size(), 4);
+    EXPECT_FALSE(shell.queue.value(0).failed);
+}
+
+TEST_F(PermissionTest, ARefusalInsideAFolderIsTold)
+{
+    remote.select({ u"ordner"_s });
+    ftp.refuseAll(u"MODES"_s, u"550 Not yours."_s);
+    confirm(755, true);
+    EXPECT_TRUE(shell.queue.value(0).failed);
+    EXPECT_EQ(shell.queue.value(0).detail, u"In ordner: 550 Not yours."_s);
 }
 
 TEST_F(PermissionTest, CancelSendsNothing)
