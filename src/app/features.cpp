@@ -9,7 +9,8 @@ Features::Features(const Workplace &workplace, QWidget *window)
     , remove(work)
     , newFolder(work)
     , rename(work)
-    , view(work, progress)
+    , putBack(work, progress)
+    , view(work, progress, putBack)
     , rights(work, [this, window] { frm_rechte(work.globals.permissions, window).exec(); })
 {
 }

@@ -20,6 +20,7 @@ struct Features {
     DeleteCommand remove;
     NewFolderCommand newFolder;
     RenameCommand rename;
+    PutBack putBack;
     ViewCommand view;
     PermissionCommand rights;
 

@@ -31,6 +31,7 @@
 #include "transfer/queueview.h"
 #include "transfer/quota.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenuBar>
@@ -262,6 +263,8 @@ void frm_tarvelo::connectEdits()
             [this] { isBusy() ? void() : m_features->remove.DeleteLocalItems(); });
     connect(&m_remote->view(), &PaneView::deletePressed, this,
             [this] { isBusy() ? void() : m_features->remove.DeleteRemoteItems(); });
+    m_features->putBack.setBusyCheck(
+        [this] { return isBusy() || QApplication::activeModalWidget() != nullptr; });
     connect(m_local, &LocalPane::uploadWanted, this,
             [this] { m_features->transfers.cmd_upload_Click(); });
     connect(m_remote, &RemotePane::downloadWanted, this,

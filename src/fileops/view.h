@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fileops/putback.h"
 #include "fileops/workplace.h"
 #include "transfer/progressdisplay.h"
 
@@ -14,9 +15,11 @@ int openWithDesktop(const QString &path);
 /// Opens a file of a pane with the program that the desktop has for it.
 class ViewCommand {
 public:
-    ViewCommand(const Workplace &work, ProgressDisplay &progress)
+    /// @param putBack  hears of every fetched file
+    ViewCommand(const Workplace &work, ProgressDisplay &progress, PutBack &putBack)
         : m_work(work)
         , m_progress(progress)
+        , m_putBack(putBack)
     {
     }
 
@@ -31,4 +34,5 @@ private:
 
     Workplace m_work;
     ProgressDisplay &m_progress;
+    PutBack &m_putBack;
 };

@@ -24,7 +24,8 @@ protected:
     }
 
     ProgressModel progress;
-    ViewCommand command { work, progress };
+    PutBack putBack { work, progress };
+    ViewCommand command { work, progress, putBack };
 };
 
 TEST_F(ViewTest, FetchesARemoteFileAndOpensIt)
@@ -35,7 +36,7 @@ TEST_F(ViewTest, FetchesARemoteFileAndOpensIt)
     globals.transfer.LocalSize = 500; // left over from a download
     viewRemote(u"index.html"_s);
     EXPECT_EQ(
-        ftp.commands,
+        ftp.commandsOf(u"GET"_s),
         QStringList { u"GET /www/index.html "_s + disk(u"temp/index.html"_s) + u" @0 [0]"_s });
     EXPECT_EQ(readLocal(u"temp/index.html"_s), QByteArray(2000, 'x'));
     EXPECT_EQ(shellCalls(u"vorschau"_s),

@@ -1,0 +1,204 @@
+#include "fileops/putback.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QTemporaryFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int retryTime = 300;
+constexpr qint64 longestText = 16 * 1024 * 1024;
+
+/// Whether a file may be a text that somebody edits: short, and without zero bytes at its start.
+bool looksLikeText(const QString &path)
+{
+    constexpr qint64 start = 8192;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.size() <= longestText
+        && !file.read(start).contains('\0');
+}
+
+} // namespace
+
+PutBack::PutBack(const Workplace &work, ProgressDisplay &progress)
+    : m_work(work)
+    , m_progress(progress)
+{
+    m_retry.setSingleShot(true);
+    m_retry.setInterval(retryTime);
+    connect(&m_retry, &QTimer::timeout, this, &PutBack::offerNext);
+    connect(&m_edits, &EditWatch::saved, this, &PutBack::saved);
+}
+
+QString PutBack::currentServer() const
+{
+    const ConnectionProfile &connection = m_work.globals.connection;
+    return connection.UserName + u'@' + connection.RemoteHost + u':'
+        + QString::number(connection.RemotePort);
+}
+
+void PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
+{
+    // What is written from now on is the fetching, no edit.
+    m_edits.forget(localPath);
+    m_waiting.removeAll(localPath);
+    Fetched file { remotePath, currentServer(), {}, {}, m_work.ftp.transferType(), false };
+    if (const auto before = m_files.constFind(localPath); before != m_files.constEnd()) {
+        // An editor may still show the file of the other folder; sending that one back would
+        // replace the wrong file.
+        file.ambiguous = before->ambiguous || before->remotePath != file.remotePath
+            || before->server != file.server;
+    }
+    // Asked before the fetch: a change in between is then seen later, not missed.
+    if (const auto facts = m_work.ftp.fileFacts(remotePath)) {
+        file.facts = *facts;
+    }
+    m_files.insert(localPath, file);
+}
+
+void PutBack::afterFetch(const QString &localPath)
+{
+    Fetched &file = m_files[localPath];
+    if (!file.ambiguous && looksLikeText(localPath)) {
+        file.hash = contentHash(localPath);
+        m_edits.watch(localPath);
+    }
+}
+
+void PutBack::saved(const QString &localPath)
+{
+    if (!m_waiting.contains(localPath)) {
+        m_waiting.append(localPath);
+    }
+    offerNext();
+}
+
+void PutBack::offerNext()
+{
+    if (m_waiting.isEmpty()) {
+        return;
+    }
+    if (m_busy() || m_work.ftp.isBusy()) {
+        m_retry.start();
+        return;
+    }
+    offer(m_waiting.takeFirst());
+    if (!m_waiting.isEmpty()) {
+        m_retry.start();
+    }
+}
+
+void PutBack::offer(const QString &localPath)
+{
+    const Fetched file = m_files.value(localPath);
+    if (contentHash(localPath) == file.hash) {
+        return; // changed back
+    }
+    if (!mayStart(m_work.ftp) || file.server != currentServer()) {
+        m_work.shell.AppendLog(localPath
+                               + u": Geändert, aber nicht zurückgespielt, denn es besteht keine "
+                                 u"Verbindung zu seinem Server.\r\n"_s);
+        return;
+    }
+    const auto still = [&] { return mayStart(m_work.ftp) && file.server == currentServer(); };
+    if (m_work.prompts.question(file.remotePath
+                                + u"\r\nwurde geändert – zum Server zurückspielen?"_s)
+        && still()) {
+        send(localPath);
+    }
+}
+
+void PutBack::send(const QString &localPath)
+{
+    m_work.shell.SetToolbarsEnabled(false);
+    m_work.shell.SetFolderBoxesEnabled(false);
+    const auto restore = qScopeGuard([this] {
+        m_progress.finish();
+        m_work.shell.ShowTransferItem({}, {});
+        m_work.shell.SetToolbarsEnabled(true);
+        m_work.shell.SetFolderBoxesEnabled(true);
+    });
+    const Fetched file = m_files.value(localPath);
+    m_work.shell.SetFtpProperties();
+    m_work.shell.ShowTransferItem(u"Datei: "_s + QFileInfo(localPath).fileName(),
+                                  QString::number(QFileInfo(localPath).size()));
+    const QString refusal = whyNot(localPath, file);
+    record(localPath, file, refusal);
+    if (refusal.isEmpty() && m_work.ftp.state() == FtpOperations::Connected) {
+        m_work.shell.DoRemoteRefresh(m_work.ftp.currentFolder());
+    }
+}
+
+/// Sends the file. @return why it was not sent; empty when it was
+QString PutBack::whyNot(const QString &localPath, const Fetched &file)
+{
+    const FtpResult<bool> same = isSame(file);
+    if (!same) {
+        return same.error().text;
+    }
+    if (!*same) {
+        return u"Die Datei auf dem Server wurde inzwischen geändert und nicht ersetzt. Ihre "
+               u"Fassung "
+               u"steht in "_s
+            + localPath;
+    }
+    const QByteArray hash = contentHash(localPath);
+    m_progress.setMaximumFor(QFileInfo(localPath).size());
+    m_progress.setValue(0);
+    m_work.globals.transfer.RemoteSize = 0; // from the beginning: the progress counts from here
+    m_work.ftp.setTransferType(file.transferType);
+    m_work.ftp.setStoreMode(StoreReplace);
+    qint64 offset = 0;
+    if (const FtpStatus sent = m_work.ftp.putFile(localPath, file.remotePath, offset); !sent) {
+        return sent.error().text;
+    }
+    Fetched &now = m_files[localPath];
+    now.hash = hash;
+    const auto facts = m_work.ftp.fileFacts(file.remotePath);
+    now.facts = facts ? *facts : FtpFileFacts {};
+    return {};
+}
+
+/// Whether the server's copy is still the one that was fetched.
+FtpResult<bool> PutBack::isSame(const Fetched &file)
+{
+    const FtpResult<FtpFileFacts> facts = m_work.ftp.fileFacts(file.remotePath);
+    if (!facts) {
+        return tl::unexpected(facts.error());
+    }
+    if (facts->time && file.facts.time) {
+        return *facts == file.facts;
+    }
+    // A server that does not tell times is asked for the content itself.
+    QTemporaryFile copy(m_work.globals.folders.temporary + u"vergleich"_s);
+    if (!copy.open()) {
+        return false;
+    }
+    qint64 offset = 0;
+    m_work.ftp.setTransferType(file.transferType);
+    const FtpStatus fetched = m_work.ftp.getFile(file.remotePath, copy.fileName(), offset);
+    if (!fetched) {
+        return tl::unexpected(fetched.error());
+    }
+    return contentHash(copy.fileName()) == file.hash;
+}
+
+void PutBack::record(const QString &localPath, const Fetched &file, const QString &refusal)
+{
+    QueueRow row;
+    row.status = refusal.isEmpty() ? u"Upload"_s : u"Upload verweigert"_s;
+    row.local = localPath;
+    row.size = QString::number(QFileInfo(localPath).size());
+    row.direction = u"-->"_s;
+    row.remote = file.remotePath;
+    row.server = m_work.globals.connection.RemoteHost;
+    row.detail = refusal;
+    row.failed = !refusal.isEmpty();
+    m_work.shell.AddQueueRow(row);
+    if (row.failed) {
+        m_work.shell.AppendLog(u"\r\n"_s + refusal + u"\r\n"_s);
+    }
+}

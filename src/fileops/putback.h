@@ -1,0 +1,53 @@
+#pragma once
+
+#include "fileops/editwatch.h"
+#include "fileops/workplace.h"
+#include "transfer/progressdisplay.h"
+
+#include <QHash>
+#include <QObject>
+#include <functional>
+
+/// Offers to send a viewed text file back to the server each time that it was changed and saved.
+class PutBack : public QObject {
+    Q_OBJECT
+
+public:
+    PutBack(const Workplace &work, ProgressDisplay &progress);
+
+    /// Whether something else runs or asks just now; the offer waits for its end.
+    void setBusyCheck(std::function<bool()> busy) { m_busy = std::move(busy); }
+    [[nodiscard]] EditWatch &edits() { return m_edits; }
+
+    /// A file is about to be fetched: what the server says about it is the state to come back to.
+    void beforeFetch(const QString &localPath, const QString &remotePath);
+    /// It was fetched. Text files are watched from now on.
+    void afterFetch(const QString &localPath);
+
+private:
+    /// A fetched file.
+    struct Fetched {
+        QString remotePath, server; ///< where it came from
+        FtpFileFacts facts; ///< of the server's copy
+        QByteArray hash; ///< of its content here
+        int transferType = 0;
+        bool ambiguous = false; ///< files of two folders met under this name
+    };
+
+    void saved(const QString &localPath);
+    void offerNext();
+    void offer(const QString &localPath);
+    void send(const QString &localPath);
+    [[nodiscard]] QString whyNot(const QString &localPath, const Fetched &file);
+    [[nodiscard]] FtpResult<bool> isSame(const Fetched &file);
+    void record(const QString &localPath, const Fetched &file, const QString &refusal);
+    [[nodiscard]] QString currentServer() const;
+
+    Workplace m_work;
+    ProgressDisplay &m_progress;
+    std::function<bool()> m_busy = [] { return false; };
+    EditWatch m_edits;
+    QTimer m_retry;
+    QHash<QString, Fetched> m_files; ///< by local path
+    QStringList m_waiting; ///< local paths to be asked about
+};

@@ -1,0 +1,184 @@
+#include "fileops/putback.h"
+
+#include "fileops/view.h"
+#include "support/workbench.h"
+#include "transfer/progressmodel.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class PutBackTest : public Workbench {
+protected:
+    PutBackTest()
+    {
+        globals.folders.temporary = disk(u"temp/"_s);
+        QDir().mkpath(globals.folders.temporary);
+        putBack.edits().setQuietTime(10);
+        ftp.addFile(u"/www/a.html"_s, "alt");
+        showBoth();
+    }
+    void view(const QString &name)
+    {
+        viewer.ViewRemoteFile(remote.model().findRow(name));
+        ftp.commands.clear();
+        shell.calls.clear();
+    }
+    void edit(const QByteArray &content) { writeLocal(u"temp/a.html"_s, content); }
+    void expectOffer(bool answer)
+    {
+        prompts.expectQuestion(u"/www/a.html\r\nwurde geändert – zum Server zurückspielen?"_s,
+                               answer);
+    }
+    /// Waits until the question was asked and all that follows was done.
+    void waitForOffer()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return prompts.finished(); }));
+    }
+    /// Waits until an edit was noticed that leads to nothing else than a line in the log.
+    void waitForLog(const QString &text)
+    {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return shell.log.contains(text); }));
+    }
+
+    ProgressModel progress;
+    PutBack putBack { work, progress };
+    ViewCommand viewer { work, progress, putBack };
+};
+
+TEST_F(PutBackTest, AChangedTextGoesBackWhenWanted)
+{
+    view(u"a.html"_s);
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
+    EXPECT_EQ(queueRow(0),
+              (QStringList { u"Upload"_s, disk(u"temp/a.html"_s), u"3"_s, u"-->"_s,
+                             u"/www/a.html"_s, u"files01"_s }));
+    EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
+    EXPECT_EQ(shellCalls(u"DoRemoteRefresh"_s).size(), 1);
+}
+
+TEST_F(PutBackTest, EverySavingIsAskedAboutOnce)
+{
+    view(u"a.html"_s);
+    for (const char *content : { "eins", "zwei" }) {
+        expectOffer(true);
+        edit(content);
+        waitForOffer();
+        EXPECT_EQ(ftp.content(u"/www/a.html"_s), content);
+    }
+    expectOffer(false);
+    edit("drei");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "zwei");
+}
+
+TEST_F(PutBackTest, ACopyThatChangedOnTheServerIsNotReplaced)
+{
+    view(u"a.html"_s);
+    ftp.nodes[u"/www/a.html"_s].content = "von anderen";
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "von anderen");
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+    EXPECT_TRUE(shell.queue[0].detail.contains(disk(u"temp/a.html"_s)));
+    EXPECT_TRUE(shell.log.contains(u"inzwischen geändert"_s));
+}
+
+TEST_F(PutBackTest, ATimeAloneTellsOfAChange)
+{
+    view(u"a.html"_s);
+    ftp.nodes[u"/www/a.html"_s] = { u"-"_s, "neu", {}, 1800000000 };
+    expectOffer(true);
+    edit("mein");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
+}
+
+TEST_F(PutBackTest, WithoutTimesTheContentIsCompared)
+{
+    ftp.nodes[u"/www/a.html"_s].time.reset();
+    view(u"a.html"_s);
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
+    ftp.nodes[u"/www/a.html"_s] = { u"-"_s, "xyz", {}, std::nullopt };
+    expectOffer(true);
+    edit("neuer");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "xyz");
+    EXPECT_EQ(QDir(disk(u"temp"_s)).entryList(QDir::Files), QStringList { u"a.html"_s });
+}
+
+TEST_F(PutBackTest, ARefusedUploadIsTold)
+{
+    view(u"a.html"_s);
+    ftp.refuseAll(u"PUT"_s, u"553 Verboten."_s);
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+    EXPECT_EQ(shell.queue[0].detail, u"553 Verboten."_s);
+}
+
+TEST_F(PutBackTest, TheOfferWaitsForTheEndOfWhatRuns)
+{
+    view(u"a.html"_s);
+    int asked = 0;
+    bool busy = true;
+    putBack.setBusyCheck([&] { return ++asked < 3 || busy; });
+    edit("neu");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return asked > 2; }));
+    expectOffer(false);
+    busy = false;
+    waitForOffer();
+}
+
+TEST_F(PutBackTest, NothingGoesToAnotherServerOrNone)
+{
+    view(u"a.html"_s);
+    globals.connection.RemoteHost = u"anderswo"_s;
+    edit("neu");
+    waitForLog(u"nicht zurückgespielt"_s);
+    globals.connection.RemoteHost = u"files01"_s;
+    shell.log.clear();
+    ftp.connectionState = FtpOperations::Closed;
+    edit("neuer");
+    waitForLog(u"nicht zurückgespielt"_s);
+    EXPECT_TRUE(ftp.commands.isEmpty());
+}
+
+TEST_F(PutBackTest, FilesOfTwoFoldersWithOneNameAreNeverMixedUp)
+{
+    view(u"a.html"_s);
+    ftp.addFile(u"/b/a.html"_s, "anderer");
+    ftp.addFile(u"/www/b.html"_s, "alt");
+    PaneRow row;
+    row.name = u"a.html"_s;
+    row.kind = u"File"_s;
+    row.tag = u"/b/a.html"_s;
+    viewer.ViewRemoteFile(remote.model().appendRow(row));
+    edit("neu"); // an editor may still show the first one
+    remote.show(u"/www"_s);
+    view(u"b.html"_s);
+    prompts.expectQuestion(u"/www/b.html\r\nwurde geändert – zum Server zurückspielen?"_s, false);
+    writeLocal(u"temp/b.html"_s, "neu");
+    waitForOffer(); // both were looked at by then
+    EXPECT_EQ(ftp.content(u"/b/a.html"_s), "anderer");
+}
+
+TEST_F(PutBackTest, OnlyTextIsWatched)
+{
+    ftp.addFile(u"/www/bild.png"_s, QByteArray("\x89PNG\0\0", 6));
+    showBoth();
+    view(u"bild.png"_s);
+    view(u"a.html"_s);
+    writeLocal(u"temp/bild.png"_s, "neu");
+    expectOffer(false);
+    edit("neu");
+    waitForOffer();
+}
