@@ -227,14 +227,26 @@ Awaitable<Status> Client::removeFile(std::string path)
 
 Awaitable<Status> Client::rename(std::string from, std::string to)
 {
-    auto answer = co_await m_session.ask("RNFR " + encode(from));
-    if (!answer) {
-        co_return tl::unexpected(answer.error());
+    std::vector<std::string> commands { "RNFR " + encode(from), "RNTO " + encode(to) };
+    if (auto possible = encodeCommand(commands.back()); !possible) {
+        co_return tl::unexpected(possible.error()); // before the first one is on its way
     }
-    if (answer->refused()) {
-        co_return refusal(*answer);
+    // Callers have just looked whether the new name is free. Both in one packet leave others the
+    // least time to take it, for most servers replace without a word.
+    m_session.dialogue().setMuted(true);
+    auto answers = co_await m_session.askAll(std::move(commands));
+    m_session.dialogue().setMuted(false);
+    if (!answers) {
+        co_return tl::unexpected(answers.error());
     }
-    co_return co_await m_session.expectDone("RNTO " + encode(to));
+    // When the old name is refused, the answer about the new one says nothing.
+    if (answers->front().refused()) {
+        answers->pop_back();
+    }
+    if (const auto &told = m_session.hooks().reply) {
+        std::for_each(answers->begin(), answers->end(), told);
+    }
+    co_return answers->back().done() ? Status {} : Status(refusal(answers->back()));
 }
 
 Awaitable<Status> Client::raw(std::string command)
