@@ -179,7 +179,12 @@ void Session::abortTransfer()
         return;
     }
     m_globals.session.ConnectionLost = true;
-    m_control.close();
+    const FtpStatus dropped = m_control.drop();
+    if (!dropped) {
+        m_prompts.message(QString::number(dropped.error().number()) + u' ' + dropped.error().text);
+        m_control.close();
+        m_remote.model().clear();
+    }
     m_shell.SetAbortEnabled(false);
     showDisconnected();
 }

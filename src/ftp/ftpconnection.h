@@ -16,7 +16,8 @@ enum class FtpEncryption { Automatic, Always, Never };
 /// What the login and logout side asks of the session; FtpControl is the real one.
 class FtpConnection : public FtpOperations {
 public:
-    virtual void setTimeout(int milliseconds) = 0; ///< limit of inactivity for each wait
+    /// Limit of inactivity for each wait; 0 = no limit.
+    virtual void setTimeout(int milliseconds) = 0;
     virtual void setPassiveMode(bool passive) = 0;
     virtual void setProxy(const FtpProxy &proxy) = 0; ///< used by the next connect
     virtual void setEncryption(FtpEncryption encryption) = 0; ///< used by the next connect
@@ -26,6 +27,8 @@ public:
     virtual FtpStatus connectAndLogin(const QString &server, const QString &user,
                                       const QString &password, const QString &account, int port)
         = 0;
+    /// Drops the connection at once, as close does, and tells when not all went well.
+    virtual FtpStatus drop() = 0;
     /// Ends the session politely; the state is Closed afterwards unless an error is returned.
     virtual FtpStatus logout() = 0;
     /// Whether transfers may be restarted at an offset; asked from the server once per session.

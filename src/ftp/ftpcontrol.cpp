@@ -20,6 +20,9 @@ using ftp::ErrorKind;
 
 namespace {
 
+/// Stands for "no limit": long enough for anybody, short enough to be added to any point in time.
+constexpr ftp::Milliseconds noLimit = std::chrono::hours(24 * 365);
+
 tl::unexpected<FtpError> failure(ErrorKind kind, const char *text)
 {
     return tl::unexpected<FtpError>(FtpError { kind, 0, QString::fromLatin1(text) });
@@ -228,7 +231,7 @@ bool FtpControl::isBusy() const { return d->busy; }
 
 void FtpControl::setTimeout(int milliseconds)
 {
-    d->login.timeout = ftp::Milliseconds(milliseconds);
+    d->login.timeout = milliseconds > 0 ? ftp::Milliseconds(milliseconds) : noLimit;
 }
 
 void FtpControl::setPassiveMode(bool passive) { d->login.passive = passive; }
@@ -296,6 +299,16 @@ void FtpControl::close()
         asio::post(ftp::EngineThread::executor(), [dropped] { dropped->abort(); });
     }
     d->setState(Closed);
+}
+
+FtpStatus FtpControl::drop()
+{
+    try {
+        close();
+    } catch (const std::exception &failed) { // the system has no memory or no thread left
+        return failure(ErrorKind::Protocol, failed.what());
+    }
+    return {};
 }
 
 FtpResult<bool> FtpControl::resumeSupport()

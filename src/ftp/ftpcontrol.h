@@ -35,7 +35,7 @@ public:
     [[nodiscard]] int state() const override; ///< Connected only when logged in
     [[nodiscard]] bool isBusy() const override; ///< an operation runs
 
-    void setTimeout(int milliseconds) override; ///< limit of inactivity for each wait
+    void setTimeout(int milliseconds) override; ///< limit of inactivity for each wait; 0 = none
     void setPassiveMode(bool passive) override;
     void
     setTransferType(int type) override; ///< FtpTransferType, used by the next transfer or listing
@@ -53,6 +53,7 @@ public:
                               const QString &account, int port) override;
     /// Ends the session politely; the state is Closed afterwards unless an error is returned.
     FtpStatus logout() override;
+    FtpStatus drop() override;
     /// Drops the connection at once, also from inside a running operation, which then fails with
     /// ErrorKind::Aborted. Never fails.
     void close() override;

@@ -175,6 +175,14 @@ TEST_P(SessionOnServers, AWrongPasswordIsToldSo)
 INSTANTIATE_TEST_SUITE_P(Servers, SessionOnServers, testing::ValuesIn(servers::allKinds()),
                          servers::parameterName);
 
+TEST_F(FaultySession, ATimeoutOfZeroIsNoLimit)
+{
+    globals.connection.Timeout = 0; // as a command line without a number has it
+    server.fault.replyDelay = 50;
+    session.ConnectSequence();
+    expectConnected();
+}
+
 TEST_F(FaultySession, EveryConnectBeginsAFreshSession)
 {
     session.ConnectSequence();

@@ -417,6 +417,24 @@ TEST_F(SessionRules, EveryEventIsPassedOnAfterItWasHandled)
     EXPECT_EQ(replied.first().text, full.text);
 }
 
+TEST_F(SessionRules, AFailureInsideTheAbortIsToldAndTheConnectionIsClosedAllTheSame)
+{
+    ftp.connectionState = FtpOperations::Connected;
+    remote.model().appendRow({ u"a"_s, {}, {}, {}, {}, u"/a"_s });
+    ftp.login = [](const QString &command) -> std::optional<FtpError> {
+        EXPECT_EQ(command, u"DROP"_s);
+        return FtpError { ftp::ErrorKind::Protocol, 0, u"No thread left"_s };
+    };
+    prompts.expectConfirm(u"Beim Abbrechen wird die Verbindung getrennt."_s, true, u"Abbrechen"_s);
+    const FtpError failed { ftp::ErrorKind::Protocol, 0, {} };
+    prompts.expectMessage(QString::number(failed.number()) + u" No thread left"_s);
+    session.abortTransfer();
+    EXPECT_EQ(ftp.connectionState, int { FtpOperations::Closed });
+    EXPECT_TRUE(globals.session.ConnectionLost);
+    EXPECT_EQ(remote.model().findRow(u"a"_s), -1);
+    EXPECT_EQ(shell.calls, QStringList { u"SetAbortEnabled 0"_s } + disconnected());
+}
+
 TEST_F(SessionRules, AbortingAsksAndDropsTheConnection)
 {
     ftp.connectionState = FtpOperations::Connected;

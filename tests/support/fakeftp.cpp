@@ -422,6 +422,15 @@ FtpStatus FakeFtp::connectAndLogin(const QString &server, const QString &user,
     return {};
 }
 
+FtpStatus FakeFtp::drop()
+{
+    if (const auto error = answer(QStringLiteral("DROP"))) {
+        return tl::unexpected<FtpError>(*error);
+    }
+    close();
+    return {};
+}
+
 FtpStatus FakeFtp::logout()
 {
     if (const auto error = answer(QStringLiteral("QUIT"))) {

@@ -77,6 +77,7 @@ public:
     FtpStatus connectAndLogin(const QString &server, const QString &user, const QString &password,
                               const QString &account, int port) override;
     FtpStatus logout() override;
+    FtpStatus drop() override; ///< closes; "DROP" may be refused by login
     FtpResult<bool> resumeSupport() override;
 
     [[nodiscard]] int state() const override { return connectionState; }
