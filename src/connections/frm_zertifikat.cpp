@@ -1,8 +1,10 @@
 #include "connections/frm_zertifikat.h"
 
+#include <QCoreApplication>
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
@@ -135,8 +137,14 @@ QLayout *frm_zertifikat::buttons()
     connect(once, &QPushButton::clicked, this, [this] { trust(FtpTrust::Once); });
     connect(always, &QPushButton::clicked, this, [this] { trust(FtpTrust::Always); });
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    auto *help = button(u"cmd_hilfe"_s, u"&Hilfe"_s);
+    connect(help, &QPushButton::clicked, this, [this] {
+        QCoreApplication::postEvent(this,
+                                    new QKeyEvent(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier));
+    });
     auto *row = new QHBoxLayout;
     row->setSpacing(6);
+    row->addWidget(help);
     row->addStretch();
     row->addWidget(once);
     row->addWidget(always);

@@ -2,6 +2,7 @@
 
 #include "support/modalbox.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -105,4 +106,28 @@ TEST(CertificateDialog, EnterEscapeAndTheFrameTrustNobody)
         const WhenModalOpens<frm_zertifikat> box(leave);
         EXPECT_EQ(frm_zertifikat::ask(sample(), nullptr), FtpTrust::Reject);
     }
+}
+
+TEST(CertificateDialog, TheHelpButtonSendsF1AndTrustsNobody)
+{
+    struct Keys : QObject {
+        int pressed = 0;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::KeyPress) {
+                pressed = static_cast<QKeyEvent *>(event)->key();
+            }
+            return false;
+        }
+    } keys;
+    frm_zertifikat dialog(sample());
+    dialog.show();
+    dialog.installEventFilter(&keys);
+    auto *help = dialog.findChild<QPushButton *>(u"cmd_hilfe"_s);
+    ASSERT_NE(help, nullptr);
+    EXPECT_EQ(help->text(), u"&Hilfe"_s);
+    help->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return keys.pressed == Qt::Key_F1; }));
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.answer(), FtpTrust::Reject);
 }
