@@ -24,7 +24,10 @@ PACKAGES_FUZZ=(clang-16 libclang-rt-16-dev)
 # FTP servers for the tests. These packages conflict with one another, so they are downloaded and
 # unpacked side by side (tests/servers/setup.sh); only the libraries they need are installed.
 PACKAGES_SERVERS_UNPACKED=(vsftpd pure-ftpd proftpd-core proftpd-mod-crypto)
-PACKAGES_SERVERS_LIBRARIES=(libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libmemcached11
+# Proxies for the tests, unpacked in the same way.
+PACKAGES_PROXIES_UNPACKED=(dante-server microsocks ftp-proxy)
+PACKAGES_SERVERS_LIBRARIES=(libacl1 libcap2 libcrypt1 libhiredis0.14 libidn2-0 libldap-2.5-0
+    libmemcached11
     libmemcachedutil2 libncursesw6 libpam0g libpam-modules libpcre2-8-0 libpcre2-posix3
     libsodium23 libssl3 libtinfo6 libwrap0 netbase zlib1g)
 

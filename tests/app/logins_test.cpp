@@ -7,6 +7,7 @@
 #include "support/fakepane.h"
 #include "support/fakeshell.h"
 #include "support/scriptedprompts.h"
+#include "support/storedkeys.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -181,6 +182,16 @@ TEST_F(LoginPaths, TheCommandLinesConnectionIsSaved)
     EXPECT_EQ(saved(u"Bemerkungen"_s), u"Bemerkung"_s);
     EXPECT_EQ(saved(u"Lastconnect"_s), QString());
     EXPECT_EQ(saved(u"ProxyHost"_s), u"fehlt"_s);
+}
+
+TEST_F(LoginPaths, TheCommandLinesConnectionIsSavedInTheGivenOrder)
+{
+    expectFinalMessage();
+    logins.load_commands(fields({}, u"/html"_s));
+    EXPECT_EQ(storedKeys(store.file(), u"Settings"_s),
+              (QStringList { u"RemoteDir"_s, u"LocalDir"_s, u"RemoteHost"_s, u"UserName"_s,
+                             u"Password"_s, u"TransferType"_s, u"Passive"_s, u"Timeout"_s,
+                             u"RemotePort"_s, u"Account"_s, u"Bemerkungen"_s, u"Lastconnect"_s }));
 }
 
 TEST_F(LoginPaths, WithoutALocalFolderNothingIsSelected)

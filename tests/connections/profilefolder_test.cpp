@@ -182,6 +182,7 @@ TEST_F(Profiles, RememberingReplacesOneFolderOfTheCurrentProfile)
     globals.connection.Bemerkungen = u"a\r\nb"_s;
     globals.session.CurrentRemoteDir = u"/html/bilder"_s;
 
+    globals.session.CurrentRemoteDir = u"/anderswo"_s; // only looked at
     ASSERT_TRUE(rememberLocal(globals, u"/home/anna/"_s));
     EXPECT_EQ(bytes(u"Heim.login"_s),
               "files01\r\n\r\n^_`\r\n/home/anna/\r\n/html\r\n30\r\n21\r\n0\r\n2\r\n\r\na<br>b\r\n");

@@ -3,6 +3,7 @@
 #include "common/globals.h"
 #include "common/settingsstore.h"
 #include "ftp/truststore.h"
+#include "support/storedkeys.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -62,6 +63,15 @@ struct SettingsDialog : ::testing::Test {
 };
 
 } // namespace
+
+TEST_F(SettingsDialog, FertigSavesInTheGivenOrder)
+{
+    open();
+    press("cmd_ok");
+    EXPECT_EQ(storedKeys(store.file(), u"Properties"_s),
+              (QStringList { u"LogFolder"_s, u"LogName"_s, u"ErrorMsg"_s, u"HtmlRoot"_s,
+                             u"HiddenFile"_s }));
+}
 
 TEST_F(SettingsDialog, CaptionsAreTheGivenOnes)
 {

@@ -11,17 +11,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A program of the unpacked server packages.
-std::string program(const std::string &path)
-{
-    const char *cache = std::getenv("TARVELO_CACHE");
-    const fs::path root = fs::path(cache != nullptr ? cache : DEFAULT_CACHE) / "servers/root";
-    if (!fs::exists(root / path)) {
-        throw std::runtime_error((root / path).string()
-                                 + " is missing; run tests/servers/setup.sh");
-    }
-    return root / path;
-}
+std::string program(const std::string &path) { return unpackedProgram("root/" + path); }
 
 fs::path write(const fs::path &path, const std::string &text)
 {
@@ -235,6 +225,16 @@ std::vector<std::string> pyftpdlib(const Launch &l)
 }
 
 } // namespace
+
+std::string unpackedProgram(const std::string &path)
+{
+    const char *cache = std::getenv("TARVELO_CACHE");
+    const fs::path whole = fs::path(cache != nullptr ? cache : DEFAULT_CACHE) / "servers" / path;
+    if (!fs::exists(whole)) {
+        throw std::runtime_error(whole.string() + " is missing; run tests/servers/setup.sh");
+    }
+    return whole;
+}
 
 std::vector<std::string> prepare(Kind kind, const Launch &launch)
 {

@@ -18,6 +18,10 @@ struct Launch {
     [[nodiscard]] std::filesystem::path protocol() const { return work / "protocol.log"; }
 };
 
+/// A program of the packages that setup.sh unpacks. @param path  below its folder of the cache
+/// @throws std::runtime_error when it is not there
+std::string unpackedProgram(const std::string &path);
+
 /// Writes the server's configuration into the work folder.
 /// @return the command that starts it in the foreground
 /// @throws std::runtime_error when the server is not there

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the FTP servers of the tests ready: unpacks their packages into the cache folder and, as
-# root, makes the account and the PAM service that vsftpd and the others log in with. May be
+# Makes the FTP servers and proxies of the tests ready: unpacks their packages into the cache folder
+# and, as root, makes the account and the PAM service that vsftpd and the others log in with. May be
 # called any number of times, also by several processes at once.   usage: tests/servers/setup.sh
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
@@ -14,25 +14,42 @@ flock 9
 
 install_packages "${PACKAGES_SERVERS_LIBRARIES[@]}" python3-pyftpdlib python3-openssl openssl
 
-unpacked()
+servers_there()
 {
     [ -x "$target/root/usr/sbin/vsftpd" ] && [ -x "$target/root/usr/sbin/pure-ftpd" ] &&
         [ -x "$target/root/usr/sbin/proftpd" ] && [ -e "$target/root/usr/lib/proftpd/mod_tls.so" ]
 }
 
-if ! unpacked; then
-    echo "Unpacking (not installing) packages: ${PACKAGES_SERVERS_UNPACKED[*]}"
+proxies_there()
+{
+    [ -x "$target/proxies/usr/sbin/danted" ] && [ -x "$target/proxies/usr/bin/microsocks" ] &&
+        [ -x "$target/proxies/usr/sbin/ftp-proxy" ]
+}
+
+# unpack FOLDER PACKAGE..: downloads packages and unpacks them into a folder of the cache.
+unpack()
+{
+    local folder=$1
+    shift
+    echo "Unpacking (not installing) packages: $*"
     rm -rf "$target/debs" "$target/new"
     mkdir -p "$target/debs" "$target/new"
-    (cd "$target/debs" && apt-get download -qq -o APT::Sandbox::User=root \
-        "${PACKAGES_SERVERS_UNPACKED[@]}")
+    (cd "$target/debs" && apt-get download -qq -o APT::Sandbox::User=root "$@")
     for package in "$target"/debs/*.deb; do
         dpkg-deb -x "$package" "$target/new"
     done
-    rm -rf "$target/root"
-    mv "$target/new" "$target/root"
+    rm -rf "${target:?}/$folder"
+    mv "$target/new" "$target/$folder"
     rm -rf "$target/debs"
-    unpacked
+}
+
+if ! servers_there; then
+    unpack root "${PACKAGES_SERVERS_UNPACKED[@]}"
+    servers_there
+fi
+if ! proxies_there; then
+    unpack proxies "${PACKAGES_PROXIES_UNPACKED[@]}"
+    proxies_there
 fi
 
 # The servers that change to the account of the user who logs in need a real one. It is expired,
