@@ -1,5 +1,6 @@
 #include "servers/process.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -10,7 +11,6 @@
 #include <poll.h>
 #include <sstream>
 #include <stdexcept>
-#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -91,7 +91,6 @@ void Process::start(const std::vector<std::string> &command,
     if (m_id == 0) {
         // Only calls that are safe between fork and exec of a program with threads.
         setpgid(0, 0);
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
         const int log = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
         const int nothing = open("/dev/null", O_RDONLY);
         dup2(nothing, 0);
@@ -109,6 +108,7 @@ void Process::start(const std::vector<std::string> &command,
     }
     setpgid(m_id, m_id); // here as well: whichever of both comes first
     m_handle = static_cast<int>(syscall(SYS_pidfd_open, m_id, 0));
+    startWatcher();
 }
 
 bool Process::waitForEnd(int milliseconds)
@@ -121,11 +121,49 @@ bool Process::waitForEnd(int milliseconds)
         return false;
     }
     // The first process is still there as a zombie, so its group id cannot be anybody else's.
+    endWatcher();
     kill(-m_id, SIGKILL);
     waitpid(m_id, nullptr, 0);
     close(m_handle);
     m_id = -1;
     return true;
+}
+
+/// The parent-death signal alone would not do: it is forgotten when a server changes its user, and
+/// it comes when the thread that started the server ends.
+void Process::startWatcher()
+{
+    std::array<int, 2> line {};
+    if (pipe2(line.data(), O_CLOEXEC) != 0) {
+        throw std::runtime_error(std::string("pipe: ") + std::strerror(errno));
+    }
+    m_watcher = fork();
+    if (m_watcher == 0) {
+        // Only calls that are safe after the fork of a program with threads. No other end of this
+        // line or of any socket of the test stays open here.
+        setpgid(0, 0);
+        dup2(line[0], 0);
+        closefrom(1);
+        char byte = 0;
+        while (read(0, &byte, 1) < 0 && errno == EINTR) { }
+        kill(-m_id, SIGKILL);
+        _exit(0);
+    }
+    close(line[0]);
+    m_lifeline = line[1];
+}
+
+void Process::endWatcher()
+{
+    if (m_watcher > 0) {
+        kill(m_watcher, SIGKILL);
+        waitpid(m_watcher, nullptr, 0);
+        m_watcher = -1;
+    }
+    if (m_lifeline >= 0) {
+        close(m_lifeline);
+        m_lifeline = -1;
+    }
 }
 
 void Process::stop()

@@ -1,4 +1,5 @@
-// A child process of a test: started in a process group of its own, stopped by its id.
+// A child process of a test: started in a process group of its own, stopped by its id. It ends with
+// the test in every case: a watcher beside it kills its group when the test is no more.
 #pragma once
 
 #include <filesystem>
@@ -26,7 +27,12 @@ public:
     bool waitForEnd(int milliseconds);
 
 private:
+    void startWatcher();
+    void endWatcher();
+
     pid_t m_id = -1;
+    pid_t m_watcher = -1;
+    int m_lifeline = -1; ///< closes when this process ends, however that happens
     int m_handle = -1; ///< becomes readable when the process has ended
 };
 

@@ -39,7 +39,7 @@ std::string name(Kind kind);
 bool canRun(Kind kind, std::string *why = nullptr);
 
 /// A running server; stopped, and its temporary folder removed, at the end of its life.
-/// The process also ends when the thread that started it ends, so that a crashed test leaves none.
+/// The server ends with the test's process, also when that crashes or is killed.
 class Server {
 public:
     /// Starts the server and waits until it answers.

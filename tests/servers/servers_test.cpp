@@ -1,7 +1,15 @@
 // The test servers themselves: each comes up, lets the user in and serves its folder.
 #include "servers/everyserver.h"
 #include "servers/fixture.h"
+#include "servers/network.h"
 #include "servers/rawclient.h"
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace servers;
@@ -19,6 +27,34 @@ TEST_P(EveryServer, LetsTheUserInAndListsItsFolder)
     client.command("TYPE I");
     EXPECT_TRUE(client.receive("RETR bilder/logo.png")
                 == readFile(server.root() / "bilder/logo.png"));
+}
+
+TEST_P(EveryServer, EndsWithATestThatIsKilled)
+{
+    std::array<int, 2> line {};
+    ASSERT_EQ(pipe(line.data()), 0);
+    const pid_t test = fork();
+    if (test == 0) {
+        setpgid(0, 0);
+        const Server server(GetParam());
+        const std::uint16_t port = server.port();
+        (void)!write(line[1], &port, sizeof port);
+        for (;;) {
+            pause();
+        }
+    }
+    close(line[1]);
+    std::uint16_t port = 0;
+    ASSERT_EQ(read(line[0], &port, sizeof port), static_cast<ssize_t>(sizeof port));
+    close(line[0]);
+    EXPECT_TRUE(isListening(port));
+    kill(test, SIGKILL);
+    waitpid(test, nullptr, 0);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (isListening(port) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::yield();
+    }
+    EXPECT_FALSE(isListening(port));
 }
 
 TEST_P(EveryServer, RefusesAWrongPassword)
