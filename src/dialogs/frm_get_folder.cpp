@@ -95,6 +95,15 @@ void frm_get_folder::buildLayout()
     m_model->setFilter(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
     m_model->setIconProvider(m_icons.get());
     m_model->setRootPath(u"/"_s);
+    // Folders are read aside; rows that come in late push the shown folder out of sight.
+    connect(m_model, &QFileSystemModel::directoryLoaded, this, [this](const QString &read) {
+        const QRect row = m_Dir1->visualRect(m_Dir1->currentIndex());
+        if (shownFolder() != read && isOnDrive(shownFolder(), read)
+            && !m_Dir1->viewport()->rect().contains(row)) {
+            m_Dir1->scrollTo(m_Dir1->currentIndex(), QAbstractItemView::PositionAtCenter);
+            m_Dir1->horizontalScrollBar()->setValue(0);
+        }
+    });
     m_Dir1->setObjectName(u"Dir1"_s);
     m_Dir1->setModel(m_model);
     m_Dir1->setHeaderHidden(true);

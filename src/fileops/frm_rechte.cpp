@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -46,9 +47,17 @@ void frm_rechte::build()
 {
     auto *groups = new QHBoxLayout;
     groups->setSpacing(12);
-    groups->addWidget(buildGroup(1, u"Besitzer"_s));
-    groups->addWidget(buildGroup(2, u"Benutzergruppe"_s));
-    groups->addWidget(buildGroup(3, u"Andere"_s));
+    const std::array<QGroupBox *, 3> columns { buildGroup(1, u"Besitzer"_s),
+                                               buildGroup(2, u"Benutzergruppe"_s),
+                                               buildGroup(3, u"Andere"_s) };
+    int widest = 0;
+    for (const QGroupBox *group : columns) {
+        widest = std::max(widest, group->minimumSizeHint().width());
+    }
+    for (QGroupBox *group : columns) {
+        group->setMinimumWidth(widest);
+        groups->addWidget(group, 1);
+    }
 
     chk_inhalt = new QCheckBox(u"auch für alles in den Ordnern (Dateien 644, Ordner 755)"_s, this);
     chk_inhalt->setObjectName(u"chk_inhalt"_s);
@@ -86,13 +95,13 @@ QLayout *frm_rechte::buildNumber()
 
 QLayout *frm_rechte::buildButtons()
 {
+    QPushButton *help = addButton(u"cmd_hilfe"_s, u"Hilfe"_s); // first for Tab, too
+    connect(help, &QPushButton::clicked, this, &frm_rechte::cmd_hilfe_Click);
     QPushButton *ok = addButton(u"cmd_ok"_s, u"&Ok"_s);
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &frm_rechte::cmd_ok_Click);
     QPushButton *cancel = addButton(u"cmd_abbrechen"_s, u"&Abbrechen"_s);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    QPushButton *help = addButton(u"cmd_hilfe"_s, u"Hilfe"_s);
-    connect(help, &QPushButton::clicked, this, &frm_rechte::cmd_hilfe_Click);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(6);
     buttons->addWidget(help);

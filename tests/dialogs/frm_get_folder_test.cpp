@@ -88,6 +88,20 @@ TEST_F(FolderPicker, StartsAtAnExistingFolderWithItsDrive)
     EXPECT_EQ(drive(), u"/"_s);
 }
 
+TEST_F(FolderPicker, TheShownFolderIsInSightOnceItsNeighboursAreRead)
+{
+    for (int number = 0; number < 200; ++number) {
+        QDir(root).mkpath(u"viele/%1"_s.arg(number, 3, 10, QChar(u'0')));
+    }
+    open(root + u"/viele/150"_s);
+    auto *tree = find<QTreeView>("Dir1");
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        const QModelIndex shown = tree->currentIndex();
+        return shown.isValid() && tree->model()->rowCount(shown.parent()) == 200
+            && tree->viewport()->rect().contains(tree->visualRect(shown).center());
+    }));
+}
+
 TEST_F(FolderPicker, WithoutAnExistingStartItOpensOnTheProfileFolder)
 {
     QFile file(root + u"/datei"_s);

@@ -72,6 +72,18 @@ TEST(FrmRechte, IsEmptyAtFirstUse)
     }
 }
 
+TEST(FrmRechte, TheThreeGroupsAreEquallyWide)
+{
+    PermissionChoice choice;
+    frm_rechte dialog(choice);
+    dialog.show();
+    const auto groups = dialog.findChildren<QGroupBox *>();
+    ASSERT_EQ(groups.size(), 3);
+    for (const QGroupBox *group : groups) {
+        EXPECT_NEAR(group->width(), groups.first()->width(), 1);
+    }
+}
+
 TEST(FrmRechte, AddsUpTheTickedBoxes)
 {
     const int weights[3][3] { { 400, 200, 100 }, { 40, 20, 10 }, { 4, 2, 1 } };
