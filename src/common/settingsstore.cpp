@@ -153,6 +153,9 @@ QString SettingsStore::fromBoolean(bool value) { return value ? u"True"_s : u"Fa
 
 void SettingsStore::setText(const QString &section, const QString &key, const QString &value)
 {
+    if (onSet) {
+        onSet(section, key);
+    }
     m_settings.setValue(path(section, key), value);
 }
 

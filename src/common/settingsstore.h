@@ -4,6 +4,7 @@
 #include <QPair>
 #include <QSettings>
 #include <QString>
+#include <functional>
 #include <tl/expected.hpp>
 
 /// A stored value that cannot be read as what it should be, or a file that cannot be read at all.
@@ -58,6 +59,9 @@ public:
 
     /// Text form of a truth value: the words True and False.
     [[nodiscard]] static QString fromBoolean(bool value);
+
+    /// Hears of every text, number and truth value that is set, in their order; may be empty.
+    std::function<void(const QString &section, const QString &key)> onSet;
 
     void setText(const QString &section, const QString &key, const QString &value);
     void setInteger(const QString &section, const QString &key, int value);

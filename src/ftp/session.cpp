@@ -123,7 +123,10 @@ Awaitable<Status> Session::openOnce()
         co_return tl::unexpected(loginError(greeting.error(), false));
     }
     m_greeting = greeting->text();
-    if (knownToStumble(m_greeting)) {
+    // A proxy that speaks FTP answers some commands itself, before the server has answered earlier
+    // ones.
+    const bool overtakes = m_login.proxy.application() && m_login.proxy.kind != ProxyKind::Pipe;
+    if (overtakes || knownToStumble(m_greeting)) {
         m_knowledge->noPipelining = true;
     }
     m_knowledge->keepsOrder = knownToKeepOrder(m_greeting);

@@ -187,8 +187,9 @@ TEST_F(LoginPaths, TheCommandLinesConnectionIsSaved)
 TEST_F(LoginPaths, TheCommandLinesConnectionIsSavedInTheGivenOrder)
 {
     expectFinalMessage();
+    const StoredKeys saved(store, u"Settings"_s);
     logins.load_commands(fields({}, u"/html"_s));
-    EXPECT_EQ(storedKeys(store.file(), u"Settings"_s),
+    EXPECT_EQ(saved.keys,
               (QStringList { u"RemoteDir"_s, u"LocalDir"_s, u"RemoteHost"_s, u"UserName"_s,
                              u"Password"_s, u"TransferType"_s, u"Passive"_s, u"Timeout"_s,
                              u"RemotePort"_s, u"Account"_s, u"Bemerkungen"_s, u"Lastconnect"_s }));

@@ -181,9 +181,10 @@ TEST_F(ConnectDialog, LoginTakesAndSavesEverything)
 TEST_F(ConnectDialog, LoginSavesInTheGivenOrder)
 {
     open();
+    const StoredKeys saved(store, u"Settings"_s);
     press("cmdOK");
     EXPECT_EQ(
-        storedKeys(store.file(), u"Settings"_s),
+        saved.keys,
         (QStringList { u"RemoteDir"_s, u"LocalDir"_s, u"RemoteHost"_s, u"UserName"_s, u"Password"_s,
                        u"TransferType"_s, u"Passive"_s, u"Timeout"_s, u"RemotePort"_s, u"Account"_s,
                        u"Bemerkungen"_s, u"ProxyType"_s, u"ProxyHost"_s, u"ProxyUsername"_s,

@@ -67,8 +67,9 @@ struct SettingsDialog : ::testing::Test {
 TEST_F(SettingsDialog, FertigSavesInTheGivenOrder)
 {
     open();
+    const StoredKeys saved(store, u"Properties"_s);
     press("cmd_ok");
-    EXPECT_EQ(storedKeys(store.file(), u"Properties"_s),
+    EXPECT_EQ(saved.keys,
               (QStringList { u"LogFolder"_s, u"LogName"_s, u"ErrorMsg"_s, u"HtmlRoot"_s,
                              u"HiddenFile"_s }));
 }
