@@ -95,11 +95,14 @@ TEST_F(FolderPicker, TheShownFolderIsInSightOnceItsNeighboursAreRead)
     }
     open(root + u"/viele/150"_s);
     auto *tree = find<QTreeView>("Dir1");
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        const QModelIndex shown = tree->currentIndex();
-        return shown.isValid() && tree->model()->rowCount(shown.parent()) == 200
-            && tree->viewport()->rect().contains(tree->visualRect(shown).center());
-    }));
+    constexpr int patience = 20000; // milliseconds
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            const QModelIndex shown = tree->currentIndex();
+            return shown.isValid() && tree->model()->rowCount(shown.parent()) == 200
+                && tree->viewport()->rect().contains(tree->visualRect(shown).center());
+        },
+        patience));
 }
 
 TEST_F(FolderPicker, WithoutAnExistingStartItOpensOnTheProfileFolder)

@@ -200,7 +200,8 @@ TEST_P(OnlineWindow, MakesRenamesAndDeletesOnTheServer)
     select(pane, { "entwürfe" });
     prompts.expectConfirm(
         QStringLiteral("Sind Sie sicher, dass Sie 1 Dateien oder Ordner löschen möchten?"), true,
-        QStringLiteral("Confirm Delete"));
+        QStringLiteral("Confirm Delete"),
+        QStringLiteral("In den Ordnern: 0 Dateien und 0 Ordner."));
     QTest::keyClick(&pane.view(), Qt::Key_Delete);
     settle();
     EXPECT_FALSE(std::filesystem::exists(remote("entwürfe"))) << log();

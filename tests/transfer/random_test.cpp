@@ -160,12 +160,8 @@ protected:
         (isRemote ? remote : local).select(names);
         doing = u"delete "_s + names.join(u", "_s);
         DeleteCommand command(work);
-        command.setCountLimit(-1);
         if (!names.isEmpty()) {
-            prompts.expectConfirm(
-                u"Sind Sie sicher, dass Sie %1 Dateien oder Ordner löschen möchten?"_s.arg(
-                    names.size()),
-                true, u"Confirm Delete"_s);
+            prompts.anyConfirm(true);
         }
         isRemote ? command.DeleteRemoteItems() : command.DeleteLocalItems();
         for (const QString &name : names) {
