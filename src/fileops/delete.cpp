@@ -200,12 +200,13 @@ void DeleteCommand::deleteRemoteFiles(const QList<MarkedItem> &files)
         paths.append(pathOf(file, u'/'));
     }
     m_work.shell.ShowTransferItem(labelOf(files.first()), {});
-    const FtpStatus removed = m_work.ftp.removeFiles(paths, [&](int index, const FtpStatus &done) {
-        recordRemote(files.at(index), reasonOf(done));
-        if (index + 1 < files.size()) {
-            m_work.shell.ShowTransferItem(labelOf(files.at(index + 1)), {});
-        }
-    });
+    const FtpStatus removed
+        = m_work.ftp.removeFiles(paths, [&](qsizetype index, const FtpStatus &done) {
+              recordRemote(files.at(index), reasonOf(done));
+              if (index + 1 < files.size()) {
+                  m_work.shell.ShowTransferItem(labelOf(files.at(index + 1)), {});
+              }
+          });
     ignoreError(removed, "every file that was tried has told its own outcome");
     m_work.shell.ShowTransferItem({}, {});
 }
