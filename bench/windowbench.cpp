@@ -36,6 +36,11 @@ namespace {
 class YesPrompts : public Prompts {
 public:
     void message(const QString &, const QString &, Icon) override { }
+    bool confirmLate(const QString &text, const QString &title, const LateDetails &details) override
+    {
+        const QString found = details.find();
+        return confirm(text, title, found);
+    }
     bool confirm(const QString &, const QString &, const QString &) override { return true; }
     bool question(const QString &, const QString &) override { return true; }
     std::optional<QString> input(const QString &, const QString &proposal, const QString &) override
