@@ -8,6 +8,7 @@ done (not when the faults hit), and is printed with a failure.
     chaos.py --program .. --driver .. --ftp-server .. [--server KIND] [--seed N] [--steps N] [--faults P]"""
 import argparse
 import random
+import shutil
 import sys
 import tempfile
 import threading
@@ -339,11 +340,15 @@ def run(arguments, folder, display):
     home = folder / "home"
     home.mkdir()
     path, _ = opener(home)
+    # Profiles stand beside the program: each run has its own.
+    program_file = folder / "stick" / "tarvelo-ftp"
+    program_file.parent.mkdir()
+    shutil.copy(arguments.program, program_file)
     # pyftpdlib spins for seconds when an encrypted connection ends without a farewell.
     tls = [] if arguments.server == "pyftpdlib" else ["--tls"]
     with RealServer(arguments.ftp_server, arguments.server, folder / "webspace", tls) as server, \
             Gate(server.port) as gate, \
-            Program(arguments.program, arguments.driver, [], home, display.name, timeout=60,
+            Program(program_file, arguments.driver, [], home, display.name, timeout=60,
                     variables={"PATH": f"{path}:/usr/bin:/bin"}) as program:
         user = User(program)
         user.passes_info()

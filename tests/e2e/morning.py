@@ -118,8 +118,8 @@ class Morning:
         sample(target / "d.bin", whole[:20_000])
         self.server.adopt()
         self.refresh({"a.html", "b.html", "c.html", "d.bin"})
-        answers = [("a.html", u.overwrites),
-                   ("b.html", u.renames_to("b-alt.html")), ("b.html", u.overwrites),  # asked again
+        answers = [("a.html", self.overwrites_after_reading), ("b.html", u.renames_to("b-alt.html")),
+                   ("b.html", u.overwrites),  # asked again
                    ("c.html", u.skips), ("d.bin", u.resumes)]
         rows = u.transfers(view, ["a.html", "b.html", "c.html", "d.bin"], answers, False)
         word = "Upload" if view == "lvwLocal" else "Download"
@@ -129,6 +129,18 @@ class Morning:
         expect("b-alt.html", (target / "b-alt.html").read_text(), "alt b.html")
         expect("c.html", (target / "c.html").read_text(), "alt c.html")
         expect("d.bin", (target / "d.bin").read_bytes() == whole, True)
+
+    def overwrites_after_reading(self):
+        """Looks into the help of both dialogs first. Going back from the renaming asks again."""
+        u = self.user
+        u.presses_f1("frmTransfer", "Datei ist schon vorhanden")
+        self.program.click("cmdRename")
+        u.sees("frmRename")
+        u.presses_f1("frmRename", "Vorhandene Datei umbenennen")
+        self.program.enter("txtRename", "a.html")  # taken, so nothing is renamed
+        self.program.click("cmdOK")
+        u.is_asked_about("a.html")
+        u.overwrites()
 
     def refresh(self, names):
         for bar, view in (("tbToolBar_rem", "lvwRemote"), ("tbToolBar", "lvwLocal")):
