@@ -20,7 +20,7 @@ from driver import Display, DriverError, Program
 from realserver import KINDS, Gate, RealServer, can_run
 from user import User, opener
 
-LIMIT = 90  # seconds until a step must be over; time-outs of the connection are 3 seconds
+LIMIT = 90  # seconds until a step must be over; the connection has a time-out of 10 seconds
 GROWTH = 24 << 20  # bytes by which the program may grow after the first third of the steps
 FILES = ["index.html", "bild 1.png", "Über uns.html", "50% & mehr.txt", "a#b?.css", "[neu].js"]
 FOLDERS = ["bilder", "Fotos [2020]", "tief"]
@@ -230,7 +230,7 @@ class Chaos:
     def breaks_something(self):
         """A fault somewhen during the step, and its end."""
         kind = self.dice.choice(["cut", "shut", "freeze"])
-        delay, length = self.dice.random() * 0.3, self.dice.random() * 5
+        delay, length = self.dice.random() * 0.3, self.dice.random() * (13 if kind == "freeze" else 3)
         over = threading.Event()
 
         def run():
@@ -353,7 +353,7 @@ def run(arguments, folder, display):
         user = User(program)
         user.passes_info()
         user.makes_connection("chaos", "127.0.0.1", gate.port, server.user, server.password)
-        program.enter("txtTimeout", "3")
+        program.enter("txtTimeout", "10")
         program.enter("txtLocalDir", f"{local}/")
         program.click("cmd_profil_speichern")
         chaos = Chaos(user, gate, server, local, dice, arguments.faults)

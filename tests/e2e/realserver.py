@@ -8,6 +8,8 @@ import socket
 import struct
 import subprocess
 import threading
+from contextlib import suppress
+from pathlib import Path
 
 from driver import DriverError
 
@@ -26,6 +28,14 @@ def upload_limit(kind, kilobytes):
     if kind == "pureftpd":
         return ["--extra", "-T", "--extra", f"{kilobytes}:"]
     return ["--extra", extra] if extra else []
+
+
+def children(process):
+    try:
+        return [int(child) for child in
+                Path(f"/proc/{process}/task/{process}/children").read_text().split()]
+    except OSError:
+        return []  # it has just ended
 
 
 class RealServer:
@@ -54,6 +64,15 @@ class RealServer:
             for name in files:
                 os.chown(os.path.join(folder, name), account.pw_uid, account.pw_gid,
                          follow_symlinks=False)
+
+    def drop_sessions(self):
+        """Kills the processes that serve sessions, and with them control and data connections; the one
+        that waits for new sessions stays. For servers with a process a session."""
+        for daemon in children(self._process.pid):
+            for session in children(daemon):
+                for process in (*children(session), session):
+                    with suppress(ProcessLookupError):
+                        os.kill(process, signal.SIGKILL)
 
     def __enter__(self):
         return self
