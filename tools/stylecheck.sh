@@ -62,6 +62,13 @@ look "fixed sleep in a test; wait for a condition" \
 look "skipped test; only for the reason that servers::canRun gives" \
     'GTEST_SKIP\(\)(?! << why;)|QSKIP|\bDISABLED_' "${tests[@]}"
 
+# A file that its room's list forgets is a test that never runs.
+for file in "${tests[@]}"; do
+    case $file in *_test.cpp) ;; *) continue ;; esac
+    grep -qw -- "${file##*/}" "${file%/*}/CMakeLists.txt" \
+        || echo "$file:1: not in ${file%/*}/CMakeLists.txt" >> "$findings"
+done
+
 # Words that have no place in the source; each line of the list is one pattern.
 while IFS= read -r word; do
     case $word in '' | '#'*) continue ;; esac
