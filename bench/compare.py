@@ -190,7 +190,7 @@ def big_folder(root):
 def panes(host, port, root):
     big_folder(root)
     for _ in range(a.runs):
-        seconds = run(lftp("cls many/", f"ftp://{a.user}:{a.password}@{host}:{port}", False))
+        seconds = Cost(lftp("cls many/", f"ftp://{a.user}:{a.password}@{host}:{port}", False)).seconds
         print(f"\nlftp cls {seconds * 1000:.0f} ms")
         sys.stdout.flush()
         subprocess.run([a.panebench, "100000", host, str(port), a.user, a.password, "/many"], check=True)

@@ -207,17 +207,17 @@ void FilePane::sortByColumn(int column)
     for (const int row : before.size() <= fewSelected ? before : QList<int>()) {
         selected.insert(m_model.row(row).tag);
     }
-    QList<PaneRow> rows = m_model.rows();
-    const auto sort = [&rows, column] {
-        rows = RegroupRows(sortRows(std::move(rows), column, columnOrder(column)));
-    };
-    if (rows.size() < manyRows) {
-        sort();
-    } else {
-        runBesideWindow(sort);
-    }
+    std::vector<int> order;
+    {
+        const QList<PaneRow> rows = m_model.rows();
+        const auto sort = [&] { order = groupedOrder(rows, column, columnOrder(column)); };
+        rows.size() < manyRows ? sort() : runBesideWindow(sort);
+        if (m_model.rows().constData() != rows.constData()) {
+            return; // others have come meanwhile, and are in their own order
+        }
+    } // nobody shares the rows any more: they can be moved
     m_sortColumn = column;
-    m_model.setRows(std::move(rows));
+    m_model.reorder(order);
     if (selected.isEmpty()) {
         return;
     }

@@ -4,6 +4,7 @@
 #include "remote/background.h"
 #include "remote/icons.h"
 #include "remote/itemkind.h"
+#include "remote/roworder.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -135,6 +136,13 @@ void PaneModel::setRows(QList<PaneRow> rows)
     if (rows.size() > manyRows) {
         freeBesideWindow(std::move(rows));
     }
+}
+
+void PaneModel::reorder(const std::vector<int> &order)
+{
+    beginResetModel();
+    m_rows = inOrder(std::exchange(m_rows, {}), order);
+    endResetModel();
 }
 
 int PaneModel::appendRow(const PaneRow &row)

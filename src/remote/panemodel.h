@@ -4,6 +4,8 @@
 
 #include <QAbstractTableModel>
 
+#include <vector>
+
 /// Table of pane rows that both panes share. Knows neither FTP nor the disk.
 class PaneModel : public QAbstractTableModel {
     Q_OBJECT
@@ -28,6 +30,8 @@ public:
     [[nodiscard]] const QList<PaneRow> &rows() const { return m_rows; }
     [[nodiscard]] const PaneRow &row(int index) const { return m_rows.at(index); }
     void setRows(QList<PaneRow> rows);
+    /// @param order  the number that each row has now, in the order that it shall have
+    void reorder(const std::vector<int> &order);
     void clear() { setRows({}); }
     int appendRow(const PaneRow &row); ///< @return its index
     void removeRowAt(int index);

@@ -111,10 +111,10 @@ void PaneView::resizeEvent(QResizeEvent *event)
 {
     // Names that filled the list go on doing so; a width that the user gave them stays.
     const bool filling = header()->sectionSize(ColumnName) == nameWidth(event->oldSize().width());
-    DropView::resizeEvent(event);
-    if (filling) {
+    if (filling) { // before the scroll bars are looked at
         header()->resizeSection(ColumnName, nameWidth(viewport()->width()));
     }
+    DropView::resizeEvent(event);
 }
 
 bool PaneView::event(QEvent *event)

@@ -74,36 +74,40 @@ std::vector<int> orderByCodes(const QList<PaneRow> &rows, int column, Qt::SortOr
     return sortedOrder(std::vector<CodeKey>(texts.begin(), texts.end()), order);
 }
 
-/// Gives every row its place by name; rows of equal names share theirs.
-void findNamePlaces(QList<PaneRow> &rows)
+/// Every row's place by name; rows of equal names share theirs.
+std::vector<int> foundNamePlaces(const QList<PaneRow> &rows)
 {
     // A key is made once a row; comparing two keys is far cheaper than comparing two texts.
     std::vector<QCollatorSortKey> keys;
     keys.reserve(static_cast<std::size_t>(rows.size()));
     const QCollator collator = textOrder();
-    for (const PaneRow &row : std::as_const(rows)) {
+    for (const PaneRow &row : rows) {
         keys.push_back(collator.sortKey(row.name));
     }
-    const std::vector<int> order = sortedOrder(keys, Qt::AscendingOrder);
-    const auto key = [&](std::size_t at) { return keys[static_cast<std::size_t>(order[at])]; };
-    for (std::size_t at = 0; at < order.size(); ++at) {
-        const bool same = at > 0 && key(at - 1).compare(key(at)) == 0;
-        rows[order[at]].namePlace = same ? rows.at(order[at - 1]).namePlace : static_cast<int>(at);
+    std::vector<int> places(keys.size());
+    const auto number = [](int row) { return static_cast<std::size_t>(row); };
+    int place = 0;
+    for (int last = -1; const int row : sortedOrder(keys, Qt::AscendingOrder)) {
+        const bool same = last >= 0 && keys[number(last)].compare(keys[number(row)]) == 0;
+        places[number(row)] = same ? place : ++place;
+        last = row;
     }
+    return places;
 }
 
-std::vector<int> orderByName(QList<PaneRow> &rows, Qt::SortOrder order)
+/// The places that the rows know, or where one of them does not, places found afresh.
+std::vector<int> namePlaces(const QList<PaneRow> &rows)
 {
     const auto unknown = [](const PaneRow &row) { return row.namePlace < 0; };
-    if (std::any_of(rows.cbegin(), rows.cend(), unknown)) {
-        findNamePlaces(rows);
+    if (std::any_of(rows.begin(), rows.end(), unknown)) {
+        return foundNamePlaces(rows);
     }
     std::vector<int> places;
     places.reserve(static_cast<std::size_t>(rows.size()));
-    for (const PaneRow &row : std::as_const(rows)) {
+    for (const PaneRow &row : rows) {
         places.push_back(row.namePlace);
     }
-    return sortedOrder(places, order);
+    return places;
 }
 
 } // namespace
@@ -153,14 +157,36 @@ QList<PaneRow> RegroupRows(QList<PaneRow> sorted)
     return result;
 }
 
-QList<PaneRow> sortRows(QList<PaneRow> rows, int column, Qt::SortOrder order)
+QList<PaneRow> inOrder(QList<PaneRow> rows, const std::vector<int> &order)
 {
-    const std::vector<int> places
-        = column == ColumnName ? orderByName(rows, order) : orderByCodes(rows, column, order);
     QList<PaneRow> result;
     result.reserve(rows.size());
-    for (const int row : places) {
+    for (const int row : order) {
         result.append(std::move(rows[row]));
     }
+    return result;
+}
+
+QList<PaneRow> sortRows(QList<PaneRow> rows, int column, Qt::SortOrder order)
+{
+    if (column != ColumnName) {
+        return inOrder(rows, orderByCodes(rows, column, order));
+    }
+    const std::vector<int> places = namePlaces(rows);
+    for (qsizetype at = 0; at < rows.size(); ++at) {
+        rows[at].namePlace = places[static_cast<std::size_t>(at)];
+    }
+    return inOrder(std::move(rows), sortedOrder(places, order));
+}
+
+std::vector<int> groupedOrder(const QList<PaneRow> &rows, int column, Qt::SortOrder order)
+{
+    std::vector<int> result = column == ColumnName ? sortedOrder(namePlaces(rows), order)
+                                                   : orderByCodes(rows, column, order);
+    const auto rest = std::stable_partition(result.begin(), result.end(), [&rows](int row) {
+        return rows.at(row).kind == ItemKind::Cdup;
+    });
+    std::stable_partition(rest, result.end(),
+                          [&rows](int row) { return rows.at(row).kind == ItemKind::FolderClose; });
     return result;
 }
