@@ -83,6 +83,10 @@ QLayout *frmConnect::profileRow()
     m_cbo_profil->setEditable(true);
     m_cbo_profil->setInsertPolicy(QComboBox::NoInsert);
     m_cbo_profil->setCompleter(nullptr); // it would finish a new name as an old one
+    // Leaving the line would choose the entry of that name: typing a name only names what is to be
+    // saved, and must not load the old fields over the typed ones.
+    QObject::disconnect(m_cbo_profil->lineEdit(), &QLineEdit::editingFinished, m_cbo_profil,
+                        nullptr);
     m_cbo_profil->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_cbo_profil->setMinimumContentsLength(16);
     connect(m_cbo_profil->lineEdit(), &QLineEdit::textEdited, this, &frmConnect::filterName);

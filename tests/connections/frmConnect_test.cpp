@@ -283,3 +283,22 @@ TEST_F(ConnectDialog, HelpSendsF1)
     EXPECT_TRUE(QTest::qWaitFor([&] { return listener.keys == 1; }));
     EXPECT_TRUE(dialog->isVisible());
 }
+
+TEST_F(ConnectDialog, TypingTheNameOfAProfileNamesWhatIsSavedAndLoadsNothing)
+{
+    writeHome();
+    open();
+    press("cmd_profil_neu");
+    edit("txtRemoteHost")->setText(u"neu01"_s);
+    edit("txtUserName")->setText(u"neuer"_s);
+    names()->setFocus();
+    QTest::keyClicks(names()->lineEdit(), u"Heim"_s);
+    auto *save = find<QPushButton>("cmd_profil_speichern");
+    save->setFocus(); // as a click with the mouse does first
+    QTest::mouseClick(save, Qt::LeftButton);
+    EXPECT_EQ(edit("txtRemoteHost")->text(), u"neu01"_s);
+    ProfileFields saved;
+    ASSERT_GT(profiles.read(u"Heim"_s, saved), 0);
+    EXPECT_EQ(saved.RemoteHost, u"neu01"_s);
+    EXPECT_EQ(saved.UserName, u"neuer"_s);
+}
