@@ -17,6 +17,8 @@ namespace {
 constexpr int manyRows = 5000;
 /// Beyond this many selected rows looking them up again costs more than the selection is worth.
 constexpr int fewSelected = 2000;
+/// Of an entry of the folder box: the program has put it there.
+constexpr int RememberedRole = Qt::UserRole + 1;
 } // namespace
 
 Qt::SortOrder columnOrder(int column)
@@ -101,8 +103,15 @@ void FilePane::rememberFolder(const QString &folder)
         if (entryOf(folder) < 0) {
             m_box->addItem(folder);
         }
+        m_box->setItemData(entryOf(folder), true, RememberedRole);
     }
     setFolderText(folder);
+}
+
+bool FilePane::isRemembered(const QString &folder) const
+{
+    const int entry = entryOf(folder);
+    return entry >= 0 && m_box->itemData(entry, RememberedRole).toBool();
 }
 
 bool FilePane::sameFolder(const QString &entry, const QString &folder) const

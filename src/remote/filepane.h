@@ -61,6 +61,8 @@ protected:
     void showRows(QList<PaneRow> rows);
     /// A separator at the end, or not: whether two texts mean one entry of the history.
     [[nodiscard]] virtual bool sameFolder(const QString &entry, const QString &folder) const;
+    /// Whether the history holds a folder that was shown: a path, not a text that somebody typed.
+    [[nodiscard]] bool isRemembered(const QString &folder) const;
     [[nodiscard]] virtual bool maySort() const { return m_model.rowCount() > 1; }
     bool eventFilter(QObject *watched, QEvent *event) override;
 

@@ -257,7 +257,8 @@ void RemotePane::chooseFolder()
     }
     const auto resume = pauseCommands(m_shell, m_ftp);
     QString path = folder();
-    ListRemoteFolder(path, FolderSource::Box);
+    // What was shown once is a path, whatever brackets and blanks its name has.
+    ListRemoteFolder(path, isRemembered(path) ? FolderSource::Derived : FolderSource::Box);
     setFolderText(path);
     m_globals.session.CurrentRemoteDir = path;
 }

@@ -255,6 +255,32 @@ TEST_F(RemotePaneTest, ABracketedFolderNeverBecomesAShorterOne)
     EXPECT_EQ(m_ftp.current, QStringLiteral("/Fotos "));
 }
 
+TEST_F(RemotePaneTest, ABracketedFolderOfTheHistoryIsFoundAgain)
+{
+    m_ftp.addFile(QStringLiteral("/Fotos [2020]/a.jpg"), "1");
+    m_ftp.addFile(QStringLiteral("/Fotos/falsch.jpg"), "1");
+    m_pane.EnterRemoteFolder(QStringLiteral("/Fotos [2020]"));
+    m_pane.RememberRemoteFolder();
+    m_pane.EnterRemoteFolder(QStringLiteral("/www"));
+    clearNotes();
+    m_pane.box().setCurrentIndex(0);
+    Q_EMIT m_pane.box().activated(0);
+    EXPECT_EQ(names(), "<up> a.jpg");
+    EXPECT_EQ(m_ftp.commands.first(), QStringLiteral("CWD /Fotos [2020]/"));
+
+    m_pane.EnterRemoteFolder(QStringLiteral("/www"));
+    m_pane.box().setEditText(QStringLiteral("/Fotos [2020]"));
+    QTest::keyClick(&m_pane.box(), Qt::Key_Return);
+    EXPECT_EQ(names(), "<up> a.jpg") << "typed, it is the same folder";
+
+    m_pane.box().addItem(QStringLiteral("/www/leer [Archiv]"));
+    m_pane.box().setCurrentIndex(1);
+    clearNotes();
+    Q_EMIT m_pane.box().activated(1);
+    EXPECT_EQ(m_ftp.commands.first(), QStringLiteral("CWD /www/leer/"))
+        << "an entry that the program did not make may be annotated";
+}
+
 TEST_F(RemotePaneTest, ChoosingAnEntryListsItAtOnce)
 {
     m_pane.EnterRemoteFolder(QStringLiteral("/"));
