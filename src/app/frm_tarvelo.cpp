@@ -237,12 +237,27 @@ void frm_tarvelo::connectPanes()
             [this] { m_globals.active = { .LocalListActive = true }; });
     connect(&m_remote->view(), &PaneView::gotFocus, this,
             [this] { m_globals.active = { .RemoteListActive = true }; });
-    connect(&m_local->view(), &PaneView::selectionMoved, this,
-            [this] { isBusy() ? void() : UpdateLocalCommandStates(); });
-    connect(&m_remote->view(), &PaneView::selectionMoved, this,
-            [this] { isBusy() ? void() : UpdateRemoteCommandStates(); });
+    connectSelection(m_local->view(), false);
+    connectSelection(m_remote->view(), true);
     connect(&m_local->view(), &PaneView::upPressed, this, [this] { goUp(false); });
     connect(&m_remote->view(), &PaneView::upPressed, this, [this] { goUp(true); });
+}
+
+void frm_tarvelo::connectSelection(PaneView &view, bool remote)
+{
+    const auto follow = [this, remote] { followPane(remote); };
+    connect(&view, &PaneView::selectionMoved, this, follow);
+    // The menu is shared: a row that stays selected counts again when its list is taken up again.
+    connect(&view, &PaneView::clicked, this, follow);
+    connect(&view, &PaneView::gotFocus, this, follow);
+}
+
+void frm_tarvelo::followPane(bool remote)
+{
+    if (isBusy() || !m_barsEnabled) {
+        return;
+    }
+    remote ? UpdateRemoteCommandStates() : UpdateLocalCommandStates();
 }
 
 void frm_tarvelo::connectEdits()
@@ -436,6 +451,7 @@ void frm_tarvelo::SetCommandsEnabled(bool login, bool logout, bool /*unused*/, b
 
 void frm_tarvelo::SetToolbarsEnabled(bool enabled)
 {
+    m_barsEnabled = enabled;
     m_localBar.setEnabled(enabled);
     m_remoteBar.setEnabled(enabled);
 }

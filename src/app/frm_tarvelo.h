@@ -15,6 +15,7 @@ class FilePane;
 class LocalPane;
 class LogPanel;
 class Notifier;
+class PaneView;
 class QueueModel;
 class QueueView;
 class ProgressPanel;
@@ -91,6 +92,7 @@ private:
     void connectRemoteBar();
     void connectPanes();
     void connectPane(FilePane &pane, FilePane &other);
+    void connectSelection(PaneView &view, bool remote);
     void connectSession();
     void connectEdits(); ///< keys and clicks of the panes that work on rows
     void connectColumn();
@@ -102,6 +104,7 @@ private:
     void refreshActive();
     void selectAllActive();
     void goUp(bool remote);
+    void followPane(bool remote); ///< the commands are those of the pane's selected rows
     void DeleteSelected();
     void pickFolder(QWidget *parent);
     void showSettings();
@@ -129,5 +132,6 @@ private:
     ProgressPanel *m_progress = nullptr;
     TransferNotice *m_notice = nullptr;
     std::unique_ptr<MainLayout> m_layout;
+    bool m_barsEnabled = true; ///< off while a command runs, also between its calls
     bool m_unwinding = false; ///< the window closes as soon as what runs has come to its end
 };

@@ -304,6 +304,34 @@ TEST_F(MainWindow, TheListThatHadTheFocusLastIsTheActiveOne)
     EXPECT_EQ(flags(), std::tuple(false, false, true)) << "only lists count";
 }
 
+TEST_F(MainWindow, TheSharedMenuFollowsTheListThatIsTakenUpAgain)
+{
+    file("a.txt");
+    refreshLocal();
+    FilePane &local = window->localPane();
+    FilePane &remote = window->remotePane();
+    PaneRow folder;
+    folder.kind = ItemKind::FolderClose;
+    folder.name = QStringLiteral("ordner");
+    remote.model().setRows({ upRow(), folder });
+    const auto click = [](FilePane &pane, const char *name) {
+        const QModelIndex row = pane.model().index(rowOf(pane, name), 0);
+        QTest::mouseClick(pane.view().viewport(), Qt::LeftButton, {},
+                          pane.view().visualRect(row).center());
+    };
+    click(local, "a.txt");
+    EXPECT_TRUE(enabled("mnuView"));
+    click(remote, "ordner");
+    EXPECT_FALSE(enabled("mnuView"));
+    click(local, "a.txt"); // selected already
+    EXPECT_TRUE(enabled("mnuView"));
+    QTest::keyClick(&local.view(), Qt::Key_Tab);
+    EXPECT_FALSE(enabled("mnuView")) << "Tab changes the list, too";
+    window->SetToolbarsEnabled(false); // a command runs
+    click(local, "a.txt");
+    EXPECT_FALSE(enabled("mnuView") || button("tbToolBar", "ViewFile")->isEnabled());
+}
+
 TEST_F(MainWindow, MenuCommandsFollowTheActiveList)
 {
     file("a.txt");
