@@ -365,6 +365,21 @@ TEST_F(RemotePaneTest, ABigFolderIsListedWhileTheWindowLives)
     EXPECT_TRUE(m_pane.isReady());
 }
 
+TEST_F(RemotePaneTest, RowsThatGoWhileTheyAreSortedDoNotComeBack)
+{
+    QList<PaneRow> rows { upRow() };
+    for (int i = 0; i < 20000; ++i) {
+        PaneRow row;
+        row.kind = ItemKind::File;
+        row.name = row.tag = QString::number(i);
+        rows.append(row);
+    }
+    m_pane.model().setRows(rows);
+    QTimer::singleShot(0, &m_pane, [this] { m_pane.model().clear(); }); // the line is lost
+    Q_EMIT m_pane.view().columnClicked(ColumnSize);
+    EXPECT_EQ(m_pane.model().rowCount(), 0);
+}
+
 TEST_F(RemotePaneTest, TheDecidingRowIsOneWithText)
 {
     EXPECT_EQ(m_pane.decidingRow(), -1);
