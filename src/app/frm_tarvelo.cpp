@@ -431,7 +431,13 @@ void frm_tarvelo::selectLocalRowsFromSecond()
         m_local->view().selectRowNumbers(rows);
     };
     if (m_local->isReading()) {
-        connect(m_local, &LocalPane::listed, this, select, Qt::SingleShotConnection);
+        // The folder may be slow, and the user may have gone elsewhere before it answers.
+        const auto selectThere = [this, select, folder = m_local->folder()] {
+            if (m_local->folder() == folder) {
+                select();
+            }
+        };
+        connect(m_local, &LocalPane::listed, this, selectThere, Qt::SingleShotConnection);
     } else {
         select();
     }

@@ -383,6 +383,33 @@ TEST_F(MainWindow, KeysOfThePanesReachTheCommands)
     EXPECT_TRUE(local.view().hasFocus());
 }
 
+TEST_F(MainWindow, OnlyTheStartFolderOfTheCommandLineIsSelected)
+{
+    const QString slow = home.filePath(QStringLiteral("viele"));
+    const QString other = home.filePath(QStringLiteral("andere"));
+    ASSERT_TRUE(QDir().mkpath(slow) && QDir().mkpath(other + QStringLiteral("/b")));
+    // Links to themselves by long ways: looking at each takes milliseconds, and all of them more
+    // than the pane waits for.
+    ASSERT_TRUE(QDir(slow).mkdir(QStringLiteral("s")));
+    for (int i = 0; i < 200; ++i) {
+        const QString name = QStringLiteral("l%1").arg(i);
+        ASSERT_TRUE(QFile::link(QStringLiteral("s/../").repeated(800) + name, slow + u'/' + name));
+    }
+    const QStringList fields { QStringLiteral("127.0.0.1"), {}, {}, slow, {}, QStringLiteral("1"),
+                               QStringLiteral("0"),         {}, {}, {},   {} }; // no port: no login
+    prompts.expectMessage(
+        QStringLiteral("Allgemeiner Fehler! Versuchen Sie den Vorgang zu einem späteren Zeitpunkt "
+                       "nochmals zu starten."));
+    open(fields.join(u'\t'));
+    window->load_commands();
+    LocalPane &local = window->localPane();
+    ASSERT_TRUE(local.isReading());
+    find<QComboBox>("cmbLocalDir")->setEditText(other); // the user does not wait
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    ASSERT_EQ(rowOf(local, "b"), 1);
+    EXPECT_TRUE(local.selectedRows().isEmpty());
+}
+
 TEST_F(MainWindow, F2RenamesInPlace)
 {
     file("alt.txt");
