@@ -138,6 +138,10 @@ LocalListing readLocalFolder(const LocalRequest &request, const std::atomic_bool
             rows.append(rowOf(entry, name, listing.folder, dates));
         }
     }
+    if (stop) {
+        return listing; // nobody waits; at the end of the program not even locales are left to sort
+                        // by
+    }
     listing.rows = RegroupRows(sortRows(std::move(rows), ColumnName, Qt::AscendingOrder));
     return listing;
 }

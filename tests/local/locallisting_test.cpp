@@ -164,8 +164,9 @@ TEST_F(LocalListingTest, NamesThatAreNoUtf8AreListedAndEnteredByTheirBytes)
 TEST_F(LocalListingTest, StoppedReadingEndsAtOnce)
 {
     file("a");
-    EXPECT_EQ(shape(readLocalFolder({ m_root.path(), FolderSource::Derived, false }, true)),
-              "Cdup:");
+    const LocalListing listing
+        = readLocalFolder({ m_root.path(), FolderSource::Derived, false }, true);
+    EXPECT_TRUE(listing.rows.isEmpty()) << "not even sorted and grouped";
 }
 
 TEST(LocalDatesTest, FollowTheLocaleWithFourDigitYearAndSeconds)
