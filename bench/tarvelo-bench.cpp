@@ -197,7 +197,12 @@ int main(int argc, char **argv)
                        options->sessions);
     Figures figures;
     ftp::Status outcome;
-    asio::co_spawn(context, session(client, *options, figures, outcome), asio::detached);
+    asio::co_spawn(context, session(client, *options, figures, outcome),
+                   [&outcome](const std::exception_ptr &thrown) {
+                       if (thrown) {
+                           outcome = ftp::fail(ftp::ErrorKind::Protocol, "Internal error");
+                       }
+                   });
     context.run();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     if (!outcome) {

@@ -24,6 +24,16 @@ std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc)
     return plausible ? std::optional(rounded) : std::nullopt;
 }
 
+/// Where the file name of a command typed by the program begins: only that is in the server's
+/// bytes.
+std::size_t nameIn(const std::string &command)
+{
+    constexpr std::size_t modeAt = std::string_view("SITE chmod ").size();
+    const std::size_t blank
+        = command.starts_with("SITE chmod ") ? command.find(' ', modeAt) : std::string::npos;
+    return blank == std::string::npos ? 0 : blank + 1;
+}
+
 /// Whether an entry's time and the file's MDTM tell the server's zone.
 bool tellsZone(const Entry &entry)
 {
@@ -140,12 +150,13 @@ Awaitable<Result<Folder>> Client::list()
     Folder result;
     const std::string here = folder();
     Entry telling;
-    auto end = co_await readListing(m_session, [&](Entry &&entry) {
+    ListingParser::Take take = [&](Entry &&entry) {
         result.entries.push_back(present(entry, here));
         if (!tellsZone(telling)) {
             telling = std::move(entry);
         }
-    });
+    };
+    auto end = co_await readListing(m_session, std::move(take));
     if (!end) {
         co_return tl::unexpected(end.error());
     }
@@ -186,7 +197,10 @@ Awaitable<bool> Client::folderExists(std::string raw)
     const bool exists = entered && entered->done();
     if (exists) {
         auto returned = co_await m_session.ask("CWD " + back);
-        ignoreError(returned, "the next command would tell");
+        if (returned && !returned->done()) {
+            Status told = co_await m_session.readFolder(); // we stand somewhere else now
+            ignoreError(told, "the next command would tell");
+        }
     }
     co_return exists;
 }
@@ -251,7 +265,8 @@ Awaitable<Status> Client::rename(std::string from, std::string to)
 
 Awaitable<Status> Client::raw(std::string command)
 {
-    co_return co_await m_session.expectDone(encode(command));
+    const std::size_t name = nameIn(command);
+    co_return co_await m_session.expectDone(command.substr(0, name) + encode(command.substr(name)));
 }
 
 } // namespace ftp

@@ -116,10 +116,12 @@ Awaitable<Status> connectTo(Stream &stream, std::string host, std::uint16_t port
         co_return tl::unexpected(endpoints.error());
     }
     Status connected = fail(ErrorKind::Unreachable, "No address");
+    // A dead address may take its share of the time, but not that of the others.
+    const Milliseconds share
+        = limit / static_cast<int>(std::max<std::size_t>(endpoints->size(), 1));
     for (const auto &endpoint : *endpoints) {
-        connected = co_await stream.connect(endpoint, limit);
-        if (connected || connected.error().kind == ErrorKind::Aborted
-            || connected.error().kind == ErrorKind::Timeout) {
+        connected = co_await stream.connect(endpoint, share);
+        if (connected || connected.error().kind == ErrorKind::Aborted) {
             break;
         }
         stream.close();

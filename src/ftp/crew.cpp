@@ -13,6 +13,9 @@ namespace {
 constexpr std::array pauses { std::chrono::milliseconds(100), std::chrono::milliseconds(2000),
                               std::chrono::milliseconds(5000) };
 
+/// So many lost lines in a row without a file in between, and the work is given up.
+constexpr int mostFruitless = 3;
+
 bool hopeless(ErrorKind kind)
 {
     return kind == ErrorKind::LocalDiskFull || kind == ErrorKind::Aborted;
@@ -168,7 +171,8 @@ Awaitable<void> Crew::workAlone()
         if (worked || m_stopped) {
             break;
         }
-        if (worked.error().kind == ErrorKind::Aborted || !m_rules.reconnects) {
+        if (worked.error().kind == ErrorKind::Aborted || !m_rules.reconnects
+            || ++m_fruitless > mostFruitless) {
             failed(worked.error());
             break;
         }

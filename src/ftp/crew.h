@@ -40,6 +40,8 @@ public:
     void jobAdded();
     /// A job is done or was given up; everything is done when none is left.
     void jobDone();
+    /// Something was brought to its end: a lost line is worth making again.
+    void progressed() { m_fruitless = 0; }
     /// A job was given back; somebody who waits may take it.
     void jobReturned() { wakeAll(); }
     /// Waits until there may be something to take. @return false when all is done or stopped
@@ -83,6 +85,7 @@ private:
     ProgressMeter m_meter;
     std::vector<std::shared_ptr<Session>> m_joining; ///< helpers that are still logging in
     std::int64_t m_total = 0;
+    int m_fruitless = 0; ///< connections lost since something was brought to its end
     int m_open = 0; ///< jobs not done
     int m_waiting = 0; ///< workers with nothing to do
     int m_helpers = 0; ///< sessions besides the first, also those still logging in

@@ -44,12 +44,22 @@ Status CrewTask::lookAhead(Session &session, std::optional<Flow> &next)
         return tl::unexpected(commands.error());
     }
     for (const std::string &command : *commands) {
+        if (const auto sendable = encodeCommand(command); !sendable) {
+            refused(session, std::move(next->job), sendable.error()); // only this one
+            next.reset();
+            return {};
+        }
+    }
+    for (const std::string &command : *commands) {
         Status queued = session.line().queue(command);
         if (!queued) {
             return queued;
         }
         ++next->owed;
     }
+    const auto transfer = mover().transferAhead(session, *next);
+    // A name that no command may carry is told when the job's turn comes.
+    next->asked = transfer && session.line().queue(*transfer);
     return {};
 }
 
@@ -69,6 +79,14 @@ Awaitable<Status> CrewTask::carryOut(Session &session, Flow &current, std::optio
 
 Awaitable<Status> CrewTask::work(Session &session)
 {
+    session.dialogue().setMuted(quiet());
+    Status worked = co_await workOff(session);
+    session.dialogue().setMuted(false);
+    co_return worked;
+}
+
+Awaitable<Status> CrewTask::workOff(Session &session)
+{
     Status typed = co_await session.setType(m_type);
     if (!typed) {
         m_crew.failed(typed.error());
@@ -78,6 +96,14 @@ Awaitable<Status> CrewTask::work(Session &session)
     for (;;) {
         if (!current) {
             auto job = take(session);
+            if (!job) {
+                Status settled = co_await mover().settle(session);
+                if (!settled) {
+                    session.markBroken();
+                    co_return settled;
+                }
+                job = take(session);
+            }
             if (!job) {
                 const bool more = co_await m_crew.wait();
                 if (!more) {

@@ -30,7 +30,9 @@ struct Job {
     std::int64_t time = 0; ///< seconds since 1970, UTC; 0 unknown
     std::int64_t counted = 0; ///< bytes that the progress knows of
     int tries = 0;
+    bool begun = false; ///< the server agreed to take it, so that what it holds now is ours
     bool link = false;
+    bool plain = false; ///< to be listed without any option
     bool unlisted = false; ///< size and time are to be asked for, since no listing tells them
 
     [[nodiscard]] bool isFolder() const { return name.empty(); }
@@ -47,6 +49,7 @@ struct Flow {
     std::unique_ptr<DataConnection> data;
     std::vector<std::string> facts; ///< those of its preparations that ask for size and time
     std::size_t owed = 0; ///< replies to its preparations that are still to come
+    bool asked = false; ///< the transfer command went out with the preparations
 };
 
 /// Sends the preparations of the next job behind the transfer command of the one that flows.
@@ -59,6 +62,11 @@ public:
 
     /// The commands that come before the transfer command, all of which may travel in one packet.
     virtual Result<std::vector<std::string>> preparations(Session &session, Flow &flow) = 0;
+    /// The transfer command, where it may travel with the preparations of a job that is only next.
+    virtual std::optional<std::string> transferAhead(Session & /*session*/, const Flow & /*flow*/)
+    {
+        return std::nullopt;
+    }
     /// The rest. The outcome is told to the task, except that of a job that broke off, which is the
     /// error returned; the session goes on when it is usable and the error is Truncated.
     /// @param replies  those to the preparations
@@ -67,6 +75,8 @@ public:
         = 0;
     /// A file that broke off once: continued step by step.
     virtual Awaitable<Status> again(Session &session, Job &job) = 0;
+    /// Nothing else is to be done just now: whatever waited for the next job is done alone.
+    virtual Awaitable<Status> settle(Session & /*session*/) { co_return Status {}; }
 };
 
 /// Work that a crew does job by job: where the jobs come from and what becomes of them.
@@ -87,6 +97,8 @@ public:
     virtual void listed(Session & /*session*/, const Job & /*job*/, const Listing & /*listing*/) { }
     /// A job that was not begun, or a listing that has to be asked for in another way.
     virtual void putBack(Job job) = 0;
+    /// Whether the replies are of no interest to the user.
+    [[nodiscard]] virtual bool quiet() const { return false; }
     /// Whether commands may follow a transfer command at once.
     [[nodiscard]] virtual bool looksAhead(Session &session) const { return session.lookAhead(); }
 
@@ -111,6 +123,7 @@ protected:
     Crew m_crew;
 
 private:
+    Awaitable<Status> workOff(Session &session);
     Awaitable<Status> carryOut(Session &session, Flow &current, std::optional<Flow> &next);
     Awaitable<Result<std::vector<Reply>>> prepare(Session &session, Flow &flow);
     Status lookAhead(Session &session, std::optional<Flow> &next);

@@ -159,27 +159,34 @@ Awaitable<Status> DataConnection::accept()
     std::error_code error;
     const auto control = m_session.line().stream().socket().remote_endpoint(error);
     asio::steady_timer timer(m_session.executor(), limit);
-    bool expired = false;
-    timer.async_wait([this, &expired](const std::error_code &cancelled) {
-        if (!cancelled) {
-            expired = true;
+    // The handler may run after the wait is over.
+    struct Wait {
+        bool over = false, expired = false;
+    };
+    const auto wait = std::make_shared<Wait>();
+    timer.async_wait([this, wait](const std::error_code &cancelled) {
+        if (!cancelled && !wait->over) {
+            wait->expired = true;
             std::error_code ignored; // an acceptor that cannot be cancelled has nobody waiting
             m_acceptor->cancel(ignored);
         }
     });
+    const auto over = [wait](Status status) {
+        wait->over = true;
+        return status;
+    };
     for (;;) {
         asio::ip::tcp::endpoint peer;
         auto socket = co_await m_acceptor->async_accept(
             peer, asio::redirect_error(asio::use_awaitable, error));
-        if (expired) {
-            co_return fail(ErrorKind::Timeout, "Connection timed out");
+        if (wait->expired) {
+            co_return over(fail(ErrorKind::Timeout, "Connection timed out"));
         }
         if (error) {
-            co_return fail(ErrorKind::Aborted, "Aborted");
+            co_return over(fail(ErrorKind::Aborted, "Aborted"));
         }
         if (peer.address() == control.address()) { // nobody else may deliver the file
-            timer.cancel();
-            co_return m_stream->adopt(std::move(socket));
+            co_return over(m_stream->adopt(std::move(socket)));
         }
     }
 }

@@ -31,6 +31,8 @@ public:
     /// Waits until the connection stands and is encrypted if the session is.
     Awaitable<Status> establish();
 
+    /// Active mode: the server connects to us.
+    [[nodiscard]] bool listens() const { return m_acceptor != nullptr; }
     [[nodiscard]] Stream &stream() { return *m_stream; }
     /// Ends waits on this connection with ErrorKind::Aborted.
     void abort();

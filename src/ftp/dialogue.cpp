@@ -1,6 +1,12 @@
 #include "ftp/dialogue.h"
 
 namespace ftp {
+namespace {
+
+/// Replies that announce another one, to one command.
+constexpr int mostPreliminary = 100;
+
+} // namespace
 
 Awaitable<Result<Reply>> Dialogue::reply() { return reply(m_limit); }
 
@@ -19,14 +25,15 @@ Awaitable<Result<Reply>> Dialogue::reply(Milliseconds limit)
     co_return answer;
 }
 
-Awaitable<Result<Reply>> Dialogue::finalReply()
+Awaitable<Result<Reply>> Dialogue::finalReply(Milliseconds limit)
 {
-    for (;;) {
-        auto answer = co_await reply(m_limit);
+    for (int i = 0; i < mostPreliminary; ++i) {
+        auto answer = co_await reply(limit);
         if (!answer || !answer->preliminary()) {
             co_return answer;
         }
     }
+    co_return fail(ErrorKind::Protocol, "The server does not come to an end");
 }
 
 Awaitable<Result<Reply>> Dialogue::ask(std::string command)

@@ -26,7 +26,8 @@ public:
     Awaitable<Result<Reply>> reply();
     Awaitable<Result<Reply>> reply(Milliseconds limit);
     /// Next reply that is not preliminary.
-    Awaitable<Result<Reply>> finalReply();
+    Awaitable<Result<Reply>> finalReply() { return finalReply(m_limit); }
+    Awaitable<Result<Reply>> finalReply(Milliseconds limit);
     /// Sends a command and returns its final reply, whatever it says.
     Awaitable<Result<Reply>> ask(std::string command);
     /// Sends a command that must be answered with 2xx.

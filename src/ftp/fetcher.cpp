@@ -68,7 +68,15 @@ std::string Fetcher::transferCommand(Session &session, const Job &job)
     if (session.features().mlst) {
         return "MLSD " + job.remotePath();
     }
-    return session.knowledge().plainListOnly ? "LIST" : "LIST -a";
+    return job.plain || session.knowledge().plainListOnly ? "LIST" : "LIST -a";
+}
+
+std::optional<std::string> Fetcher::transferAhead(Session &session, const Flow &flow)
+{
+    // A listing would be one of the wrong folder if its CWD were refused. Encrypted, some servers
+    // lose commands that arrive during the handshake.
+    const bool may = flow.data->listens() && !flow.job.isFolder() && !session.encrypted();
+    return may ? std::optional(transferCommand(session, flow.job)) : std::nullopt;
 }
 
 /// @return false when the job was refused and is done with
@@ -84,7 +92,19 @@ Awaitable<Result<bool>> Fetcher::takeReplies(Session &session, Flow &flow,
         flow.job.size = facts.size.value_or(-1);
         flow.job.time = facts.modified.value_or(0);
     }
+    if (flow.asked && !replies.back().done()) {
+        flow.asked = false; // without the connection the transfer was refused, too
+        auto refused = co_await session.dialogue().reply();
+        if (!refused || !refused->refused()) {
+            session.markBroken();
+            co_return fail(ErrorKind::Protocol, "The server transfers to nowhere");
+        }
+    }
     Status begun = co_await flow.data->beginOrOpen(std::move(replies.back()));
+    if (!begun && begun.error().kind == ErrorKind::Refused && session.usable()) {
+        m_task.refused(session, flow.job, begun.error());
+        co_return false;
+    }
     if (!begun) {
         co_return tl::unexpected(begun.error());
     }
@@ -101,7 +121,10 @@ Awaitable<Status> Fetcher::flow(Session &session, Flow &flow, std::vector<Reply>
     if (!*ready) {
         co_return Status {};
     }
-    Status step = session.line().queue(transferCommand(session, flow.job));
+    Status step;
+    if (!flow.asked) {
+        step = session.line().queue(transferCommand(session, flow.job));
+    }
     if (!step) { // a name that no command may carry
         m_task.refused(session, flow.job, step.error());
         flow.data->abort();
@@ -167,10 +190,18 @@ Awaitable<Status> Fetcher::receiveBytes(Session &session, Flow &flow)
     }
     const bool properEnd = flow.data->stream().closeNotifyReceived();
     Status finished = co_await finishTransfer(session, *flow.data, received, session.timeout());
+    const bool whole = received && job.size >= 0 && bytes == job.size;
+    if (!finished && whole && finished.error().kind == ErrorKind::Refused && session.lookAhead()) {
+        // More likely it is a command behind that was refused, because it came during the transfer.
+        session.markBroken();
+        co_return fail(ErrorKind::Protocol, "The server does not take commands during a transfer");
+    }
     if (finished && m_task.type() == Type::Binary) {
         const bool known = !job.link && job.size >= 0;
         finished = checkComplete(session, bytes, known ? std::optional(job.size) : std::nullopt,
                                  properEnd);
+    } else if (finished) {
+        finished = checkComplete(session, bytes, std::nullopt, properEnd);
     }
     if (!finished) {
         co_return finished;
@@ -195,19 +226,31 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
         }
         co_return Status {};
     }
-    std::string text;
-    Status received
-        = co_await receiveAll(session, *flow.data, [&text](std::string_view block) -> Status {
-              text += block;
-              return {};
-          });
-    Status finished = co_await finishTransfer(session, *flow.data, received, session.timeout());
-    if (!finished) {
-        co_return finished;
-    }
+    Listing listing;
+    const auto take = [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
     const std::int64_t now
         = static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0);
-    m_task.listed(session, flow.job, machine ? parseMlsd(text) : parseList(text, fromEpoch(now)));
+    ListingParser parser = machine ? mlsdParser(take) : listParser(fromEpoch(now), take);
+    const Status started;
+    auto end = co_await ftp::receiveListing(session, *flow.data, started, std::move(parser));
+    if (!end && end.error().kind == ErrorKind::Refused && session.usable()) {
+        m_task.refused(session, flow.job, end.error());
+        co_return Status {};
+    }
+    if (!end) {
+        co_return tl::unexpected(end.error());
+    }
+    if (end->bytes == 0 && !machine && !server.plainListOnly && !flow.job.plain) {
+        flow.job.plain = true; // perhaps the option was taken for a name
+        m_task.putBack(std::move(flow.job));
+        co_return Status {};
+    }
+    if (end->rawText.find_first_not_of(" \t\r\n") != std::string::npos) {
+        m_task.refused(session, flow.job,
+                       { ErrorKind::Protocol, 0, "The listing could not be understood" });
+        co_return Status {};
+    }
+    m_task.listed(session, flow.job, listing);
     m_task.done(flow.job);
     co_return Status {};
 }

@@ -13,6 +13,8 @@ public:
     }
 
     Result<std::vector<std::string>> preparations(Session &session, Flow &flow) override;
+    /// In active mode the server needs nothing from us before it may begin.
+    std::optional<std::string> transferAhead(Session &session, const Flow &flow) override;
     Awaitable<Status> flow(Session &session, Flow &flow, std::vector<Reply> replies,
                            LookAhead ahead) override;
     Awaitable<Status> again(Session &session, Job &job) override;

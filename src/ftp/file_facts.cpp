@@ -3,8 +3,6 @@
 #include "ftp/civiltime.h"
 
 namespace ftp {
-namespace {
-
 bool isUnknown(const Reply &reply)
 {
     return reply.code == 500 || reply.code == 502 || reply.code == 504;
@@ -19,8 +17,6 @@ std::optional<std::int64_t> sizeOf(const Reply &reply)
     }
     return std::stoll(std::string(digits));
 }
-
-} // namespace
 
 std::vector<std::string> factCommands(Session &session, const std::string &remotePath, Type type)
 {

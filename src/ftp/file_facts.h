@@ -16,6 +16,11 @@ struct RemoteFacts {
     std::optional<std::int64_t> modified; ///< seconds since 1970, UTC
 };
 
+/// The server does not know such a command, which says nothing about the file.
+[[nodiscard]] bool isUnknown(const Reply &reply);
+/// Bytes that a reply to SIZE tells; nothing when it is a refusal or strange.
+[[nodiscard]] std::optional<std::int64_t> sizeOf(const Reply &reply);
+
 /// SIZE and MDTM (RFC 3659, sections 3 and 4), as far as the server knows them and they tell
 /// something for that type; they may travel with other commands.
 [[nodiscard]] std::vector<std::string> factCommands(Session &session, const std::string &remotePath,

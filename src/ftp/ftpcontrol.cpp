@@ -127,7 +127,11 @@ template <class T, class Work> FtpResult<T> FtpControl::Private::run(int code, W
             }
             co_return outcome;
         }(used, std::move(work), std::move(watchLost)),
-        [waiting, report](const std::exception_ptr &, Outcome<T> outcome) {
+        [waiting, report](const std::exception_ptr &thrown, Outcome<T> outcome) {
+            if (thrown) { // out of memory, say; what was begun is not done
+                outcome = {};
+                outcome.result = ftp::fail(ErrorKind::Protocol, "Internal error");
+            }
             report->post([waiting, outcome = std::move(outcome)]() mutable {
                 waiting->outcome = std::move(outcome);
                 waiting->loop.quit();

@@ -9,6 +9,7 @@ namespace {
 
 /// A hostile server must not fill the memory with a listing.
 constexpr std::size_t longestListing = std::size_t { 512 } << 20;
+constexpr std::size_t mostEntries = 3'000'000;
 
 /// So much of a text that nobody understands is kept to be shown.
 constexpr std::size_t longestRawText = std::size_t { 16 } << 20;
@@ -52,11 +53,31 @@ Awaitable<Result<ListingEnd>> fetch(Session &session, std::string command, Listi
     if (!received && (!session.usable() || received.error().kind == ErrorKind::Refused)) {
         co_return tl::unexpected(received.error());
     }
+    co_return co_await receiveListing(session, data, received, std::move(parser));
+}
+
+CivilTime serverNow(const ServerKnowledge &server)
+{
+    return fromEpoch(static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0));
+}
+
+/// A take that collects into a listing.
+ListingParser::Take into(Listing &listing)
+{
+    return [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
+}
+
+} // namespace
+
+Awaitable<Result<ListingEnd>> receiveListing(Session &session, DataConnection &data, Status started,
+                                             ListingParser parser)
+{
     ListingEnd end;
-    if (received) {
+    Status received = started;
+    if (started) {
         received = co_await receiveAll(session, data, [&](std::string_view block) -> Status {
             end.bytes += block.size();
-            if (end.bytes > longestListing) {
+            if (end.bytes > longestListing || parser.entries() > mostEntries) {
                 return fail(ErrorKind::Protocol, "The listing has no end");
             }
             if (!parser.understood()) {
@@ -78,24 +99,12 @@ Awaitable<Result<ListingEnd>> fetch(Session &session, std::string command, Listi
     co_return end;
 }
 
-CivilTime serverNow(const ServerKnowledge &server)
-{
-    return fromEpoch(static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0));
-}
-
-/// A take that collects into a listing.
-ListingParser::Take into(Listing &listing)
-{
-    return [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
-}
-
-} // namespace
-
 Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::Take take)
 {
     ServerKnowledge &server = session.knowledge();
     if (!server.plainListOnly) {
-        auto all = co_await fetch(session, "LIST -a", listParser(serverNow(server), take));
+        ListingParser parser = listParser(serverNow(server), take);
+        auto all = co_await fetch(session, "LIST -a", std::move(parser));
         if (all && all->bytes > 0) {
             co_return all;
         }
@@ -106,17 +115,19 @@ Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::
         // alone proves nothing, since hidden names such as ".." may be left out.
         server.plainListOnly = !all;
     }
-    co_return co_await fetch(session, "LIST", listParser(serverNow(server), std::move(take)));
+    ListingParser parser = listParser(serverNow(server), std::move(take));
+    co_return co_await fetch(session, "LIST", std::move(parser));
 }
 
 Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take take)
 {
     if (session.features().mlstUnixMode()) {
         bool begun = false; // once an entry was told, nothing may be told twice
-        auto machine = co_await fetch(session, "MLSD", mlsdParser([&](Entry &&entry) {
-                                          begun = true;
-                                          take(std::move(entry));
-                                      }));
+        ListingParser parser = mlsdParser([&](Entry &&entry) {
+            begun = true;
+            take(std::move(entry));
+        });
+        auto machine = co_await fetch(session, "MLSD", std::move(parser));
         if (machine || begun || machine.error().kind != ErrorKind::Refused) {
             co_return machine;
         }
@@ -127,7 +138,8 @@ Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take 
 Awaitable<Result<Listing>> listCurrentFolder(Session &session)
 {
     Listing listing;
-    auto end = co_await readListing(session, into(listing));
+    ListingParser::Take take = into(listing);
+    auto end = co_await readListing(session, std::move(take));
     if (!end) {
         co_return tl::unexpected(end.error());
     }
@@ -138,7 +150,8 @@ Awaitable<Result<Listing>> listCurrentFolder(Session &session)
 Awaitable<Result<Listing>> listCurrentFolderPlainly(Session &session)
 {
     Listing listing;
-    auto end = co_await readPlainListing(session, into(listing));
+    ListingParser::Take take = into(listing);
+    auto end = co_await readPlainListing(session, std::move(take));
     if (!end) {
         co_return tl::unexpected(end.error());
     }

@@ -151,6 +151,7 @@ void ListingParser::takeLine(std::string_view line)
     m_understood = m_understood || verdict != Verdict::Foreign;
     if (verdict == Verdict::Entry) {
         entry.line = m_number;
+        ++m_entries;
         m_take(std::move(entry));
     }
 }

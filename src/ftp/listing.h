@@ -63,6 +63,8 @@ public:
     void finish();
     /// As Listing::understood, of what was read so far.
     [[nodiscard]] bool understood() const { return m_understood; }
+    /// Entries told so far.
+    [[nodiscard]] std::size_t entries() const { return m_entries; }
 
 private:
     void takeLine(std::string_view line);
@@ -70,7 +72,7 @@ private:
     Reader m_reader;
     Take m_take;
     std::string m_begun; ///< a line whose end is still to come
-    std::size_t m_number = 0;
+    std::size_t m_number = 0, m_entries = 0;
     bool m_understood = false;
 };
 

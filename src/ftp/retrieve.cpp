@@ -30,8 +30,15 @@ Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, G
     co_return facts;
 }
 
+void tell(const Session &session, const char *text)
+{
+    if (session.hooks().note) {
+        session.hooks().note(text);
+    }
+}
+
 /// The offset that the local file really allows.
-std::int64_t usableOffset(const GetRequest &request, const Hooks &hooks)
+std::int64_t usableOffset(const GetRequest &request, const Session &session)
 {
     if (request.offset == 0) {
         return 0;
@@ -42,8 +49,8 @@ std::int64_t usableOffset(const GetRequest &request, const Hooks &hooks)
     } else if (fileSize(request.localPath) != request.offset) {
         reason = "Die vorhandene Datei hat eine andere Größe; sie wird von vorn übertragen.";
     }
-    if (reason != nullptr && hooks.note) {
-        hooks.note(reason);
+    if (reason != nullptr) {
+        tell(session, reason);
     }
     return reason == nullptr ? request.offset : 0;
 }
@@ -52,7 +59,7 @@ std::int64_t usableOffset(const GetRequest &request, const Hooks &hooks)
 
 Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
 {
-    std::int64_t offset = usableOffset(request, session.hooks());
+    std::int64_t offset = usableOffset(request, session);
     Status typed = co_await session.setType(request.type);
     if (!typed) {
         co_return tl::unexpected(typed.error());
@@ -61,6 +68,11 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
     auto facts = co_await prepare(session, data, request);
     if (!facts) {
         co_return tl::unexpected(facts.error());
+    }
+    if (facts->size && *facts->size < offset) {
+        tell(session,
+             "Die Datei auf dem Server ist kürzer geworden; sie wird von vorn übertragen.");
+        offset = 0;
     }
     if (offset > 0) {
         auto restarted = co_await session.ask("REST " + std::to_string(offset));
@@ -95,6 +107,11 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
     Status finished = co_await finishTransfer(session, data, received, session.timeout());
     if (finished && request.type == Type::Binary) {
         finished = checkComplete(session, offset + meter.bytes(), facts->size, properEnd);
+    } else if (finished) {
+        finished = checkComplete(session, 0, std::nullopt, properEnd);
+    }
+    if (finished && offset > 0 && facts->size && offset + meter.bytes() != *facts->size) {
+        finished = fail(ErrorKind::Truncated, "The continued file does not have the server's size");
     }
     if (finished) {
         finished = file.commit(facts->modified);

@@ -186,8 +186,11 @@ Awaitable<Status> Session::encrypt()
     }
     if (!answer->done()) {
         if (m_login.encryption == Encryption::Always) {
-            co_return fail(ErrorKind::TlsFailed,
-                           "The server does not offer encryption (" + answer->text() + ")");
+            // Without the reply in the text: its "530" would be taken for a wrong password.
+            if (m_hooks.reply) {
+                m_hooks.reply(*answer);
+            }
+            co_return fail(ErrorKind::TlsFailed, "The server does not offer encryption");
         }
         if (m_knowledge->trust.seen(m_login.host, m_login.port)) {
             co_return fail(
@@ -263,8 +266,7 @@ std::vector<std::string> Session::setUpCommands() const
 Status Session::takeSetUpReply(std::string_view command, const Reply &reply)
 {
     if (command == "PROT P" && !reply.done()) {
-        return fail(ErrorKind::TlsFailed,
-                    "The server does not encrypt data connections (" + reply.text() + ")");
+        return fail(ErrorKind::TlsFailed, "The server does not encrypt data connections");
     }
     if (command == "FEAT" && reply.done()) {
         m_features = parseFeat(reply);
@@ -362,6 +364,11 @@ Awaitable<Result<Reply>> Session::ask(std::string command)
 Awaitable<Result<std::vector<Reply>>> Session::askAll(std::vector<std::string> commands)
 {
     std::vector<Reply> replies;
+    for (const std::string &command : commands) { // all or none, or the replies would not fit
+        if (const auto sendable = encodeCommand(command); !sendable) {
+            co_return tl::unexpected(sendable.error());
+        }
+    }
     if (pipelining() && usable()) {
         for (const std::string &command : commands) {
             Status queued = m_line->queue(command);
@@ -411,7 +418,7 @@ Awaitable<Status> Session::readFolder()
         co_return refusal(*answer);
     }
     auto folder = parsePwd(answer->lines.back());
-    if (folder) {
+    if (folder && answer->code == 257) {
         m_folder = *folder;
     }
     co_return Status {};
@@ -423,7 +430,13 @@ Awaitable<Status> Session::changeFolder(std::string folder)
     if (!changed) {
         co_return changed;
     }
-    co_return co_await readFolder();
+    // Where we are now, also when the server cannot tell: commands with relative names work here.
+    m_folder = folder.starts_with('/') ? folder : joinPath(m_folder, folder);
+    Status read = co_await readFolder();
+    if (!read && read.error().kind == ErrorKind::Refused) {
+        read = Status {};
+    }
+    co_return read;
 }
 
 Awaitable<Status> Session::changeToParent()

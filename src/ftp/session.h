@@ -123,7 +123,13 @@ public:
     [[nodiscard]] TlsContext &tls() { return m_tls; }
     [[nodiscard]] bool pipelining() const { return !m_knowledge->noPipelining; }
     /// Whether commands for the next transfer may follow a transfer command at once.
-    [[nodiscard]] bool lookAhead() const { return pipelining() && !m_knowledge->noLookAhead; }
+    /// In active mode only with servers known to bear it: one that does not is found out by a
+    /// connection that never comes, and that takes the whole time-out.
+    [[nodiscard]] bool lookAhead() const
+    {
+        return pipelining() && !m_knowledge->noLookAhead
+            && (m_login.passive || m_knowledge->keepsOrder);
+    }
     [[nodiscard]] Milliseconds timeout() const { return m_login.timeout; }
     /// A passive data connection stood once, so that the next may be trusted to.
     bool dataProven = false;

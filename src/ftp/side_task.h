@@ -3,9 +3,9 @@
 #include "ftp/stream.h"
 
 #include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
 #include <asio/redirect_error.hpp>
 #include <asio/use_awaitable.hpp>
+#include <exception>
 #include <memory>
 #include <optional>
 
@@ -24,7 +24,12 @@ public:
                 state->result = co_await std::move(step);
                 state->timer.cancel();
             }(m_state, std::move(work)),
-            asio::detached);
+            [state = m_state](const std::exception_ptr &thrown) {
+                if (thrown) { // out of memory, say; the owner must not wait for ever
+                    state->result = fail(ErrorKind::Protocol, "Internal error");
+                    state->timer.cancel();
+                }
+            });
     }
 
     /// Waits for the step's end; may be asked again afterwards.

@@ -75,14 +75,18 @@ Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
     if (!size) {
         co_return tl::unexpected(size.error());
     }
-    const bool known = size->code == 213;
-    if ((known && std::string(size->message()) != std::to_string(request.offset))
-        || request.offset > localSize) {
+    const std::optional<std::int64_t> remoteSize = sizeOf(*size);
+    const bool unknown = isUnknown(*size);
+    if (unknown ? request.offset > localSize : remoteSize.value_or(0) > localSize) {
+        note("Die Datei auf dem Server ist größer als die lokale; sie bleibt, wie sie ist.");
+        co_return fail(ErrorKind::Refused, "The file on the server is longer than the local one");
+    }
+    if (!unknown && remoteSize != request.offset) { // or it is gone
         note("Die Datei auf dem Server hat eine andere Größe; sie wird von vorn übertragen.");
         co_return result;
     }
     result.offset = request.offset;
-    result.append = !known; // without SIZE only appending is safe
+    result.append = unknown; // without SIZE only appending is safe
     co_return result;
 }
 

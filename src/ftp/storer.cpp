@@ -28,20 +28,19 @@ Awaitable<Status> Storer::flow(Session &session, Flow &flow, std::vector<Reply> 
         co_return Status {};
     }
     step = co_await flow.data->beginOrOpen(std::move(replies.back()));
-    if (!step) {
-        co_return step;
-    }
-    step = session.line().queue("STOR " + flow.job.remotePath());
-    if (!step) { // a name that no command may carry
+    if (!step && step.error().kind == ErrorKind::Refused && session.usable()) {
         m_task.refused(session, flow.job, step.error());
         co_return Status {};
     }
-    std::vector<std::string> checks
-        = checkCommands(session, flow.job.remotePath(), file, m_task.type());
-    const bool checksSent = m_task.looksAhead(session);
-    for (std::size_t i = 0; checksSent && i < checks.size() && step; ++i) {
-        step = session.line().queue(checks[i]);
+    if (!step) {
+        co_return step;
     }
+    if (const auto sendable = encodeCommand("STOR " + flow.job.remotePath()); !sendable) {
+        m_task.refused(session, flow.job, sendable.error());
+        co_return Status {};
+    }
+    Checks checks;
+    step = queueAll(session, flow, file, checks);
     if (step) {
         step = ahead();
     }
@@ -51,21 +50,67 @@ Awaitable<Status> Storer::flow(Session &session, Flow &flow, std::vector<Reply> 
     if (!step) {
         co_return step;
     }
-    co_return co_await send(session, flow, file, std::move(checks), checksSent);
+    co_return co_await send(session, flow, file, std::move(checks));
 }
 
-Awaitable<Status> Storer::send(Session &session, Flow &flow, OutgoingFile &file,
-                               std::vector<std::string> checks, bool checksSent)
+/// The transfer command and what may travel with it.
+Status Storer::queueAll(Session &session, const Flow &flow, const OutgoingFile &file,
+                        Checks &checks)
 {
-    Status stored = co_await sendBytes(session, flow, file);
+    checks.commands = checkCommands(session, flow.job.remotePath(), file, m_task.type());
+    checks.sent = m_task.looksAhead(session);
+    std::vector<std::string> packet;
+    if (std::string earlier = std::exchange(m_times[&session], {}); !earlier.empty()) {
+        checks.timeOwed = true;
+        packet.push_back(std::move(earlier));
+    }
+    packet.push_back("STOR " + flow.job.remotePath());
+    if (checks.sent) {
+        if (!checks.commands.empty() && checks.commands.back().starts_with("MFMT ")) {
+            checks.time = std::move(checks.commands.back());
+            checks.commands.pop_back();
+        }
+        packet.insert(packet.end(), checks.commands.begin(), checks.commands.end());
+    }
+    Status queued;
+    for (std::size_t i = 0; i < packet.size() && queued; ++i) {
+        queued = session.line().queue(packet[i]);
+    }
+    return queued;
+}
+
+void Storer::takeTime(Session &session, const Reply &reply)
+{
+    session.knowledge().noSetTime = reply.code / 100 == 5;
+}
+
+/// The time of the last file, when no other follows that it could travel with.
+Awaitable<Status> Storer::settle(Session &session)
+{
+    const std::string time = std::exchange(m_times[&session], {});
+    if (time.empty()) {
+        co_return Status {};
+    }
+    auto told = co_await session.ask(time);
+    if (!told) {
+        co_return tl::unexpected(told.error());
+    }
+    takeTime(session, *told);
+    co_return Status {};
+}
+
+Awaitable<Status> Storer::send(Session &session, Flow &flow, OutgoingFile &file, Checks checks)
+{
+    Status stored = co_await sendBytes(session, flow, file, checks.timeOwed);
     if (!session.usable()) {
         co_return stored;
     }
-    stored = co_await verify(session, file, std::move(checks), checksSent, std::move(stored));
+    stored = co_await verify(session, file, checks, std::move(stored));
     if (!session.usable()) {
         co_return stored;
     }
     if (stored) {
+        m_times[&session] = std::move(checks.time);
         m_task.done(flow.job);
     } else if (stored.error().kind == ErrorKind::Truncated) {
         co_return stored;
@@ -75,8 +120,17 @@ Awaitable<Status> Storer::send(Session &session, Flow &flow, OutgoingFile &file,
     co_return Status {};
 }
 
-Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &file)
+Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &file, bool timeOwed)
 {
+    flow.job.begun = false;
+    if (timeOwed) {
+        auto told = co_await session.dialogue().finalReply();
+        if (!told) {
+            session.markBroken();
+            co_return tl::unexpected(told.error());
+        }
+        takeTime(session, *told);
+    }
     Job &job = flow.job;
     m_task.moved(job, -job.counted); // an earlier try counts no more
     std::int64_t last = 0;
@@ -88,6 +142,7 @@ Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &
                      sendFile(session, *flow.data, file, 0, m_task.type(), meter));
     auto answer = co_await session.dialogue().reply();
     const bool begins = answer && answer->preliminary();
+    job.begun = begins;
     if (!begins) {
         flow.data->abort();
     }
@@ -107,18 +162,18 @@ Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &
     co_return co_await finishTransfer(session, *flow.data, sent, session.timeout());
 }
 
-Awaitable<Status> Storer::verify(Session &session, OutgoingFile &file,
-                                 std::vector<std::string> checks, bool checksSent, Status stored)
+Awaitable<Status> Storer::verify(Session &session, OutgoingFile &file, const Checks &checks,
+                                 Status stored)
 {
     std::vector<Reply> replies;
-    if (!checksSent && stored) {
-        auto answers = co_await session.askAll(checks);
+    if (!checks.sent && stored) {
+        auto answers = co_await session.askAll(checks.commands);
         if (!answers) {
             co_return tl::unexpected(answers.error());
         }
         replies = std::move(*answers);
     }
-    while (checksSent && replies.size() < checks.size()) {
+    while (checks.sent && replies.size() < checks.commands.size()) {
         auto reply = co_await session.dialogue().finalReply();
         if (!reply) {
             session.markBroken();
@@ -126,13 +181,14 @@ Awaitable<Status> Storer::verify(Session &session, OutgoingFile &file,
         }
         replies.push_back(std::move(*reply));
     }
-    co_return stored ? takeChecks(session, checks, replies, file) : stored;
+    co_return stored ? takeChecks(session, checks.commands, replies, file) : stored;
 }
 
-/// Where an upload that broke off may go on: more than was sent is an older file and replaced.
+/// Where an upload that broke off may go on. Bytes that went into the line prove nothing: until the
+/// server agreed, an older file stands there, and so it does when it holds more than was sent.
 Awaitable<Result<std::int64_t>> Storer::resumeOffset(Session &session, const Job &job)
 {
-    if (m_task.type() != Type::Binary || job.counted <= 0) {
+    if (m_task.type() != Type::Binary || job.counted <= 0 || !job.begun) {
         co_return 0;
     }
     auto size = co_await session.ask("SIZE " + job.remotePath());

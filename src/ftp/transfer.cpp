@@ -12,6 +12,7 @@ constexpr std::size_t blockSize = 256 * 1024;
 /// After so many bytes in a row others get their turn.
 constexpr std::size_t fairShare = 4 * 1024 * 1024;
 constexpr std::chrono::milliseconds reportEvery { 33 };
+constexpr Milliseconds afterBlockedData { 3000 };
 
 /// Codes that never end a transfer.
 bool isForeign(int code)
@@ -114,10 +115,10 @@ Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status 
         session.markBroken(); // whatever the server does now, it does not concern us any more
         co_return broken;
     }
-    auto answer = co_await session.dialogue().reply(limit);
-    while (answer && answer->preliminary()) {
-        answer = co_await session.dialogue().reply(limit);
+    if (!broken && broken.error().kind == ErrorKind::DataConnection) {
+        limit = std::min(limit, afterBlockedData); // it was waited for long enough
     }
+    auto answer = co_await session.dialogue().finalReply(limit);
     data.drainAndClose();
     if (!answer) {
         session.markBroken();

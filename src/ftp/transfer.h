@@ -52,6 +52,10 @@ struct ListingEnd {
     bool understood = false; ///< as Listing::understood
     std::string rawText; ///< the text as received, only of one that was not understood
 };
+/// Receives the text of a listing whose transfer command was sent.
+/// @param started  what became of that command
+Awaitable<Result<ListingEnd>> receiveListing(Session &session, DataConnection &data, Status started,
+                                             ListingParser parser);
 /// Lists the current folder, by MLSD where that tells the permissions, else by LIST with hidden
 /// names where the server knows how. Entries are told as they arrive, times as the server told
 /// them; a failure may come behind some of them.

@@ -54,6 +54,7 @@ private:
     }
 
     Fetcher m_fetcher { *this };
+    std::int64_t m_replaced = 0; ///< bytes of local files whose room comes free
     std::deque<Job> m_files, m_folders;
 };
 
@@ -96,7 +97,7 @@ void TreeGetter::listed(Session &session, const Job &job, const Listing &listing
 void TreeGetter::checkSpace(const std::string &local)
 {
     constexpr std::int64_t megabyte = 1024 * 1024;
-    const std::int64_t missing = m_crew.missing();
+    const std::int64_t missing = m_crew.missing() - m_replaced;
     const auto free = freeSpace(local);
     if (!free || missing <= *free || m_crew.stopped()) {
         return;
@@ -151,6 +152,7 @@ void TreeGetter::takeEntry(Session &session, const std::shared_ptr<const FolderP
         job.time = toEpoch(*entry.time) - zone;
     }
     m_crew.addTotal(job.link ? 0 : entry.size);
+    m_replaced += fileSize(job.localPath()).value_or(0);
     add(std::move(job));
 }
 

@@ -100,6 +100,10 @@ Awaitable<Status> TreePutter::survey(std::shared_ptr<const FolderPair> folder)
             below->local = path;
             below->remote = joinPath(folder->remote, name);
             below->depth = folder->depth + 1;
+            if (const auto sendable = encodeCommand("MKD " + below->remote); !sendable) {
+                leaveOut(path, sendable.error());
+                continue;
+            }
             Status walked = co_await survey(std::move(below));
             ignoreError(walked, "told where it happened");
         } else if (::stat(path.c_str(), &entry) == 0 && S_ISREG(entry.st_mode)) {
@@ -122,10 +126,10 @@ Awaitable<Status> TreePutter::checkFolder(std::string remote, Reply refused)
         co_return Status {};
     }
     auto returned = co_await session.ask("CWD " + back);
-    if (!returned) {
-        co_return tl::unexpected(returned.error());
+    if (returned && !returned->done()) {
+        co_return co_await session.readFolder(); // we stand somewhere else now
     }
-    co_return Status {};
+    co_return returned ? Status {} : Status(tl::unexpected(returned.error()));
 }
 
 /// All folders before the first file, many commands at a time: parents come first, and a server

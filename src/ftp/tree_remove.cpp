@@ -19,7 +19,8 @@ struct Doomed {
     int pending = 1; ///< its own listing and files, and its subfolders
     int tries = 0;
     bool walked = false; ///< its subfolders are known; only its files are still to go
-    bool kept = false; ///< turned out to be a link inside the tree
+    bool kept = false; ///< turned out to be a link inside the tree, or is gone already
+    bool leaving = false; ///< its RMD went out; when the line broke then, it may be gone
     std::string real; ///< where the server says it is; empty = unknown
 };
 using DoomedPointer = std::shared_ptr<Doomed>;
@@ -53,9 +54,9 @@ public:
 
 private:
     Awaitable<Status> work(Session &session);
-    Awaitable<Status> empty(Session &session, DoomedPointer folder);
+    Awaitable<Status> empty(Session &session, DoomedPointer &folder);
     Awaitable<Status> removeFiles(Session &session, std::vector<std::string> files);
-    Awaitable<Status> leave(Session &session, DoomedPointer folder);
+    Awaitable<Status> leave(Session &session, DoomedPointer &folder);
     Awaitable<Result<bool>> enter(Session &session, DoomedPointer folder);
     std::vector<std::string> sort(const Listing &listing, const DoomedPointer &folder);
     Awaitable<Status> removeLink(Session &session, const DoomedPointer &link);
@@ -170,7 +171,9 @@ std::vector<std::string> TreeRemover::sort(const Listing &listing, const DoomedP
     return files;
 }
 
-Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer folder)
+/// Empties and leaves one folder. @param folder  afterwards the one whose turn it was, an ancestor
+/// perhaps: what broke off goes on there
+Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer &folder)
 {
     auto link = co_await enter(session, folder);
     if (link && *link && folder == m_top) {
@@ -188,7 +191,11 @@ Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer folder)
     }
     if (!listing) {
         if (session.usable()) {
-            refuse(folder->path, listing.error());
+            if (folder->leaving) {
+                folder->kept = true; // it went, and then the line did
+            } else {
+                refuse(folder->path, listing.error());
+            }
             co_return co_await leave(session, folder);
         }
         co_return tl::unexpected(listing.error());
@@ -204,7 +211,7 @@ Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer folder)
 
 /// One thing less to do in a folder; the last one out removes it, and then its parent's turn may
 /// have come.
-Awaitable<Status> TreeRemover::leave(Session &session, DoomedPointer folder)
+Awaitable<Status> TreeRemover::leave(Session &session, DoomedPointer &folder)
 {
     while (folder && --folder->pending == 0) {
         if (m_crew.stopped() || (folder == m_top && m_keepTop)) {
@@ -214,11 +221,13 @@ Awaitable<Status> TreeRemover::leave(Session &session, DoomedPointer folder)
             folder = folder->parent;
             continue;
         }
+        folder->leaving = true;
         // Some servers do not remove a folder that a session stands in.
         const std::vector<std::string> commands { "CWD " + parentOf(folder->path),
                                                   "RMD " + folder->path };
         auto replies = co_await session.askAll(commands);
         if (!replies) {
+            folder->pending = 1;
             co_return tl::unexpected(replies.error());
         }
         if (!replies->back().done()) {
@@ -240,7 +249,7 @@ Awaitable<Status> TreeRemover::work(Session &session)
             }
             continue;
         }
-        const DoomedPointer folder = std::move(m_jobs.back());
+        DoomedPointer folder = std::move(m_jobs.back());
         m_jobs.pop_back();
         Status emptied = co_await empty(session, folder);
         if (!emptied) {
@@ -254,6 +263,7 @@ Awaitable<Status> TreeRemover::work(Session &session)
             session.markBroken();
             co_return emptied;
         }
+        m_crew.progressed();
         m_crew.jobDone();
     }
     session.dialogue().setMuted(false);

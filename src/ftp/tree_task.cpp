@@ -21,6 +21,18 @@ std::shared_ptr<FolderPair> TreeTask::top(const std::string &remote, std::string
     return pair;
 }
 
+void TreeTask::leaveOut(const std::string &path, const Error &error)
+{
+    const Hooks &hooks = client().session().hooks();
+    if (hooks.reply
+        && (error.replyCode == 451 || error.replyCode == 452 || error.replyCode == 552)) {
+        hooks.reply(
+            Reply { error.replyCode, { error.text } }); // the program explains full web space
+    }
+    m_crew.note(path + ": " + error.text);
+    m_crew.failed(error);
+}
+
 void TreeTask::brokeOff(Session &session, Job job, const Error &error)
 {
     if (++job.tries >= mostTries || error.kind == ErrorKind::Aborted) {

@@ -19,7 +19,12 @@ public:
         job.counted += bytes;
         m_crew.addBytes(bytes);
     }
-    void done(const Job & /*job*/) override { m_crew.jobDone(); }
+    void done(const Job & /*job*/) override
+    {
+        m_crew.progressed();
+        m_crew.jobDone();
+    }
+    bool quiet() const override { return true; } // thousands of them
     void refused(Session & /*session*/, Job job, const Error &error) override
     {
         leaveOut(shownPath(job), error);
@@ -35,11 +40,7 @@ protected:
     std::shared_ptr<FolderPair> top(const std::string &remote, std::string local);
     /// How a job is called in the log.
     [[nodiscard]] virtual std::string shownPath(const Job &job) = 0;
-    void leaveOut(const std::string &path, const Error &error)
-    {
-        m_crew.note(path + ": " + error.text);
-        m_crew.failed(error);
-    }
+    void leaveOut(const std::string &path, const Error &error);
     void brokeOff(Session &session, Job job, const Error &error) override;
 };
 

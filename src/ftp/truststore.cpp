@@ -3,10 +3,21 @@
 #include "ftp/localfile.h"
 
 #include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <sstream>
 
 namespace ftp {
+namespace {
+
+bool sameHost(const std::string &a, const std::string &b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
+        return std::tolower(x) == std::tolower(y);
+    });
+}
+
+} // namespace
 
 TrustStore::TrustStore(std::string path)
     : m_path(std::move(path))
@@ -31,7 +42,7 @@ const TrustedServer *TrustStore::find(const std::string &host, std::uint16_t por
 {
     const auto found
         = std::find_if(m_servers.begin(), m_servers.end(), [&](const TrustedServer &server) {
-              return server.host == host && server.port == port;
+              return sameHost(server.host, host) && server.port == port;
           });
     return found == m_servers.end() ? nullptr : &*found;
 }
@@ -60,7 +71,7 @@ Status TrustStore::trust(const std::string &host, std::uint16_t port,
                          const std::string &fingerprint)
 {
     std::erase_if(m_servers,
-                  [&](const TrustedServer &s) { return s.host == host && s.port == port; });
+                  [&](const TrustedServer &s) { return sameHost(s.host, host) && s.port == port; });
     m_servers.push_back({ host, port, fingerprint });
     return save();
 }
@@ -68,7 +79,7 @@ Status TrustStore::trust(const std::string &host, std::uint16_t port,
 Status TrustStore::remove(const std::string &host, std::uint16_t port)
 {
     std::erase_if(m_servers,
-                  [&](const TrustedServer &s) { return s.host == host && s.port == port; });
+                  [&](const TrustedServer &s) { return sameHost(s.host, host) && s.port == port; });
     return save();
 }
 

@@ -264,6 +264,24 @@ TEST_F(Faults, AFolderTransferSurvivesALostConnection)
     EXPECT_EQ(servers::difference(local("web"), server.root() / "oben"), "");
 }
 
+TEST_F(Faults, ARefusedPortInTheMiddleOfAFolderCostsNoFile)
+{
+    for (int i = 0; i < 8; ++i) {
+        servers::writeRandomFile(server.root() / "web" / ("f" + std::to_string(i)), 3000,
+                                 static_cast<std::uint32_t>(i));
+    }
+    server.fault.greeting = "220 (vsFTPd 3.0.3)"; // gets commands ahead
+    server.on({ .verb = "PORT", .text = "500 Illegal PORT command", .skip = 4, .times = 1 });
+    TestClient &client = login();
+    client.login().passive = false;
+    ASSERT_TRUE(client.open());
+    const auto got = run(ftp::getTree(ftpClient(), "/web", local("web"), Type::Binary));
+    ASSERT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+    EXPECT_EQ(server.lines("PORT").size(), 10U); // a listing, eight files, one of them twice
+    EXPECT_EQ(server.lines("RETR").size(), 9U); // one went ahead in vain
+}
+
 TEST_F(Faults, AFolderTransferKeepsToOneSessionWhenTheServerWantsThat)
 {
     for (int i = 0; i < 40; ++i) {

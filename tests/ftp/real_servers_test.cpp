@@ -254,6 +254,12 @@ TEST_P(RealServers, WorksInActiveMode)
     const auto put
         = active.run(active.client().put(local("aktiv.bin"), "aktiv2.bin", 0, ftp::Type::Binary));
     ASSERT_TRUE(put) << put.error().text;
+    servers::makeWebSpace(server->root() / "web");
+    server->adoptFiles();
+    const auto tree
+        = active.run(ftp::getTree(active.client(), "/web", local("web"), ftp::Type::Binary));
+    ASSERT_TRUE(tree) << tree.error().text;
+    EXPECT_EQ(servers::difference(local("web"), server->root() / "web"), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, RealServers, testing::ValuesIn(allWays()), [](const auto &one) {

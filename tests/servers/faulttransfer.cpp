@@ -179,6 +179,10 @@ void FaultSession::list(const std::string &argument)
     if (hidden) {
         path.erase(0, path.starts_with("-a ") ? 3 : 2);
     }
+    if (hidden && m_fault.optionIsName.get()) {
+        sendListing({});
+        return;
+    }
     const std::string fixed = m_fault.listing.get();
     sendListing(fixed.empty() ? m_tree.list(path, hidden) : fixed);
 }

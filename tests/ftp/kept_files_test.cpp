@@ -1,0 +1,230 @@
+// Nothing of the user's is mixed up, left out or called done when it is not.
+#include "ftp/tree.h"
+
+#include "ftp/run.h"
+#include "servers/faultserver.h"
+#include "servers/fixture.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+using ftp::ErrorKind;
+using ftp::Type;
+using servers::Rule;
+
+namespace {
+
+class KeptFiles : public testing::Test {
+protected:
+    ftp::Client &connect(ftp::Encryption encryption = ftp::Encryption::Never)
+    {
+        m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
+                                                encryption, 1);
+        m_client->login().timeout = std::chrono::milliseconds(2000);
+        m_opened = m_client->open();
+        return m_client->client();
+    }
+    template <class T> T run(ftp::Awaitable<T> work) { return m_client->run(std::move(work)); }
+    std::string local(const std::string &name) { return (folder.path() / name).string(); }
+    bool noted(const std::string &text)
+    {
+        return std::any_of(m_client->notes().begin(), m_client->notes().end(),
+                           [&](const std::string &note) { return note.find(text) != note.npos; });
+    }
+
+    servers::FaultServer server;
+    servers::TemporaryFolder folder;
+    std::unique_ptr<TestClient> m_client;
+    ftp::Status m_opened;
+};
+
+} // namespace
+
+TEST_F(KeptFiles, AnUploadIsNotContinuedOnAnOlderFile)
+{
+    servers::writeFile(server.root() / "web" / "f", std::string(10000, 'O'));
+    servers::writeFile(folder.path() / "web" / "f", std::string(50000, 'N'));
+    // The bytes are on their way already when the server breaks off before it took any.
+    server.on({ .verb = "STOR", .action = Rule::Drop, .times = 1 });
+    ftp::Client &client = connect();
+    const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
+    EXPECT_TRUE(put) << put.error().text;
+    EXPECT_EQ(servers::readFile(server.root() / "web" / "f"), std::string(50000, 'N'));
+}
+
+TEST_F(KeptFiles, AFolderThatNoCommandMayNameIsLeftOutAlone)
+{
+    for (const char *name : { "a", "b", "c\nd", "e" }) {
+        servers::writeFile(folder.path() / "oben" / name / "f", "inhalt");
+    }
+    ftp::Client &client = connect();
+    const auto put = run(ftp::putTree(client, local("oben"), "/oben", Type::Binary));
+    ASSERT_FALSE(put);
+    EXPECT_EQ(put.error().kind, ErrorKind::BadArgument);
+    for (const char *name : { "a", "b", "e" }) {
+        EXPECT_TRUE(fs::exists(server.root() / "oben" / name / "f")) << name;
+    }
+    EXPECT_FALSE(run(client.removeFile("gibtesnicht"))); // the replies still fit
+}
+
+TEST_F(KeptFiles, CommandsAreSentTogetherOrNotAtAll)
+{
+    ftp::Client &client = connect();
+    std::vector<std::string> commands { "MKD gut", "MKD schlecht\r\nDELE alles" };
+    const auto replies = run(client.session().askAll(commands));
+    ASSERT_FALSE(replies);
+    EXPECT_EQ(replies.error().kind, ErrorKind::BadArgument);
+    EXPECT_TRUE(run(client.raw("NOOP")));
+    EXPECT_TRUE(server.lines("MKD").empty());
+}
+
+TEST_F(KeptFiles, AFolderThatCannotBeReadIsNoEmptyFolder)
+{
+    server.fault.noMlsd = true;
+    server.fault.listing = "<html>Wartung</html>\r\nbitte warten\r\n";
+    servers::writeFile(server.root() / "web" / "f", "inhalt");
+    ftp::Client &client = connect();
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
+    ASSERT_FALSE(got);
+    EXPECT_EQ(got.error().kind, ErrorKind::Protocol);
+    EXPECT_TRUE(noted("/web"));
+}
+
+TEST_F(KeptFiles, AnOptionTakenForANameIsNoEmptyFolder)
+{
+    server.fault.noMlsd = true;
+    server.fault.optionIsName = true;
+    servers::writeFile(server.root() / "web" / "unten" / "f", "inhalt");
+    ftp::Client &client = connect();
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
+    ASSERT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+    server.clearCommands();
+    EXPECT_TRUE(run(client.changeFolder("/web")));
+    const auto listed = run(client.list());
+    ASSERT_TRUE(listed) << listed.error().text;
+    EXPECT_EQ(listed->entries.size(), 1U);
+}
+
+TEST_F(KeptFiles, ALineLostWhileAFolderIsRemovedLeavesNothingStanding)
+{
+    for (const int skip : { 0, 1, 2 }) {
+        servers::writeFile(server.root() / "weg" / "a" / "b" / "f", "inhalt");
+        servers::writeFile(server.root() / "weg" / "c" / "f", "inhalt");
+        server.clearRules();
+        server.on({ .verb = "RMD", .action = Rule::Drop, .skip = skip, .times = 1 });
+        ftp::Client &client = connect();
+        const auto removed = run(ftp::removeTree(client, "/weg"));
+        EXPECT_TRUE(removed) << removed.error().text;
+        EXPECT_FALSE(fs::exists(server.root() / "weg")) << skip;
+    }
+}
+
+TEST_F(KeptFiles, AShorterFileOnTheServerIsFetchedAnew)
+{
+    servers::writeFile(server.root() / "f", std::string(500, 'N'));
+    servers::writeFile(folder.path() / "f", std::string(1000, 'O'));
+    ftp::Client &client = connect();
+    const auto got = run(client.get("f", local("f"), 1000, Type::Binary));
+    ASSERT_TRUE(got) << got.error().text;
+    EXPECT_EQ(*got, 0);
+    EXPECT_EQ(servers::readFile(folder.path() / "f"), std::string(500, 'N'));
+}
+
+TEST_F(KeptFiles, AContinuedFileMustHaveTheServersSize)
+{
+    server.fault.forgetRestart = true; // the whole file comes behind what is there
+    servers::writeFile(server.root() / "f", std::string(2000, 'N'));
+    servers::writeFile(folder.path() / "f", std::string(1000, 'N'));
+    ftp::Client &client = connect();
+    const auto got = run(client.get("f", local("f"), 1000, Type::Binary));
+    ASSERT_FALSE(got);
+    EXPECT_EQ(got.error().kind, ErrorKind::Truncated);
+}
+
+TEST_F(KeptFiles, AVanishedFileIsNotContinuedButSentWhole)
+{
+    servers::writeFile(folder.path() / "f", std::string(5000, 'N'));
+    ftp::Client &client = connect();
+    const auto put = run(client.put(local("f"), "f", 2000, Type::Binary));
+    ASSERT_TRUE(put) << put.error().text;
+    EXPECT_EQ(*put, 0);
+    EXPECT_EQ(servers::readFile(server.root() / "f"), std::string(5000, 'N'));
+}
+
+TEST_F(KeptFiles, ALongerFileOnTheServerIsNotReplacedByContinuing)
+{
+    servers::writeFile(server.root() / "f", std::string(9000, 'O'));
+    servers::writeFile(folder.path() / "f", std::string(5000, 'N'));
+    ftp::Client &client = connect();
+    EXPECT_FALSE(run(client.put(local("f"), "f", 9000, Type::Binary)));
+    EXPECT_EQ(servers::readFile(server.root() / "f"), std::string(9000, 'O'));
+    EXPECT_TRUE(noted("ist größer als die lokale"));
+}
+
+TEST_F(KeptFiles, ARefusedUploadDoesNotTouchTheTimeOfTheOlderFile)
+{
+    server.fault.greeting = "220 (vsFTPd 3.0.3)"; // gets commands ahead
+    for (int i = 0; i < 3; ++i) {
+        servers::writeFile(folder.path() / "web" / ("f" + std::to_string(i)), "neu");
+    }
+    server.on({ .verb = "STOR", .argument = "*f1", .text = "550 Overwrite permission denied" });
+    ftp::Client &client = connect();
+    EXPECT_FALSE(run(ftp::putTree(client, local("web"), "/web", Type::Binary)));
+    const auto times = server.lines("MFMT");
+    EXPECT_EQ(times.size(), 2U); // also the last one, which no other upload follows
+    EXPECT_TRUE(std::none_of(times.begin(), times.end(),
+                             [](const std::string &line) { return line.ends_with("/f1"); }));
+    EXPECT_TRUE(run(client.raw("NOOP")));
+}
+
+TEST_F(KeptFiles, AServerWithoutEncryptionIsNoWrongPassword)
+{
+    server.on({ .verb = "AUTH", .text = "530 Please login with USER and PASS." });
+    connect(ftp::Encryption::Always);
+    ASSERT_FALSE(m_opened);
+    EXPECT_EQ(m_opened.error().kind, ErrorKind::TlsFailed);
+    EXPECT_EQ(m_opened.error().text.find("530"), std::string::npos);
+    EXPECT_FALSE(m_client->replies().empty()); // but the log has it
+}
+
+TEST_F(KeptFiles, AServerThatDoesNotTellItsFolderIsInTheOneItWasSentTo)
+{
+    fs::create_directories(server.root() / "web" / "unten");
+    ftp::Client &client = connect();
+    server.on({ .verb = "PWD", .text = "550 No" });
+    EXPECT_TRUE(run(client.changeFolder("/web")));
+    EXPECT_EQ(client.folder(), "/web");
+    EXPECT_TRUE(run(client.changeFolder("unten")));
+    EXPECT_EQ(client.folder(), "/web/unten");
+}
+
+TEST_F(KeptFiles, RepliesInsideAFolderAreNoNewsButAFullWebSpaceIs)
+{
+    for (int i = 0; i < 10; ++i) {
+        servers::writeFile(folder.path() / "web" / ("f" + std::to_string(i)), "neu");
+    }
+    server.on({ .verb = "STOR", .argument = "*f5", .text = "451 Quota exceeded", .times = 1 });
+    ftp::Client &client = connect();
+    m_client->replies().clear();
+    EXPECT_FALSE(run(ftp::putTree(client, local("web"), "/web", Type::Binary)));
+    const auto &told = m_client->replies();
+    EXPECT_EQ(std::count_if(told.begin(), told.end(),
+                            [](const std::string &line) { return line.starts_with("451"); }),
+              1);
+    EXPECT_EQ(std::count_if(told.begin(), told.end(),
+                            [](const std::string &line) { return line.starts_with("226"); }),
+              0);
+}
+
+TEST_F(KeptFiles, PermissionsGoToTheNameInTheServersBytes)
+{
+    server.fault.noUtf8 = true;
+    servers::writeFile(server.root() / "K\xE4se.html", "inhalt");
+    ftp::Client &client = connect();
+    ASSERT_TRUE(run(client.list()));
+    EXPECT_TRUE(run(client.raw("SITE chmod 644 Käse.html")));
+    EXPECT_EQ(server.lines("SITE").back(), "SITE chmod 644 K\xE4se.html");
+}
