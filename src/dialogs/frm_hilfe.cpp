@@ -77,6 +77,7 @@ frm_hilfe::frm_hilfe(QWidget *parent)
     : QWidget(parent, Qt::Window)
 {
     setObjectName(u"frm_hilfe"_s);
+    setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its main window
     setWindowTitle(u"Tarvelo FTP - Hilfe"_s);
     resize(900, 624);
     buildLayout();

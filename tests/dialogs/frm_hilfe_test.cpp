@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <gtest/gtest.h>
 
@@ -228,6 +229,18 @@ TEST(HelpKey, OpensThePageOfTheFocusedControl)
     proxy.setFocus();
     sendHelpKey();
     EXPECT_TRUE(QTest::qWaitFor([] { return openHelpWindow()->currentPage() == u"proxy"_s; }));
+}
+
+TEST(HelpKey, AnOpenHelpDoesNotKeepTheProgramRunning)
+{
+    HelpKeyFilter filter;
+    QWidget window;
+    window.show();
+    filter.openHelp(contentsPage());
+    ASSERT_TRUE(openHelpWindow());
+    QTimer::singleShot(0, &window, &QWidget::close);
+    QTimer::singleShot(5000, &filter, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0) << "the help was waited for";
 }
 
 TEST(HelpKey, WorksInsideAModalDialog)
