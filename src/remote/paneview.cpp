@@ -139,7 +139,8 @@ void PaneView::keyPressEvent(QKeyEvent *event)
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (plain && currentIndex().isValid()) {
+        // Tab into the list makes a row current without selecting it.
+        if (plain && selectionModel()->isRowSelected(currentIndex().row())) {
             Q_EMIT rowOpened(currentIndex().row(), false);
         }
         return;

@@ -76,6 +76,17 @@ TEST_F(PaneViewTest, EnterAndDoubleClickOpenTheRow)
     EXPECT_EQ(m_view.selectedRowNumbers(), QList<int> { 3 });
 }
 
+TEST_F(PaneViewTest, EnterOpensOnlyARowThatIsSelected)
+{
+    QSignalSpy opened(&m_view, &PaneView::rowOpened);
+    m_view.selectionModel()->setCurrentIndex(m_model.index(2, 0), QItemSelectionModel::NoUpdate);
+    key(Qt::Key_Return);
+    m_view.clearSelection();
+    m_view.selectionModel()->clearCurrentIndex();
+    key(Qt::Key_Return);
+    EXPECT_EQ(opened.count(), 0);
+}
+
 TEST_F(PaneViewTest, KeysBecomeSignals)
 {
     QSignalSpy deleted(&m_view, &PaneView::deletePressed);
