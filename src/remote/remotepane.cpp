@@ -47,7 +47,7 @@ RemotePane::RemotePane(FtpOperations &ftp, Globals &globals, Shell &shell, QWidg
     , m_globals(globals)
     , m_shell(shell)
 {
-    connect(&box(), &QComboBox::activated, this, &RemotePane::chooseFolder);
+    connect(&box(), &QComboBox::activated, this, &RemotePane::takeEntry);
     connect(box().lineEdit(), &QLineEdit::returnPressed, this, &RemotePane::chooseFolder);
     connect(&view(), &PaneView::rowOpened, this, &RemotePane::OpenRemoteRow);
     connect(&model(), &QAbstractItemModel::modelReset, this, &RemotePane::showHint);
@@ -155,10 +155,9 @@ void RemotePane::DoRemoteRefresh(const QString &folder)
     setFolderText(folder);
     QString listed = folder;
     ListRemoteFolder(listed);
-    if (listed != withSeparator(folder, slash)) {
-        setFolderText(listed); // the folder could not be entered, or was relative
-    }
-    m_globals.session.CurrentRemoteDir = this->folder();
+    // Another one when the folder could not be entered or was relative.
+    m_globals.session.CurrentRemoteDir = listed == withSeparator(folder, slash) ? folder : listed;
+    setFolderText(m_globals.session.CurrentRemoteDir);
 }
 
 void RemotePane::EnterRemoteFolder(const QString &folder)
@@ -248,6 +247,15 @@ int RemotePane::RemoteItem(int index) const
         return -1;
     }
     return const_cast<RemotePane *>(this)->model().findRow(items.at(index).name);
+}
+
+void RemotePane::takeEntry()
+{
+    if (isReady()) {
+        chooseFolder();
+    } else if (m_ftp.state() == FtpOperations::Connected) {
+        setFolderText(m_globals.session.CurrentRemoteDir); // uploads go where the box says
+    }
 }
 
 void RemotePane::chooseFolder()

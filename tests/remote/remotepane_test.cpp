@@ -294,6 +294,31 @@ TEST_F(RemotePaneTest, ChoosingAnEntryListsItAtOnce)
     EXPECT_EQ(names(), "<up> www");
 }
 
+TEST_F(RemotePaneTest, AnEntryChosenWhileSomethingRunsDoesNotStayInTheBox)
+{
+    m_pane.EnterRemoteFolder(QStringLiteral("/www/leer"));
+    m_pane.RememberRemoteFolder();
+    m_pane.EnterRemoteFolder(QStringLiteral("/www"));
+    clearNotes();
+    m_ftp.busy = true;
+    m_pane.box().setCurrentIndex(0);
+    Q_EMIT m_pane.box().activated(0);
+    EXPECT_EQ(commands(), "");
+    EXPECT_EQ(m_pane.folder(), QStringLiteral("/www")) << "uploads would go elsewhere";
+    // Not while it is being listed, either: the box ends with what the rows are.
+    m_ftp.busy = false;
+    m_ftp.during = [this](const QString &command) {
+        if (command == u"LIST") {
+            m_ftp.busy = true;
+            m_pane.box().setCurrentIndex(0);
+            Q_EMIT m_pane.box().activated(0);
+            m_ftp.busy = false;
+        }
+    };
+    m_pane.DoRemoteRefresh(QStringLiteral("/www/cgi-bin"));
+    EXPECT_EQ(m_pane.folder(), QStringLiteral("/www/cgi-bin"));
+}
+
 TEST_F(RemotePaneTest, ColumnsSortInTheirFixedOrder)
 {
     Q_EMIT m_pane.view().columnClicked(ColumnSize);
