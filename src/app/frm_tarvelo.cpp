@@ -452,10 +452,21 @@ void frm_tarvelo::SetCommandsEnabled(bool login, bool logout, bool /*unused*/, b
     m_menu.mnuLogout->setEnabled(logout);
     m_column->setGreen(lightFor(login, m_services.ftp.state()) == Light::Green);
     m_menu.mnuActions->menuAction()->setEnabled(commands);
-    SetToolbarsEnabled(toolbars);
+    enableBars(toolbars);
 }
 
 void frm_tarvelo::SetToolbarsEnabled(bool enabled)
+{
+    enableBars(enabled);
+    // A command that ends because its connection was lost comes last: what showed that there is
+    // none must not be undone.
+    if (enabled && m_services.ftp.state() != FtpControl::Connected) {
+        UpdateRemoteCommandStates();
+        UpdateLocalCommandStates();
+    }
+}
+
+void frm_tarvelo::enableBars(bool enabled)
 {
     m_barsEnabled = enabled;
     m_localBar.setEnabled(enabled);

@@ -104,6 +104,7 @@ private:
     void refreshActive();
     void selectAllActive();
     void goUp(bool remote);
+    void enableBars(bool enabled);
     void followPane(bool remote); ///< the commands are those of the pane's selected rows
     void DeleteSelected();
     void pickFolder(QWidget *parent);

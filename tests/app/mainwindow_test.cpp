@@ -199,6 +199,20 @@ TEST_F(MainWindow, SetCommandsEnabledSwitchesMenusBarsAndLights)
     }
 }
 
+TEST_F(MainWindow, ACommandThatLostItsConnectionLeavesTheServersBarDisabled)
+{
+    window->SetToolbarsEnabled(false);
+    for (const char *bar : bars) {
+        EXPECT_FALSE(button(bar, "Refresh")->isEnabled());
+    }
+    window->SetToolbarsEnabled(true);
+    for (const char *key : keys) {
+        EXPECT_FALSE(button("tbToolBar_rem", key)->isEnabled()) << key;
+    }
+    EXPECT_TRUE(button("tbToolBar", "Refresh")->isEnabled());
+    EXPECT_FALSE(button("tbToolBar", "DeleteFiles")->isEnabled()) << "nothing is selected";
+}
+
 TEST_F(MainWindow, TheLightsRunOnlyCommandsThatAreEnabled)
 {
     const auto click = [this](const char *light) { find<QToolButton>(light)->click(); };
