@@ -72,6 +72,8 @@ LocalPane::LocalPane(Globals &globals, QWidget *parent, Reader reader)
     connect(box().lineEdit(), &QLineEdit::returnPressed, this,
             [this] { RememberLocalFolder(m_shown); });
     connect(&view(), &PaneView::rowOpened, this, &LocalPane::OpenLocalRow);
+    // A new row is no listing: what the list says about its folder does not hold any more.
+    connect(&model(), &QAbstractItemModel::rowsInserted, this, [this] { view().setHint({}); });
 }
 
 LocalPane::~LocalPane() { abandonJob(); }

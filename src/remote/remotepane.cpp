@@ -51,6 +51,7 @@ RemotePane::RemotePane(FtpOperations &ftp, Globals &globals, Shell &shell, QWidg
     connect(box().lineEdit(), &QLineEdit::returnPressed, this, &RemotePane::chooseFolder);
     connect(&view(), &PaneView::rowOpened, this, &RemotePane::OpenRemoteRow);
     connect(&model(), &QAbstractItemModel::modelReset, this, &RemotePane::showHint);
+    connect(&model(), &QAbstractItemModel::rowsInserted, this, &RemotePane::showHint);
     showHint();
 }
 
@@ -66,8 +67,9 @@ void RemotePane::showHint()
     const int rows = model().rowCount();
     const QString text = m_ftp.state() != FtpOperations::Connected && rows == 0
         ? QStringLiteral("Nicht mit einem Server verbunden.")
-        : rows == 1 ? QStringLiteral("Dieser Ordner ist leer.")
-                    : QString();
+        : rows != 1 ? QString()
+        : m_unread  ? QStringLiteral("Die Dateiliste konnte nicht gelesen werden.")
+                    : QStringLiteral("Dieser Ordner ist leer.");
     view().setHint(text);
 }
 
@@ -112,6 +114,10 @@ void RemotePane::fillRows(const QString &folder, bool listed)
     }
     // After a refused listing the control still holds the one of another folder.
     const RemoteListing listing = listed ? m_ftp.listing() : RemoteListing { {}, 0, {} };
+    // Many servers send nothing at all for an empty folder.
+    m_unread = !listed
+        || (listing.format == RemoteListing::Uninterpretable
+            && !listing.rawText.trimmed().isEmpty());
     QList<PaneRow> rows;
     const auto build = [&] {
         rows = RegroupRows(

@@ -60,4 +60,5 @@ private:
     Globals &m_globals;
     Shell &m_shell;
     bool m_working = false;
+    bool m_unread = false; ///< the rows are missing, not the files
 };

@@ -179,6 +179,14 @@ TEST_F(LocalPaneTest, ForgettingComparesFolders)
     EXPECT_EQ(boxText(), m_root.path());
 }
 
+TEST_F(LocalPaneTest, AFolderWithANewRowIsNotCalledEmpty)
+{
+    list(path("bilder/alt"));
+    EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Dieser Ordner ist leer."));
+    m_pane.model().appendRow({ QStringLiteral("neu"), ItemKind::FolderClose, {}, {}, {}, {} });
+    EXPECT_EQ(m_pane.view().hint(), QString());
+}
+
 TEST_F(LocalPaneTest, AVanishedFolderShowsTheUpRowAndIsNotMistaken)
 {
     QDir(m_root.path()).mkpath(QStringLiteral("bilder [2020]"));

@@ -212,6 +212,19 @@ TEST_F(RemotePaneTest, ARefusedListingShowsNoRowsOfAnotherFolder)
     m_pane.DoRemoteRefresh(QStringLiteral("/www/leer"));
     EXPECT_EQ(names(), "<up>");
     EXPECT_EQ(m_pane.folder(), QStringLiteral("/www/leer"));
+    EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Die Dateiliste konnte nicht gelesen werden."));
+}
+
+TEST_F(RemotePaneTest, OnlyAnEmptyFolderIsCalledEmpty)
+{
+    m_ftp.fixed = RemoteListing { {}, RemoteListing::Uninterpretable, QStringLiteral("Hä?") };
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Die Dateiliste konnte nicht gelesen werden."));
+    m_ftp.fixed = RemoteListing { {}, RemoteListing::Uninterpretable, QStringLiteral("\r\n") };
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Dieser Ordner ist leer."));
+    m_pane.model().appendRow({ QStringLiteral("neu"), ItemKind::FolderClose, {}, {}, {}, {} });
+    EXPECT_EQ(m_pane.view().hint(), QString()) << "it holds a new folder now";
 }
 
 TEST_F(RemotePaneTest, AConnectionLostMeanwhileLeavesAnEmptyPaneAndNoCommands)
