@@ -232,8 +232,10 @@ void RemotePane::ResolveLink(int row)
     const auto resume = pauseCommands(m_shell, m_ftp);
     m_shell.SetFtpProperties();
     const FtpStatus entered = m_ftp.setCurrentFolder(link.name);
-    if (entered) {
-        ignoreError(m_ftp.setCurrentFolder(shown), "the next listing goes where it is told to");
+    if (entered && !m_ftp.setCurrentFolder(shown)) {
+        // The server stays where the link leads to; relative commands would go there.
+        DoRemoteRefresh(m_ftp.currentFolder());
+        return;
     }
     // The call ran events: the rows may be others by now.
     if (row < model().rowCount() && model().row(row).tag == link.tag) {

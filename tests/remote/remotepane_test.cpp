@@ -187,6 +187,20 @@ TEST_F(RemotePaneTest, ALinkToAnythingElseBecomesAFileAndIsNotTriedAgain)
     EXPECT_EQ(kind("kaputt"), ItemKind::Link) << "a fresh listing knows nothing of it";
 }
 
+TEST_F(RemotePaneTest, ALinkWithoutAWayBackIsShown)
+{
+    m_ftp.addFile(QStringLiteral("/www/cgi-bin/a.pl"), "1");
+    m_ftp.refuse = [](const QString &command) -> std::optional<FtpError> {
+        return command == u"CWD /www" ? std::optional(FtpError {
+                   ftp::ErrorKind::Refused, 550, QStringLiteral("550 Permission denied.") })
+                                      : std::nullopt;
+    };
+    m_pane.OpenRemoteRow(row("verweis"), true);
+    EXPECT_EQ(m_ftp.current, QStringLiteral("/www/cgi-bin"));
+    EXPECT_EQ(names(), "<up> a.pl") << "the rows are those of the server's folder";
+    EXPECT_EQ(m_pane.folder(), QStringLiteral("/www/cgi-bin"));
+}
+
 TEST_F(RemotePaneTest, AFileIsDownloadedByDoubleClickOnly)
 {
     QSignalSpy wanted(&m_pane, &RemotePane::downloadWanted);
