@@ -166,7 +166,10 @@ void Session::logoutCommand()
         if (m_control.isBusy() || !m_prompts.question(u"Möchten Sie die Verbindung trennen?"_s)) {
             return;
         }
-        LogoutSequence();
+        // The server may have hung up while the question stood.
+        if (m_control.state() == FtpControl::Connected) {
+            LogoutSequence();
+        }
     }
     m_remote.setFolderText({});
     m_shell.UpdateRemoteCommandStates();

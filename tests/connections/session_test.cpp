@@ -286,6 +286,19 @@ TEST_F(SessionRules, TheLogoutCommandAsksFirst)
     EXPECT_TRUE(shell.calls.contains(u"UpdateRemoteCommandStates"_s));
 }
 
+TEST_F(SessionRules, AConnectionLostDuringTheLogoutQuestionIsNotEndedAgain)
+{
+    ftp.connectionState = FtpOperations::Connected;
+    remote.text = u"/html/"_s;
+    prompts.expectQuestion(u"Möchten Sie die Verbindung trennen?"_s, true).meanwhile([this] {
+        ftp.connectionState = FtpOperations::Closed;
+    });
+    session.logoutCommand();
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_EQ(shell.log, QString());
+    EXPECT_EQ(remote.text, QString());
+}
+
 TEST_F(SessionRules, LogoutWithoutAConnectionOnlyEmptiesTheBox)
 {
     remote.text = u"/html/"_s;
