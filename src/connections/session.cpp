@@ -82,6 +82,11 @@ FtpStatus Session::connectAndLogin()
     if (!isPort(connection.RemotePort)) {
         return failure(ftp::ErrorKind::BadArgument, u"The port is not a number from 1 to 65535"_s);
     }
+    const bool proxied = connection.ProxyType >= 1 && connection.ProxyType <= 7;
+    if (proxied && !isPort(connection.Proxyport)) {
+        return failure(ftp::ErrorKind::BadArgument,
+                       u"The port of the proxy is not a number from 1 to 65535"_s);
+    }
     m_control.setEncryption(encryptionOf(m_globals));
     m_control.setSessionLimit(m_globals.settings.connections);
     return m_control.connectAndLogin(cleanHost(connection.RemoteHost), connection.UserName,
@@ -135,10 +140,7 @@ void Session::LoginErrorMessage(const FtpError &error)
         m_prompts.message(message.box);
     }
     m_shell.AppendLog(error.text + lineBreak);
-    if (const QString advice = adviceFor(error.kind);
-        !m_globals.settings.ErrorMsg && !advice.isEmpty()) {
-        m_shell.AppendLog(advice + lineBreak);
-    }
+    appendAdvice(adviceFor(error.kind));
     m_control.close();
     m_globals.session.ConnectionLost = true;
     showDisconnected();

@@ -187,6 +187,22 @@ TEST_F(SessionRules, TheHostIsCleanedAndThePortIsChecked)
     }
 }
 
+TEST_F(SessionRules, ThePortOfAProxyIsChecked)
+{
+    for (const int port : { 0, 65536, -1, 99999 }) {
+        ftp.commands.clear();
+        globals.connection.ProxyType = 2;
+        globals.connection.Proxyport = port;
+        prompts.expectMessage(otherText);
+        session.ConnectSequence();
+        EXPECT_TRUE(ftp.commands.isEmpty()) << port;
+        EXPECT_TRUE(shell.log.contains(u"The port of the proxy is not a number from 1 to 65535"_s));
+    }
+    globals.connection.ProxyType = 0; // without one its port does not matter
+    session.ConnectSequence();
+    EXPECT_FALSE(ftp.commands.isEmpty());
+}
+
 TEST_F(SessionRules, TheProfilesEncryptionGoesBeforeThePrograms)
 {
     const QList<std::tuple<int, int, FtpEncryption>> table {
