@@ -76,6 +76,7 @@ private:
         m_window = std::make_unique<frm_tarvelo>(WindowServices { m_globals, m_ftp, m_prompts,
                                                                   m_store, m_addresses.addresses,
                                                                   m_commandLine, &m_notifier });
+        m_prompts.setWindow(m_window.get()); // also while another program is in front
         m_window->show();
         QApplication::setQuitOnLastWindowClosed(true);
         for (const QString &problem : m_addresses.problems) {

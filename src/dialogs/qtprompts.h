@@ -10,6 +10,8 @@ class QtPrompts : public Prompts {
 public:
     /// @param window  parent of the boxes when no other window of the program is active
     explicit QtPrompts(QWidget *window = nullptr);
+    /// The same later, for a window that is built after the first box.
+    void setWindow(QWidget *window) { m_window = window; }
 
     void message(const QString &text, const QString &title = {}, Icon icon = Icon::None) override;
     [[nodiscard]] bool confirm(const QString &text, const QString &title = {},

@@ -172,3 +172,15 @@ TEST(QtPrompts, TheAnswerEndsTheSearchForTheLateLine)
                                        },
                                        stop }));
 }
+
+TEST(QtPrompts, WhileNoWindowIsActiveABoxBelongsToTheGivenOne)
+{
+    QWidget window; // as while another program is in front
+    QtPrompts prompts;
+    prompts.setWindow(&window);
+    const WhenModalOpens<QMessageBox> box([&](QMessageBox &opened) {
+        EXPECT_EQ(opened.parentWidget(), &window);
+        QTest::keyClick(&opened, Qt::Key_Return);
+    });
+    prompts.message(u"Text"_s);
+}
