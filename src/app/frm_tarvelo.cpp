@@ -193,7 +193,7 @@ void frm_tarvelo::connectMenu()
     onTrigger(m_menu.mnuSelectall, [this] { selectAllActive(); });
     onTrigger(m_menu.mnu_einstell, [this] { showSettings(); });
     HelpMenu::Actions actions;
-    actions.sendF1 = sendHelpKey;
+    actions.sendF1 = [this] { sendHelpKey(m_menu.mnuHelp); };
     actions.showInfo = [this] {
         frm_info info(
             m_globals, m_services.addresses, m_services.prompts,

@@ -45,9 +45,11 @@ bool HelpKeyFilter::eventFilter(QObject *watched, QEvent *event)
     return QObject::eventFilter(watched, event);
 }
 
-void sendHelpKey()
+void sendHelpKey(QWidget *target)
 {
-    QWidget *target = QApplication::focusWidget();
+    if (!target) {
+        target = QApplication::focusWidget();
+    }
     if (!target) {
         target = QApplication::activeWindow();
     }

@@ -24,8 +24,8 @@ private:
     std::unique_ptr<frm_hilfe> m_window;
 };
 
-/// Sends the F1 key to the program, as help buttons and the help menu do.
-void sendHelpKey();
+/// Sends the F1 key to a widget, as the help menu does; without one to where the focus is.
+void sendHelpKey(QWidget *target = nullptr);
 
 /// Page for F1 in a widget: the first of the widget and its parents (beyond window borders) that
 /// has a page of its own; the contents page for none.

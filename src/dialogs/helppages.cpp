@@ -85,6 +85,7 @@ struct ControlPage {
 };
 
 constexpr ControlPage controlPages[] = {
+    { u"mnuHelp", u"index" }, // the help menu opens the help at its beginning
     { u"lvwLocal", u"lokal" },
     { u"cmbLocalDir", u"lokal" },
     { u"cmd_dir_merken_lokal", u"lokal" },

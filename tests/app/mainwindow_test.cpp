@@ -2,6 +2,9 @@
 
 #include "app/commands.h"
 #include "app/transfercolumn.h"
+#include "dialogs/frm_hilfe.h"
+#include "dialogs/helpkeyfilter.h"
+#include "dialogs/helppages.h"
 #include "remote/itemkind.h"
 
 #include <QApplication>
@@ -480,6 +483,23 @@ TEST_F(MainWindow, EveryControlHasANameForScreenReaders)
               QStringLiteral("Download der markierten Objekte"));
     EXPECT_EQ(find<QWidget>("cmd_upload")->toolTip(),
               QStringLiteral("Upload der markierten Objekte"));
+}
+
+TEST_F(MainWindow, TheHelpMenuOpensTheHelpAtItsBeginning)
+{
+    const HelpKeyFilter filter;
+    const auto help = []() -> frm_hilfe * {
+        for (QWidget *each : QApplication::topLevelWidgets()) {
+            if (auto *found = qobject_cast<frm_hilfe *>(each); found && found->isVisible()) {
+                return found;
+            }
+        }
+        return nullptr;
+    };
+    focus(window->localPane().view()); // whose own page F1 opens
+    item("m_h_0")->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return help() != nullptr; }));
+    EXPECT_EQ(help()->currentPage(), contentsPage());
 }
 
 TEST_F(MainWindow, TheMakersLogoOpensTheHomePage)
