@@ -46,7 +46,11 @@ void VerbindungTab::collect(ProfileFields &fields) const
     fields.RemoteHost = m_txtRemoteHost->text();
     fields.UserName = m_txtUserName->text();
     fields.Password = m_txtPassword->text();
-    fields.Bemerkungen = m_txt_bemerkungen->toPlainText().replace(u"\n"_s, u"\r\n"_s);
+    // toPlainText() would make blanks of no-break spaces: a change that nobody made.
+    fields.Bemerkungen = m_txt_bemerkungen->document()->toRawText();
+    for (const QChar lineEnd : { QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator) }) {
+        fields.Bemerkungen.replace(lineEnd, u"\r\n"_s);
+    }
 }
 
 void VerbindungTab::lock()

@@ -302,3 +302,10 @@ TEST_F(ConnectDialog, TypingTheNameOfAProfileNamesWhatIsSavedAndLoadsNothing)
     EXPECT_EQ(saved.RemoteHost, u"neu01"_s);
     EXPECT_EQ(saved.UserName, u"neuer"_s);
 }
+
+TEST_F(ConnectDialog, RemarksComeBackAsTheyWere)
+{
+    globals.connection.Bemerkungen = u"10\u00a0MB\r\n\r\n  zwei"_s;
+    open();
+    EXPECT_EQ(dialog->fields().Bemerkungen, globals.connection.Bemerkungen);
+}
