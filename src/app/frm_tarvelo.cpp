@@ -397,6 +397,9 @@ void frm_tarvelo::showSettings()
 
 void frm_tarvelo::rememberFolder(bool remote)
 {
+    if (remote && m_remote->box().currentText().isEmpty()) {
+        return; // Intended: without a connection there is no folder that could be meant.
+    }
     const auto written = remote ? rememberRemote(m_globals, m_remote->box().currentText())
                                 : rememberLocal(m_globals, m_local->box().currentText());
     if (!written) {

@@ -130,6 +130,8 @@ bool ProfileFolder::remove(const QString &name) const
     return path && removeFile(*path) && removeFile(sidePath(*path));
 }
 
+// Intended: the other folder stays as the connection has it, not as its pane shows it: one button
+// replaces one folder.
 tl::expected<void, QString> rememberLocal(Globals &globals, const QString &folder)
 {
     globals.connection.LocalDir = folder;

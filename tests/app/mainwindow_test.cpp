@@ -216,6 +216,33 @@ TEST_F(MainWindow, ACommandThatLostItsConnectionLeavesTheServersBarDisabled)
     EXPECT_FALSE(button("tbToolBar", "DeleteFiles")->isEnabled()) << "nothing is selected";
 }
 
+TEST_F(MainWindow, TheRememberButtonsWriteTheFoldersOfTheBoxes)
+{
+    QDir(home.path()).mkdir(QStringLiteral("mo_def"));
+    globals.session.Lastconnect = QStringLiteral("Heim");
+    globals.connection.RemoteDir = QStringLiteral("/html");
+    open();
+    const auto lines = [this] {
+        QFile written(home.filePath(QStringLiteral("mo_def/Heim.login")));
+        return written.open(QIODevice::ReadOnly)
+            ? QString::fromLatin1(written.readAll()).split(QStringLiteral("\r\n"))
+            : QStringList();
+    };
+    find<QComboBox>("cmbLocalDir")->setEditText(home.path() + QStringLiteral(" [mein]"));
+    find<QAbstractButton>("cmd_dir_merken_lokal")->click();
+    EXPECT_EQ(lines().value(3), home.path() + QStringLiteral(" [mein]"));
+    EXPECT_EQ(lines().value(4), QStringLiteral("/html"));
+    find<QAbstractButton>("cmd_dir_merken_remote")->click();
+    EXPECT_EQ(lines().value(4), QStringLiteral("/html")) << "the box is empty";
+    find<QComboBox>("cmbRemoteDir")->setEditText(QStringLiteral("/neu"));
+    find<QAbstractButton>("cmd_dir_merken_remote")->click();
+    EXPECT_EQ(lines().value(4), QStringLiteral("/neu"));
+
+    globals.session.Lastconnect = QStringLiteral("a/b"); // cannot be written
+    prompts.expectMessage(QStringLiteral("Der Name der Verbindung ist nicht erlaubt: a/b"));
+    find<QAbstractButton>("cmd_dir_merken_lokal")->click();
+}
+
 TEST_F(MainWindow, TheLightsRunOnlyCommandsThatAreEnabled)
 {
     const auto click = [this](const char *light) { find<QToolButton>(light)->click(); };
