@@ -213,11 +213,12 @@ bool frmConnect::writeProfile()
         return false;
     }
     m_unchanged = fields();
-    if (m_cbo_profil->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive) < 0) {
-        const QSignalBlocker quiet(m_cbo_profil);
+    const QSignalBlocker quiet(m_cbo_profil);
+    // A name in other case is the same profile, whose own spelling stays.
+    if (m_cbo_profil->findText(name, Qt::MatchFixedString) < 0) {
         m_cbo_profil->addItem(name);
-        m_cbo_profil->setCurrentIndex(m_cbo_profil->count() - 1);
     }
+    m_cbo_profil->setCurrentIndex(m_cbo_profil->findText(name, Qt::MatchFixedString));
     return true;
 }
 

@@ -145,3 +145,14 @@ TEST_F(ConnectDialog, TypingANameIsNotCompletedToAnother)
     EXPECT_EQ(names()->currentText(), u"He"_s);
     EXPECT_EQ(edit("txtRemoteHost")->text(), u"alt01"_s);
 }
+
+TEST_F(ConnectDialog, ANameInOtherCaseIsTheSameProfile)
+{
+    writeHome();
+    open();
+    names()->setEditText(u"heim"_s);
+    press("cmd_profil_speichern");
+    EXPECT_EQ(names()->count(), 1);
+    EXPECT_EQ(names()->currentText(), u"Heim"_s) << "found again at the next start";
+    EXPECT_EQ(profiles.names(), QStringList { u"Heim"_s });
+}
