@@ -78,6 +78,7 @@ ErweitertTab::ErweitertTab(QWidget *parent)
     grid->setRowStretch(grid->rowCount(), 1);
     grid->addWidget(m_cmd_reset, grid->rowCount(), 1, Qt::AlignRight);
     for (QComboBox *box : { m_lstTransferType, m_cbo_verschluesselung }) {
+        FormParts::ignoreWheel(box);
         box->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     }
 }

@@ -33,9 +33,24 @@ private:
     QLineEdit *m_edit;
 };
 
+class WheelStopper : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Wheel) {
+            event->ignore();
+            return true;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
 } // namespace
 
 namespace FormParts {
+
+void ignoreWheel(QComboBox *box) { box->installEventFilter(new WheelStopper(box)); }
 
 QLineEdit *lineEdit(const QString &name, bool selectOnEntry)
 {

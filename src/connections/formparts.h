@@ -11,6 +11,9 @@ class QWidget;
 /// Pieces that the tabs of the connection dialog are made of.
 namespace FormParts {
 
+/// The wheel over a box that only stands in its way must not change the entry.
+void ignoreWheel(QComboBox *box);
+
 /// A line edit with its object name; entering it selects its whole text when asked for.
 [[nodiscard]] QLineEdit *lineEdit(const QString &name, bool selectOnEntry = false);
 /// A line edit that shows dots.

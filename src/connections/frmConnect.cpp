@@ -6,6 +6,7 @@
 #include "common/settingsstore.h"
 #include "connections/connectionsettings.h"
 #include "connections/connecttabs.h"
+#include "connections/formparts.h"
 
 #include <QComboBox>
 #include <QCompleter>
@@ -81,6 +82,7 @@ QLayout *frmConnect::profileRow()
 {
     m_cbo_profil->setObjectName(u"cbo_profil"_s);
     m_cbo_profil->setEditable(true);
+    FormParts::ignoreWheel(m_cbo_profil); // it would load a profile over unsaved fields
     m_cbo_profil->setInsertPolicy(QComboBox::NoInsert);
     m_cbo_profil->setCompleter(nullptr); // it would finish a new name as an old one
     // Leaving the line would choose the entry of that name: typing a name only names what is to be

@@ -156,3 +156,21 @@ TEST_F(ConnectDialog, ANameInOtherCaseIsTheSameProfile)
     EXPECT_EQ(names()->currentText(), u"Heim"_s) << "found again at the next start";
     EXPECT_EQ(profiles.names(), QStringList { u"Heim"_s });
 }
+
+TEST_F(ConnectDialog, TheWheelChangesNoEntry)
+{
+    writeHome();
+    ASSERT_TRUE(profiles.write(u"Arbeit"_s, {}));
+    globals.session.Lastconnect = u"Arbeit"_s;
+    open();
+    for (auto *box : { names(), find<QComboBox>("lstTransferType") }) {
+        const QPointF place = box->rect().center();
+        for (const int turn : { -120, 120 }) {
+            const int before = box->currentIndex();
+            QWheelEvent event(place, box->mapToGlobal(place), {}, { 0, turn }, Qt::NoButton,
+                              Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(box, &event);
+            EXPECT_EQ(box->currentIndex(), before) << qPrintable(box->objectName());
+        }
+    }
+}
