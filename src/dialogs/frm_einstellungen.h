@@ -50,5 +50,6 @@ private:
     QComboBox *m_cbo_verschluesselung;
     QSpinBox *m_spn_verbindungen;
     QListWidget *m_lst_vertraut;
+    QList<int> m_forgotten; ///< trusted servers to forget, as list() numbers them; on confirming
     QPushButton *m_cmd_vertrauen_entfernen;
 };

@@ -219,12 +219,27 @@ TEST_F(SettingsDialog, TrustedServersCanBeForgotten)
     list->setCurrentRow(1);
     EXPECT_TRUE(remove->isEnabled());
     remove->click();
-    EXPECT_EQ(trusted, (QStringList { u"eins"_s, u"drei"_s }));
     EXPECT_EQ(list->count(), 2);
+    EXPECT_EQ(trusted.size(), 3) << "not before it is confirmed";
+    press("cmd_abbrechen");
+    EXPECT_EQ(trusted.size(), 3);
+    open();
+    list = find<QListWidget>("lst_vertraut");
+    remove = find<QPushButton>("cmd_vertrauen_entfernen");
+    list->setCurrentRow(0);
     remove->click();
+    list->setCurrentRow(1);
     remove->click();
-    EXPECT_TRUE(trusted.isEmpty());
+    press("cmd_ok");
+    EXPECT_EQ(trusted, QStringList { u"zwei"_s });
+    open();
+    list = find<QListWidget>("lst_vertraut");
+    remove = find<QPushButton>("cmd_vertrauen_entfernen");
+    list->setCurrentRow(0);
+    remove->click();
     EXPECT_FALSE(remove->isEnabled());
+    press("cmd_ok");
+    EXPECT_TRUE(trusted.isEmpty());
 }
 
 TEST_F(SettingsDialog, TheEnginesFileIsShownAndChanged)
