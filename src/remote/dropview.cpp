@@ -46,20 +46,22 @@ void DropView::setDropRow(int row)
     }
 }
 
-void DropView::dragEnterEvent(QDragEnterEvent *event)
+void DropView::dragEnterEvent(QDragEnterEvent *event) { answerDrag(*event); }
+
+void DropView::answerDrag(QDropEvent &event)
 {
-    m_taking = m_dropFilter && event->mimeData() != nullptr && m_dropFilter(*event->mimeData());
+    m_taking = m_dropFilter && event.mimeData() != nullptr && m_dropFilter(*event.mimeData());
     if (m_taking) {
-        event->setDropAction(Qt::CopyAction);
-        event->accept();
+        event.setDropAction(Qt::CopyAction);
+        event.accept();
     } else {
-        event->ignore();
+        event.ignore();
     }
 }
 
 void DropView::dragMoveEvent(QDragMoveEvent *event)
 {
-    dragEnterEvent(static_cast<QDragEnterEvent *>(event));
+    answerDrag(*event);
     if (!event->isAccepted()) {
         return;
     }

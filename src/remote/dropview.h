@@ -38,6 +38,7 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    void answerDrag(QDropEvent &event); ///< says whether a drop would be taken
     void setDropRow(int row);
 
     std::function<QMimeData *()> m_dragSource;
