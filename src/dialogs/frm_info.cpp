@@ -160,6 +160,12 @@ bool frm_info::eventFilter(QObject *watched, QEvent *event)
             key->type() == QEvent::KeyPress ? keyPressEvent(key) : keyReleaseEvent(key);
             return true;
         }
+        // No button is the default one; a key must press the focused one all the same.
+        if (key->type() == QEvent::KeyPress
+            && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)) {
+            static_cast<QPushButton *>(watched)->click();
+            return true;
+        }
     }
     return QDialog::eventFilter(watched, event);
 }

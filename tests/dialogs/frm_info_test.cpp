@@ -153,6 +153,15 @@ TEST_F(InfoScreen, ASpaceDoesNotPressTheFocusedButton)
     EXPECT_TRUE(m_screen.isVisible());
 }
 
+TEST_F(InfoScreen, EnterPressesTheFocusedButton)
+{
+    showScreen();
+    QTest::keyClick(button(3), Qt::Key_Enter);
+    EXPECT_EQ(m_opened.size(), 1);
+    QTest::keyClick(button(6), Qt::Key_Return); // has the focus when the screen opens
+    EXPECT_FALSE(m_screen.isVisible());
+}
+
 TEST_F(InfoScreen, ClosesItselfAtTheTwentyFifthTick)
 {
     showScreen();
