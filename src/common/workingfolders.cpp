@@ -11,6 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -119,6 +121,14 @@ QList<Drive> drives(const QString &home, const QByteArray &mountInfo)
             continue;
         }
         const QString path = unescaped(fields.at(4));
+        const bool listed = std::any_of(found.cbegin(), found.cend(),
+                                        [&path](const Drive &drive) { return drive.path == path; });
+        if (listed) {
+            continue; // mounted over itself
+        }
+        if (path == u"/mnt") {
+            found.append({ path, u"mnt"_s });
+        }
         for (const auto place : { "/media/"_L1, "/run/media/"_L1, "/mnt/"_L1 }) {
             if (path.startsWith(place)) {
                 found.append({ path, path.section(u'/', -1) });

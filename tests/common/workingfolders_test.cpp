@@ -134,14 +134,17 @@ TEST_F(Folders, DrivesAreHomeRootAndPluggedInVolumes)
                              "41 22 8:33 / /run/media/anna/Fotos rw - ext4 /dev/sdc1 rw\n"
                              "42 22 0:44 / /mnt/nas rw - nfs4 nas:/x rw\n"
                              "43 22 8:40 / /mediathek rw - ext4 /dev/sdd1 rw\n"
+                             "44 22 8:49 / /mnt/nas rw - ext4 /dev/sde1 rw\n" // over the other
+                             "45 22 8:50 / /mnt rw - ext4 /dev/sdf1 rw\n"
                              "broken line\n";
     QStringList shown;
     for (const Drive &drive : drives(u"/home/anna"_s, table)) {
         shown << drive.display();
     }
-    EXPECT_EQ(shown,
-              (QStringList { u"/home/anna"_s, u"/"_s, u"/media/anna/MEIN STICK [MEIN STICK]"_s,
-                             u"/run/media/anna/Fotos [Fotos]"_s, u"/mnt/nas [nas]"_s }));
+    EXPECT_EQ(
+        shown,
+        (QStringList { u"/home/anna"_s, u"/"_s, u"/media/anna/MEIN STICK [MEIN STICK]"_s,
+                       u"/run/media/anna/Fotos [Fotos]"_s, u"/mnt/nas [nas]"_s, u"/mnt [mnt]"_s }));
     EXPECT_EQ(drives().at(0).path, QDir::homePath());
     EXPECT_EQ(drives().at(1).path, u"/"_s);
 }
