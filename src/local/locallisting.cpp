@@ -68,7 +68,10 @@ LocalDates::LocalDates()
     if (m_timeFormat.contains(u"ss")) {
         m_timeFormat.replace(QStringLiteral("ss"), seconds);
     } else {
-        m_timeFormat.replace(QStringLiteral("mm"), QStringLiteral("mm:") + seconds);
+        // The sign that the locale has before the minutes.
+        const qsizetype minutes = m_timeFormat.indexOf(u"mm");
+        const QString sign = minutes > 0 ? m_timeFormat.mid(minutes - 1, 1) : QStringLiteral(":");
+        m_timeFormat.replace(QStringLiteral("mm"), QStringLiteral("mm") + sign + seconds);
     }
     for (int second = 0; QString & text : m_seconds) {
         text = m_locale.toString(QTime(0, 0, std::min(second++, 59)), QStringLiteral("ss"));

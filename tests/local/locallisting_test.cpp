@@ -179,7 +179,9 @@ TEST(LocalDatesTest, FollowTheLocaleWithFourDigitYearAndSeconds)
     for (const Case &one : { Case { QLocale(QLocale::German, QLocale::Germany),
                                     QStringLiteral("01.02.2026 03:04:05") },
                              Case { QLocale(QLocale::English, QLocale::UnitedKingdom),
-                                    QStringLiteral("01/02/2026 03:04:05") } }) {
+                                    QStringLiteral("01/02/2026 03:04:05") },
+                             Case { QLocale(QLocale::Finnish, QLocale::Finland),
+                                    QStringLiteral("1.2.2026 3.04.05") } }) {
         QLocale::setDefault(one.locale);
         LocalDates dates;
         const QDateTime when({ 2026, 2, 1 }, { 3, 4, 5 });
