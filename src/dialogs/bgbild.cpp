@@ -3,6 +3,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 bgbild::bgbild(QWidget *parent)
@@ -18,9 +20,12 @@ bgbild::bgbild(QWidget *parent)
 
 QSize bgbild::sizeHint() const { return { 540, 288 }; }
 
+void bgbild::mousePressEvent(QMouseEvent *event) { m_pressed = event->button() == Qt::LeftButton; }
+
 void bgbild::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (rect().contains(event->position().toPoint())) {
+    const bool pressed = event->button() == Qt::LeftButton && std::exchange(m_pressed, false);
+    if (pressed && rect().contains(event->position().toPoint())) {
         emit clicked();
     }
 }

@@ -14,9 +14,11 @@ signals:
     void clicked();
 
 protected:
+    void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QSvgRenderer m_picture;
+    bool m_pressed = false;
 };
