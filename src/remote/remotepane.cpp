@@ -110,12 +110,15 @@ void RemotePane::fillRows(const QString &folder, bool listed)
 {
     if (m_ftp.state() != FtpOperations::Connected) {
         model().clear();
+        m_listed.clear();
         return;
     }
-    // After a refused listing the control still holds the one of another folder.
-    const RemoteListing listing = listed ? m_ftp.listing() : RemoteListing { {}, 0, {} };
+    // After a refused listing the control still holds the one before, perhaps of another folder.
+    const bool known = listed || folder == m_listed;
+    const RemoteListing listing = known ? m_ftp.listing() : RemoteListing { {}, 0, {} };
+    m_listed = known ? folder : QString();
     // Many servers send nothing at all for an empty folder.
-    m_unread = !listed
+    m_unread = !known
         || (listing.format == RemoteListing::Uninterpretable
             && !listing.rawText.trimmed().isEmpty());
     QList<PaneRow> rows;
@@ -132,7 +135,7 @@ void RemotePane::fillRows(const QString &folder, bool listed)
     }
     const bool stands = m_ftp.state() == FtpOperations::Connected;
     showRows(stands ? std::move(rows) : QList<PaneRow>());
-    if (listing.format == RemoteListing::Uninterpretable) {
+    if (listed && listing.format == RemoteListing::Uninterpretable) {
         ReportListingFailure(listing.rawText);
     }
 }

@@ -60,5 +60,6 @@ private:
     Globals &m_globals;
     Shell &m_shell;
     bool m_working = false;
+    QString m_listed; ///< folder of the listing that the control holds
     bool m_unread = false; ///< the rows are missing, not the files
 };

@@ -229,6 +229,17 @@ TEST_F(RemotePaneTest, ARefusedListingShowsNoRowsOfAnotherFolder)
     EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Die Dateiliste konnte nicht gelesen werden."));
 }
 
+TEST_F(RemotePaneTest, ARefusedRefreshOfTheSameFolderKeepsItsRows)
+{
+    m_ftp.refuseAll(QStringLiteral("LIST"), QStringLiteral("425 No data connection."));
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_EQ(names(), "<up> cgi-bin leer b.txt index.html kaputt verweis");
+    m_pane.DoRemoteRefresh(QStringLiteral("/www/leer"));
+    EXPECT_EQ(names(), "<up>");
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_EQ(names(), "<up>") << "what was held is not remembered for ever";
+}
+
 TEST_F(RemotePaneTest, OnlyAnEmptyFolderIsCalledEmpty)
 {
     m_ftp.fixed = RemoteListing { {}, RemoteListing::Uninterpretable, QStringLiteral("Hä?") };
