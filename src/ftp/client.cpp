@@ -90,6 +90,13 @@ Awaitable<void> Client::stopWatching()
         co_await m_watch->stop();
         m_watch.reset();
     }
+    // Some servers say more than was asked. Left unread it would answer the next command.
+    while (usable() && m_session.line().hasUnreadBytes()) {
+        auto stray = co_await m_session.dialogue().reply();
+        if (!stray) {
+            m_session.markBroken();
+        }
+    }
 }
 
 std::string Client::folder() { return m_names.decodePath(m_session.folder()); }

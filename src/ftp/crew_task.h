@@ -32,6 +32,7 @@ struct Job {
     int tries = 0;
     bool begun = false; ///< the server agreed to take it, so that what it holds now is ours
     bool link = false;
+    std::shared_ptr<Listing> machine; ///< what MLSD told of a folder, until LIST shows the links
     bool plain = false; ///< to be listed without any option
     bool unlisted = false; ///< size and time are to be asked for, since no listing tells them
 

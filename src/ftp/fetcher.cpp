@@ -4,6 +4,7 @@
 #include "ftp/receiver.h"
 #include "ftp/side_task.h"
 #include "ftp/transfer.h"
+#include "ftp/tree_walk.h"
 
 #include <ctime>
 
@@ -35,10 +36,14 @@ Awaitable<Result<std::optional<Error>>> awaitStart(Session &session, DataConnect
     co_return std::optional<Error>();
 }
 
-/// LIST works in the current folder only.
+/// Whether a folder is listed by MLSD; LIST works in the current folder only.
+bool byMachine(const Session &session, const Job &job)
+{
+    return session.features().mlst && !job.machine;
+}
 bool mustEnter(const Session &session, const Job &job)
 {
-    return job.isFolder() && !session.features().mlst;
+    return job.isFolder() && !byMachine(session, job);
 }
 
 } // namespace
@@ -52,6 +57,7 @@ Result<std::vector<std::string>> Fetcher::preparations(Session &session, Flow &f
     }
     std::vector<std::string> commands;
     if (mustEnter(session, flow.job)) {
+        m_entered = true;
         commands.push_back("CWD " + flow.job.folder->remote);
     } else if (flow.job.unlisted) {
         flow.facts = commands = factCommands(session, flow.job.remotePath(), m_task.type());
@@ -65,7 +71,7 @@ std::string Fetcher::transferCommand(Session &session, const Job &job)
     if (!job.isFolder()) {
         return "RETR " + job.remotePath();
     }
-    if (session.features().mlst) {
+    if (byMachine(session, job)) {
         return "MLSD " + job.remotePath();
     }
     return job.plain || session.knowledge().plainListOnly ? "LIST" : "LIST -a";
@@ -216,11 +222,14 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
         co_return tl::unexpected(start.error());
     }
     ServerKnowledge &server = session.knowledge();
-    const bool machine = session.features().mlst;
+    const bool machine = byMachine(session, flow.job);
     if (*start) {
         if (!machine && !server.plainListOnly) {
             server.plainListOnly = true; // once more without the option
             m_task.putBack(std::move(flow.job));
+        } else if (flow.job.machine) {
+            m_task.listed(session, flow.job, *flow.job.machine); // MLSD must do
+            m_task.done(flow.job);
         } else {
             m_task.refused(session, flow.job, **start);
         }
@@ -250,9 +259,25 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
                        { ErrorKind::Protocol, 0, "The listing could not be understood" });
         co_return Status {};
     }
-    m_task.listed(session, flow.job, listing);
-    m_task.done(flow.job);
-    co_return Status {};
+    co_return takeListing(session, flow.job, std::move(listing));
+}
+
+/// A machine listing with folders is compared with LIST before anything is done with it: links to
+/// folders that look like folders would be followed without end.
+Status Fetcher::takeListing(Session &session, Job &job, Listing listing)
+{
+    if (byMachine(session, job) && hasFolders(listing)) {
+        job.machine = std::make_shared<Listing>(std::move(listing));
+        m_task.putBack(std::move(job));
+        return {};
+    }
+    if (job.machine) {
+        markLinks(*job.machine, listing);
+        listing = std::move(*job.machine);
+    }
+    m_task.listed(session, job, listing);
+    m_task.done(job);
+    return {};
 }
 
 Awaitable<Status> Fetcher::again(Session &session, Job &job)

@@ -18,6 +18,8 @@ public:
     Awaitable<Status> flow(Session &session, Flow &flow, std::vector<Reply> replies,
                            LookAhead ahead) override;
     Awaitable<Status> again(Session &session, Job &job) override;
+    /// Whether sessions left their folder for a listing.
+    [[nodiscard]] bool entered() const { return m_entered; }
 
 private:
     Awaitable<Result<bool>> takeReplies(Session &session, Flow &flow, std::vector<Reply> replies);
@@ -26,7 +28,10 @@ private:
     Awaitable<Status> receiveListing(Session &session, Flow &flow);
     [[nodiscard]] static std::string transferCommand(Session &session, const Job &job);
 
+    Status takeListing(Session &session, Job &job, Listing listing);
+
     CrewTask &m_task;
+    bool m_entered = false;
 };
 
 } // namespace ftp

@@ -21,8 +21,8 @@ public:
         job.folder = top(remote, std::move(local));
         add(std::move(job));
         Status fetched = co_await m_crew.run();
-        if (!client().session().features().mlst) {
-            co_await m_crew.returnHome(); // LIST works in the current folder only
+        if (m_fetcher.entered()) {
+            co_await m_crew.returnHome();
         }
         co_return fetched;
     }

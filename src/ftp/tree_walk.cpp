@@ -16,30 +16,6 @@ struct Pending {
     int depth = 0;
 };
 
-bool hasFolders(const Listing &listing)
-{
-    return std::any_of(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
-        return entry.type == 'd' && entry.name != "." && entry.name != "..";
-    });
-}
-
-/// Some servers follow links in machine listings, and a link to a folder looks like a folder there.
-/// What LIST shows as a link is one.
-void markLinks(Listing &listing, const Listing &plain)
-{
-    std::set<std::string_view> links;
-    for (const Entry &entry : plain.entries) {
-        if (entry.type == 'l') {
-            links.insert(entry.name);
-        }
-    }
-    for (Entry &entry : listing.entries) {
-        if (links.contains(entry.name)) {
-            entry.type = 'l';
-        }
-    }
-}
-
 std::string nameOf(const std::string &path) { return path.substr(path.rfind('/') + 1); }
 
 /// A path for comparing: servers differ in quotes and in the case of letters, and neither makes a
@@ -141,6 +117,28 @@ private:
 };
 
 } // namespace
+
+bool hasFolders(const Listing &listing)
+{
+    return std::any_of(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
+        return entry.type == 'd' && entry.name != "." && entry.name != "..";
+    });
+}
+
+void markLinks(Listing &listing, const Listing &plain)
+{
+    std::set<std::string_view> links;
+    for (const Entry &entry : plain.entries) {
+        if (entry.type == 'l') {
+            links.insert(entry.name);
+        }
+    }
+    for (Entry &entry : listing.entries) {
+        if (links.contains(entry.name)) {
+            entry.type = 'l';
+        }
+    }
+}
 
 Awaitable<Result<std::string>> enterFolder(Session &session, std::string path)
 {

@@ -29,6 +29,12 @@ struct FolderNature {
 /// Looks into the folder above. A folder above that may not be entered or listed tells nothing.
 Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path);
 
+/// Whether a listing shows folders besides the folder itself and its parent.
+[[nodiscard]] bool hasFolders(const Listing &listing);
+/// Some servers follow links in machine listings, and a link to a folder looks like a folder there.
+/// What LIST shows as a link is one.
+void markLinks(Listing &listing, const Listing &plain);
+
 /// Lists the current folder for a walk that must not follow links.
 Awaitable<Result<Listing>> listWithLinks(Session &session);
 

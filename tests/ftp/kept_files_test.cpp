@@ -219,6 +219,21 @@ TEST_F(KeptFiles, RepliesInsideAFolderAreNoNewsButAFullWebSpaceIs)
               0);
 }
 
+TEST_F(KeptFiles, AReplyTooManyDoesNotAnswerTheNextCommand)
+{
+    servers::writeFile(server.root() / "f", "inhalt");
+    server.fault.finalReply = "226 Transfer complete\r\n226 Transfer complete";
+    ftp::Client &client = connect();
+    ASSERT_TRUE(run(client.get("f", local("f"), 0, Type::Binary)));
+    const ftp::Status settled
+        = run([](ftp::Client &used) -> ftp::Awaitable<ftp::Status> { // as before every operation
+              co_await used.stopWatching();
+              co_return ftp::Status {};
+          }(client));
+    EXPECT_TRUE(settled);
+    EXPECT_FALSE(run(client.removeFile("gibtesnicht")));
+}
+
 TEST_F(KeptFiles, PermissionsGoToTheNameInTheServersBytes)
 {
     server.fault.noUtf8 = true;

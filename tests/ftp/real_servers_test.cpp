@@ -218,6 +218,21 @@ TEST_P(RealServers, MovesWholeFoldersOverOneAndOverSeveralSessions)
     }
 }
 
+TEST_P(RealServers, LinksToFoldersAreNotFollowed)
+{
+    servers::writeFile(server->root() / "web" / "seite" / "a.html", "inhalt");
+    server->adoptFiles();
+    fs::create_directory_symlink(server->root() / "web", server->root() / "web" / "kreis");
+    fs::create_directory_symlink("..", server->root() / "web" / "seite" / "hinauf");
+    const ftp::Status got = run(ftp::getTree(ftpClient(), "/web", local("web"), ftp::Type::Binary));
+    EXPECT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::readFile(local("web/seite/a.html")), "inhalt");
+    EXPECT_FALSE(fs::exists(local("web/kreis/seite")));
+    EXPECT_FALSE(fs::exists(local("web/seite/hinauf/seite")));
+    EXPECT_EQ(ftpClient().folder(), "/");
+    EXPECT_TRUE(run(ftpClient().removeFile("web/seite/a.html"))); // and we stand where we stood
+}
+
 TEST_P(RealServers, EndsPolitely)
 {
     EXPECT_TRUE(run(ftpClient().quit()));
