@@ -7,6 +7,9 @@ struct QueueRow {
     QString status, local, size, direction, remote, server;
     QString detail; ///< what really happened, for the row's tool tip; may be empty
     bool failed = false; ///< shows the failure icon
+    /// Whether the two paths may be taken apart again for another try: folder and name, cut at the
+    /// last separator, are what they were only for names without one.
+    bool repeatable = true;
 };
 
 /// What the features ask of the main window. The window wires the features; they never include it.

@@ -158,5 +158,6 @@ void TransferDriver::record(const QString &sizeText, const std::optional<FtpErro
     told.local = localPath();
     told.size = sizeText;
     told.remote = remotePath();
+    told.repeatable = isSafeName(m_state.LocalName) && isSafeName(m_state.RemoteName);
     m_batch.record(told, failure, success);
 }

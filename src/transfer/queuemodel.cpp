@@ -33,7 +33,7 @@ QString cellText(const QueueRow &row, int column)
 /// Directions stand only in rows of downloads and uploads.
 bool isFailedTransfer(const QueueRow &row)
 {
-    return row.failed && (row.direction == u"<--"_s || row.direction == u"-->"_s);
+    return row.failed && row.repeatable && (row.direction == u"<--"_s || row.direction == u"-->"_s);
 }
 
 QVariant statusIcon(const QueueRow &row)

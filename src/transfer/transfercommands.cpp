@@ -123,7 +123,7 @@ void TransferCommands::RetryTransfers(const QList<QueueRow> &rows)
         const Retry batch = retryOf(rows.at(at));
         globals.marked = {};
         for (; at < rows.size() && retryOf(rows.at(at)) == batch; ++at) {
-            if (rows.at(at).server == globals.connection.RemoteHost) {
+            if (rows.at(at).repeatable && rows.at(at).server == globals.connection.RemoteHost) {
                 globals.marked.MarkedItems.append(itemOf(rows.at(at)));
                 ++globals.marked.MarkedCount;
             }

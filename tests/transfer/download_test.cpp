@@ -343,6 +343,29 @@ TEST_F(DownloadTest, NamesThatLeadElsewhereAreRefusedWithALogLine)
     EXPECT_FALSE(QFile::exists(root.path() + u"/../boese"_s));
 }
 
+TEST_F(DownloadTest, ARefusedNameIsNotRepeated)
+{
+    QDir().mkpath(disk(u"ziel"_s));
+    ftp.addFile(u"/boese"_s, "x");
+    showBoth();
+    PaneRow row;
+    row.name = u"../boese"_s;
+    row.kind = ItemKind::File;
+    row.size = u"1"_s;
+    row.tag = u"/www/../boese"_s;
+    remote.model().appendRow(row);
+    local.show(disk(u"ziel"_s));
+    remote.selectAll();
+    commands.cmd_download_Click();
+    ASSERT_EQ(shell.queue.size(), 1);
+    ASSERT_TRUE(shell.queue[0].failed);
+    // Cut at its last separator the path would name a file outside the target folder.
+    commands.RetryTransfers(shell.queue);
+    EXPECT_TRUE(ftp.commandsOf(u"GET"_s).isEmpty());
+    EXPECT_FALSE(onDisk(u"boese"_s));
+    EXPECT_EQ(shell.queue.size(), 1);
+}
+
 TEST_F(DownloadTest, APipeInTheWayIsNeverOpened)
 {
     ftp.addFile(u"/www/rohr"_s, "x");

@@ -121,6 +121,17 @@ TEST(QueueModel, GivesFailedTransfersOutOnce)
     EXPECT_EQ(model.rowCount(), 3);
 }
 
+TEST(QueueModel, ARefusedNameIsNoFailedTransferToRepeat)
+{
+    QueueModel model;
+    QueueRow refused = row(u"Download"_s, u"/a/../boese"_s);
+    refused.failed = true;
+    refused.repeatable = false;
+    model.append(refused);
+    EXPECT_FALSE(model.hasFailedTransfers());
+    EXPECT_TRUE(model.index(0, 0).data(QueueModel::FailedRole).toBool());
+}
+
 TEST_F(QueueViewTest, AppendsAndScrollsToTheLastRow)
 {
     view.resize(400, 120);
