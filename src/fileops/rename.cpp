@@ -1,6 +1,7 @@
 #include "fileops/rename.h"
 
 #include "common/mo_standard.h"
+#include "common/names.h"
 #include "ftp/ftplocalnames.h"
 
 #include <algorithm>
@@ -71,6 +72,14 @@ std::optional<QString> renameLocal(const QString &from, const QString &to)
                            : from + u": "_s + QString::fromLocal8Bit(std::strerror(errno));
 }
 
+std::optional<QString> refuseNewName(const QString &name)
+{
+    if (isSafeName(name)) {
+        return std::nullopt;
+    }
+    return name + u": Der Name ist als Dateiname nicht zulässig."_s;
+}
+
 FtpResult<bool> remoteNameTaken(FtpOperations &ftp, const QString &name)
 {
     if (const FtpStatus listed = ftp.list(); !listed) {
@@ -105,6 +114,9 @@ void RenameCommand::RenameRemoteAfterEdit(int row, const QString &newText)
 
 std::optional<QString> RenameCommand::renameRemote(const QString &from, const QString &to)
 {
+    if (const auto refused = refuseNewName(to)) {
+        return refused;
+    }
     if (m_work.remote.model().findRow(to) >= 0) {
         return taken(to);
     }
@@ -129,7 +141,8 @@ void RenameCommand::RenameLocalAfterEdit(int row, const QString &newText)
         return;
     }
     const QString folder = withSeparator(m_work.local.folder(), LocalSeparator);
-    if (const auto failed = renameLocal(folder + caption, folder + newText)) {
+    const auto refused = refuseNewName(newText);
+    if (const auto failed = refused ? refused : renameLocal(folder + caption, folder + newText)) {
         m_work.shell.AppendLog(*failed + u"\r\n"_s);
         return;
     }

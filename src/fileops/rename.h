@@ -8,6 +8,10 @@
 /// @return nothing on success, else the reason
 [[nodiscard]] std::optional<QString> renameLocal(const QString &from, const QString &to);
 
+/// Why a text cannot be the new name of an entry; nothing when it can. With a separator in it the
+/// entry would move to another folder and could replace what stands there.
+[[nodiscard]] std::optional<QString> refuseNewName(const QString &name);
+
 /// Whether the listing of the current remote folder, asked for afresh, holds a name.
 [[nodiscard]] FtpResult<bool> remoteNameTaken(FtpOperations &ftp, const QString &name);
 

@@ -44,7 +44,9 @@ void renameLocalFile(const Workplace &work, const QString &name)
 
 void renameExisting(const Workplace &work, const QString &name)
 {
-    if (work.globals.transfer.IsUpload) {
+    if (const auto refused = refuseNewName(name)) {
+        work.shell.AppendLog(*refused + lineBreak);
+    } else if (work.globals.transfer.IsUpload) {
         renameRemote(work, name);
     } else {
         renameLocalFile(work, name);

@@ -125,6 +125,26 @@ TEST_F(RenameTest, LocalNeverReplaces)
     EXPECT_GE(rowNamed(local, u"alt"_s), 0);
 }
 
+TEST_F(RenameTest, ANewNameNeverLeadsToAnotherFolder)
+{
+    ftp.addFile(u"/www/alt"_s, "alt");
+    ftp.addFile(u"/www/unter/alt"_s, "wertvoll");
+    writeLocal(u"alt"_s, "alt");
+    QDir().mkpath(disk(u"unter"_s));
+    showBoth();
+    for (const QString &name : { u"unter/alt"_s, u"../alt"_s, u"unter/neu"_s, u".."_s }) {
+        shell.log.clear();
+        command.RenameRemoteAfterEdit(rowNamed(remote, u"alt"_s), name);
+        command.RenameLocalAfterEdit(rowNamed(local, u"alt"_s), name);
+        EXPECT_EQ(shell.log.count(name + u": Der Name ist als Dateiname nicht zulässig.\r\n"_s), 2);
+    }
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_EQ(ftp.content(u"/www/unter/alt"_s), "wertvoll");
+    EXPECT_EQ(readLocal(u"alt"_s), "alt");
+    EXPECT_GE(rowNamed(remote, u"alt"_s), 0);
+    EXPECT_GE(rowNamed(local, u"alt"_s), 0);
+}
+
 TEST_F(RenameTest, AVanishedFileIsALogLine)
 {
     writeLocal(u"alt"_s, "alt");

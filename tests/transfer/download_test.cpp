@@ -343,6 +343,21 @@ TEST_F(DownloadTest, NamesThatLeadElsewhereAreRefusedWithALogLine)
     EXPECT_FALSE(QFile::exists(root.path() + u"/../boese"_s));
 }
 
+TEST_F(DownloadTest, ANewNameThatLeadsElsewhereIsRefused)
+{
+    ftp.addFile(u"/www/a.txt"_s, "neuer");
+    writeLocal(u"a.txt"_s, "alt");
+    QDir().mkpath(disk(u"unter"_s));
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"unter/b.txt"_s },
+                      { ConflictAnswer::Skip, false, {} },
+                      { ConflictAnswer::Skip, false, {} } };
+    download({ u"a.txt"_s });
+    EXPECT_EQ(readLocal(u"a.txt"_s), "alt");
+    EXPECT_FALSE(onDisk(u"unter/b.txt"_s));
+    EXPECT_TRUE(shell.log.contains(u"unter/b.txt: Der Name ist als Dateiname nicht zulässig."_s));
+    dialogs.steps.clear(); // whether it asks once or twice more is told elsewhere
+}
+
 TEST_F(DownloadTest, ARefusedNameIsNotRepeated)
 {
     QDir().mkpath(disk(u"ziel"_s));

@@ -305,6 +305,20 @@ TEST_F(UploadTest, ANameThatOnlyTheServerKnowsIsNotReplaced)
     EXPECT_TRUE(shell.log.contains(u"heimlich: Der Name ist schon vergeben."_s));
 }
 
+TEST_F(UploadTest, ANewNameThatLeadsElsewhereIsRefusedAndAskedForAgain)
+{
+    ftp.addFile(u"/www/a.txt"_s, "alt");
+    ftp.addFile(u"/www/unter/a.txt"_s, "wertvoll");
+    writeLocal(u"a.txt"_s, "neuer");
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"unter/a.txt"_s },
+                      { ConflictAnswer::Skip, false, {} } };
+    upload({ u"a.txt"_s });
+    EXPECT_TRUE(ftp.commandsOf(u"RENAME"_s).isEmpty());
+    EXPECT_EQ(ftp.content(u"/www/unter/a.txt"_s), "wertvoll");
+    EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "alt");
+    EXPECT_TRUE(shell.log.contains(u"unter/a.txt: Der Name ist als Dateiname nicht zulässig."_s));
+}
+
 TEST_F(UploadTest, CancellingTheNewNameSkipsTheItem)
 {
     ftp.addFile(u"/www/a.txt"_s, "alt");
