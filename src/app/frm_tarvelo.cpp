@@ -508,7 +508,7 @@ void frm_tarvelo::AddQueueRow(const QueueRow &row)
 void frm_tarvelo::ShowTransferItem(const QString &text, const QString &sizeText)
 {
     m_features->progress.ShowTransferItem(text, sizeText);
-    if (text.isEmpty()) {
+    if (text.isEmpty() && !m_services.ftp.isBusy()) {
         SetAbortEnabled(false); // the last progress report may come after the last reply
     }
 }

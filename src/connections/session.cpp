@@ -33,6 +33,11 @@ FtpEncryption encryptionOf(const Globals &globals)
     }
 }
 
+bool isTransfer(const FtpEvent &event)
+{
+    return event.operation >= OpGetFile && event.operation <= OpPutFile;
+}
+
 } // namespace
 
 Session::Session(FtpControl &control, Globals &globals, Prompts &prompts, Shell &shell,
@@ -219,16 +224,23 @@ void Session::onStateChanged(int state)
 void Session::onReplyEvent(const FtpEvent &event)
 {
     if (event.status == FtpEvent::InProgress) {
-        if (event.operation >= OpGetFile && event.operation <= OpPutFile) {
+        if (isTransfer(event)) {
             Q_EMIT progress(event);
         }
     } else {
         noteNewFolder(event);
-        m_shell.SetAbortEnabled(false);
+        if (!duringTransfer(event)) {
+            m_shell.SetAbortEnabled(false);
+        }
         m_shell.AppendLog(event.text);
         appendAdvice(adviceFor(event));
     }
     Q_EMIT replied(event);
+}
+
+bool Session::duringTransfer(const FtpEvent &event) const
+{
+    return isTransfer(event) && m_control.isBusy();
 }
 
 void Session::noteNewFolder(const FtpEvent &event)

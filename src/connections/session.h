@@ -56,6 +56,9 @@ private:
     void afterLogin();
     /// What to do about a failure, for those who did not ask for detailed messages.
     void appendAdvice(const QString &sentence);
+    /// Whether an event came in the middle of a transfer, which may go on for long after a reply:
+    /// with the next file, with a server that stalls, with a lost line that is built up again.
+    [[nodiscard]] bool duringTransfer(const FtpEvent &event) const;
     void noteNewFolder(const FtpEvent &event);
 
     FtpConnection &m_control;

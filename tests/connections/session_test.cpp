@@ -386,6 +386,19 @@ TEST_F(SessionRules, EndsAreLoggedAndDisableTheAbortButton)
     EXPECT_TRUE(progress.isEmpty());
 }
 
+TEST_F(SessionRules, RepliesAndNotesOfARunningTransferLeaveTheAbortButton)
+{
+    ftp.busy = true;
+    for (int operation = OpGetFile; operation <= OpPutFile; ++operation) {
+        session.onReplyEvent(event(operation, FtpEvent::Completed, u"226 fertig\r\n"_s));
+        session.onReplyEvent(event(operation, FtpEvent::Failed, u"550 nein\r\n"_s));
+    }
+    EXPECT_TRUE(shell.calls.isEmpty());
+    EXPECT_EQ(shell.log.count(u"226 fertig"_s), 4);
+    session.onReplyEvent(event(OpList, FtpEvent::Completed, u"226 fertig\r\n"_s));
+    EXPECT_EQ(shell.calls, QStringList { u"SetAbortEnabled 0"_s });
+}
+
 TEST_F(SessionRules, ABlockedDataConnectionIsFollowedByAdvice)
 {
     const QString advice = adviceFor(ftp::ErrorKind::DataConnection) + u"\r\n"_s;
