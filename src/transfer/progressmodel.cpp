@@ -43,7 +43,8 @@ void ProgressModel::finish()
 
 bool ProgressModel::report(const FtpEvent &event, const TransferState &state)
 {
-    if (event.status != FtpEvent::InProgress) {
+    // The reply that announces the data (150 ..) is in progress as well, but counts no bytes.
+    if (event.status != FtpEvent::InProgress || !event.text.isEmpty()) {
         return false;
     }
     switch (event.operation) {
@@ -61,7 +62,9 @@ bool ProgressModel::report(const FtpEvent &event, const TransferState &state)
     default:
         return false;
     }
-    m_rate = FormatSize(m_value);
+    if (m_value > 0) { // until something came the label keeps "0 Bytes"
+        m_rate = FormatSize(m_value);
+    }
     Q_EMIT changed();
     return true;
 }

@@ -54,6 +54,27 @@ TEST(ProgressModel, LeavesTheBarAloneForOtherEvents)
     EXPECT_EQ(model.rateText(), QString());
 }
 
+TEST(ProgressModel, AReplyCountsNoBytes)
+{
+    ProgressModel model;
+    model.setMaximumFor(1000);
+    for (const int operation : { OpGetFile, OpGetMultiple, OpPutMultiple, OpPutFile }) {
+        ASSERT_TRUE(model.report(bytes(operation, 700), {}));
+        EXPECT_FALSE(model.report(
+            { operation, FtpEvent::InProgress, u"150 Opening data connection.\r\n"_s, 0, 0 }, {}));
+        EXPECT_EQ(model.value(), 700);
+        EXPECT_EQ(model.rateText(), u"700 B"_s);
+    }
+}
+
+TEST(ProgressModel, AStalledFileShowsThatNothingCameYet)
+{
+    ProgressModel model;
+    model.ShowTransferItem(u"Datei: a"_s, u"2048"_s);
+    EXPECT_TRUE(model.report(bytes(OpGetFile, 0), {}));
+    EXPECT_EQ(model.rateText(), u"0 Bytes"_s);
+}
+
 TEST(ProgressModel, RaisesAMaximumThatWasTooSmall)
 {
     ProgressModel model;
