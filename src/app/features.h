@@ -7,6 +7,7 @@
 #include "fileops/view.h"
 #include "transfer/conflictwindows.h"
 #include "transfer/progressmodel.h"
+#include "transfer/quota.h"
 #include "transfer/transfercommands.h"
 
 class QWidget;
@@ -17,6 +18,7 @@ struct Features {
     ProgressModel progress;
     WindowConflictDialogs dialogs;
     TransferCommands transfers;
+    SpaceReplies space;
     DeleteCommand remove;
     NewFolderCommand newFolder;
     RenameCommand rename;

@@ -29,7 +29,6 @@
 #include "transfer/progresspanel.h"
 #include "transfer/queuemodel.h"
 #include "transfer/queueview.h"
-#include "transfer/quota.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -308,7 +307,7 @@ void frm_tarvelo::connectSession()
     connect(m_session.get(), &Session::captionChanged, m_notice, &TransferNotice::setCaption);
     connect(m_session.get(), &Session::progress, this, &frm_tarvelo::showProgress);
     connect(m_session.get(), &Session::replied, this,
-            [this](const FtpEvent &event) { explainSpaceReply(event, m_services.prompts, *this); });
+            [this](const FtpEvent &event) { m_features->space.explain(event); });
 }
 
 void frm_tarvelo::showProgress(const FtpEvent &event)

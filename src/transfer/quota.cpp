@@ -1,5 +1,7 @@
 #include "transfer/quota.h"
 
+#include <QScopeGuard>
+
 using namespace Qt::StringLiterals;
 
 QString quotaMessage()
@@ -12,14 +14,24 @@ QString quotaMessage()
                           "fortsetzen.");
 }
 
-void explainSpaceReply(const FtpEvent &event, Prompts &prompts, Shell &shell)
+void SpaceReplies::explain(const FtpEvent &event)
 {
     if (event.text.startsWith(u"451"_s)) {
-        shell.AppendLog(quotaMessage() + u"\r\n"_s);
-        prompts.message(quotaMessage());
+        m_shell.AppendLog(quotaMessage() + u"\r\n"_s);
+        showBox();
     } else if (event.text.startsWith(u"452"_s)) {
-        shell.AppendLog(u"Auf dem Server ist kein Platz mehr frei.\r\n"_s);
+        m_shell.AppendLog(u"Auf dem Server ist kein Platz mehr frei.\r\n"_s);
     } else if (event.text.startsWith(u"552"_s)) {
-        shell.AppendLog(u"Ihr Speicherplatz auf dem Server reicht nicht aus.\r\n"_s);
+        m_shell.AppendLog(u"Ihr Speicherplatz auf dem Server reicht nicht aus.\r\n"_s);
     }
+}
+
+void SpaceReplies::showBox()
+{
+    if (m_boxStandsOpen) {
+        return;
+    }
+    m_boxStandsOpen = true;
+    const auto closed = qScopeGuard([this] { m_boxStandsOpen = false; });
+    m_prompts.message(quotaMessage());
 }

@@ -50,9 +50,8 @@ protected:
                 onProgress();
             }
         });
-        QObject::connect(&session, &Session::replied, [this](const FtpEvent &event) {
-            explainSpaceReply(event, prompts, shell);
-        });
+        QObject::connect(&session, &Session::replied,
+                         [this](const FtpEvent &event) { space.explain(event); });
     }
 
     /// Logs in. @return whether the session stands
@@ -116,6 +115,7 @@ protected:
     ProgressModel progress;
     std::function<void()> onProgress; ///< called for every report while a transfer runs
     AnsweredConflicts dialogs;
+    SpaceReplies space { prompts, shell };
     TransferTools tools { work, progress, dialogs };
     TransferCommands commands { tools };
 };

@@ -27,19 +27,35 @@ TEST(QuotaReply, Is451InLogAndBoxOncePerReply)
         ScriptedPrompts prompts;
         FakeShell shell;
         prompts.expectMessage(message);
-        explainSpaceReply(reply("451 Quota exceeded.\r\n", status), prompts, shell);
+        SpaceReplies(prompts, shell).explain(reply("451 Quota exceeded.\r\n", status));
         EXPECT_EQ(shell.log, message + u"\r\n"_s);
     }
+}
+
+TEST(QuotaReply, NoSecondBoxOpensOverTheFirst)
+{
+    ScriptedPrompts prompts;
+    FakeShell shell;
+    SpaceReplies space(prompts, shell);
+    const FtpEvent refused = reply("451 Quota exceeded.\r\n");
+    prompts.expectMessage(message).meanwhile([&] {
+        space.explain(refused); // a folder transfer goes on below the box
+        space.explain(refused);
+    });
+    space.explain(refused);
+    EXPECT_EQ(shell.log.count(message), 3);
+    prompts.expectMessage(message); // closed: the next refusal tells again
+    space.explain(refused);
 }
 
 TEST(QuotaReply, OtherSpaceRepliesAreOnlyLogged)
 {
     ScriptedPrompts prompts;
     FakeShell shell;
-    explainSpaceReply(reply("452 Disk full.\r\n"), prompts, shell);
+    SpaceReplies(prompts, shell).explain(reply("452 Disk full.\r\n"));
     EXPECT_TRUE(shell.log.endsWith(u".\r\n"_s));
     const QString first = shell.log;
-    explainSpaceReply(reply("552 Quota.\r\n"), prompts, shell);
+    SpaceReplies(prompts, shell).explain(reply("552 Quota.\r\n"));
     EXPECT_GT(shell.log.size(), first.size());
 }
 
@@ -47,7 +63,7 @@ TEST(QuotaReply, OtherTextsSayNothing)
 {
     ScriptedPrompts prompts;
     FakeShell shell;
-    explainSpaceReply(reply("226 451 files.\r\n", FtpEvent::Completed), prompts, shell);
-    explainSpaceReply(reply(" 451\r\n"), prompts, shell);
+    SpaceReplies(prompts, shell).explain(reply("226 451 files.\r\n", FtpEvent::Completed));
+    SpaceReplies(prompts, shell).explain(reply(" 451\r\n"));
     EXPECT_EQ(shell.log, QString());
 }
