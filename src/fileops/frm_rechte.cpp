@@ -131,7 +131,6 @@ QPushButton *frm_rechte::addButton(const QString &name, const QString &caption)
 {
     auto *button = new QPushButton(caption, this);
     button->setObjectName(name);
-    button->setAutoDefault(false);
     return button;
 }
 

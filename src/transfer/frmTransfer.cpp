@@ -50,7 +50,6 @@ QPushButton *frmTransfer::addButton(const QString &name, const QString &caption,
 {
     auto *button = new QPushButton(caption, this);
     button->setObjectName(name);
-    button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, [this, answer] {
         m_answer = answer;
         done(answer == ConflictAnswer::Skip ? Rejected : Accepted);

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -123,6 +124,55 @@ TEST(FrmRechte, CancelKeepsTheMode)
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_FALSE(choice.PermissionsConfirmed);
     EXPECT_EQ(choice.PermissionMode, 644);
+}
+
+TEST(FrmRechte, TheReturnKeyPressesTheButtonThatHasTheFocus)
+{
+    PermissionChoice choice;
+    const auto pressReturn = [&choice](const QString &name) {
+        choice.PermissionMode = 644;
+        frm_rechte dialog(choice);
+        dialog.show();
+        dialog.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        auto *widget = dialog.findChild<QWidget *>(name);
+        widget->setFocus();
+        QTest::keyClick(widget, Qt::Key_Return);
+        EXPECT_FALSE(dialog.isVisible());
+    };
+    pressReturn(u"cmd_abbrechen"_s);
+    EXPECT_FALSE(choice.PermissionsConfirmed); // nothing is sent
+    pressReturn(u"cmd_chmod"_s);
+    EXPECT_TRUE(choice.PermissionsConfirmed);
+    EXPECT_EQ(choice.PermissionMode, 755);
+    pressReturn(u"chk_rechte1_0"_s); // no button: the default one
+    EXPECT_TRUE(choice.PermissionsConfirmed);
+    EXPECT_EQ(choice.PermissionMode, 644);
+}
+
+TEST(FrmRechte, EveryGroupHoldsItsOwnBoxes)
+{
+    PermissionChoice choice;
+    const frm_rechte dialog(choice);
+    const QStringList titles { u"Besitzer"_s, u"Benutzergruppe"_s, u"Andere"_s };
+    for (int group = 1; group <= 3; ++group) {
+        for (int index = 0; index < 3; ++index) {
+            const auto *around = qobject_cast<QGroupBox *>(box(dialog, group, index)->parent());
+            ASSERT_NE(around, nullptr);
+            EXPECT_EQ(around->title(), titles.at(group - 1));
+        }
+    }
+    const auto caption = [&dialog](const QString &name) {
+        return dialog.findChild<QPushButton *>(name)->text();
+    };
+    EXPECT_EQ(caption(u"cmd_ok"_s), u"&Ok"_s);
+    EXPECT_EQ(caption(u"cmd_abbrechen"_s), u"&Abbrechen"_s);
+    EXPECT_EQ(caption(u"cmd_hilfe"_s), u"Hilfe"_s);
+    QStringList labels;
+    for (const QLabel *label : dialog.findChildren<QLabel *>()) {
+        labels.append(label->text());
+    }
+    EXPECT_TRUE(labels.contains(u"Gewählte Unix Dateirechte:"_s));
 }
 
 TEST(FrmRechte, TheChmodButtonConfirmsAtOnce)

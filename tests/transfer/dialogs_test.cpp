@@ -87,6 +87,27 @@ TEST(FrmTransfer, TheReturnKeyNeverOverwrites)
     EXPECT_EQ(dialog.reply().answer, ConflictAnswer::Skip);
 }
 
+TEST(FrmTransfer, TheReturnKeyPressesTheButtonThatHasTheFocus)
+{
+    const std::vector<std::pair<QString, ConflictAnswer>> buttons {
+        { u"cmdTransfer"_s, ConflictAnswer::Overwrite },
+        { u"cmdResume"_s, ConflictAnswer::Resume },
+        { u"cmdRename"_s, ConflictAnswer::Rename },
+        { u"cmdCancel"_s, ConflictAnswer::Skip },
+    };
+    for (const auto &[name, answer] : buttons) {
+        frmTransfer dialog(question);
+        dialog.show();
+        dialog.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        auto *button = child<QPushButton>(dialog, name);
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Return);
+        EXPECT_FALSE(dialog.isVisible());
+        EXPECT_EQ(dialog.reply().answer, answer) << name.toStdString();
+    }
+}
+
 TEST(FrmRename, ShowsTheExistingName)
 {
     ScriptedPrompts prompts;
