@@ -2,7 +2,6 @@
 
 #include "common/mo_standard.h"
 #include "fileops/marking.h"
-#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 #include "transfer/download.h"
 #include "transfer/upload.h"
@@ -50,10 +49,9 @@ MarkedItem itemOf(const QueueRow &row)
 
 QString TransferCommands::localTarget() const
 {
-    QString text = m_tools.work.local.folder();
-    // A folder that has brackets in its name is no annotation of another one.
-    return localEntry(text).isFolder ? withSeparator(text, LocalSeparator)
-                                     : NormalizeFolderPath(text, LocalSeparator);
+    // The folder shown, not the text of the box: brackets belong to its name, also when it has
+    // vanished since. Then the transfer fails and says so.
+    return withSeparator(m_tools.work.local.folder(), LocalSeparator);
 }
 
 QString TransferCommands::remoteTarget() const

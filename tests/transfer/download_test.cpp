@@ -129,6 +129,22 @@ TEST_F(DownloadTest, BracketsAndBlanksBelongToTheName)
     EXPECT_EQ(readLocal(u"Ziel [x]/ b "_s), "bild");
 }
 
+TEST_F(DownloadTest, AVanishedFolderWithBracketsIsNoOtherFolder)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    QDir().mkpath(disk(u"Fotos"_s));
+    QDir().mkpath(disk(u"Fotos [2020]"_s));
+    remote.show(u"/www"_s);
+    local.show(disk(u"Fotos [2020]/"_s));
+    QDir().rmdir(disk(u"Fotos [2020]"_s));
+    remote.select({ u"a"_s });
+    commands.cmd_download_Click();
+    EXPECT_FALSE(onDisk(u"Fotos/a"_s));
+    ASSERT_EQ(shell.queue.size(), 1);
+    EXPECT_TRUE(shell.queue[0].failed);
+    EXPECT_EQ(shell.queue[0].local, disk(u"Fotos [2020]/a"_s));
+}
+
 TEST_F(DownloadTest, AnEmptyLocalFileIsOverwrittenWithoutAsking)
 {
     ftp.addFile(u"/www/a.txt"_s, "eins");
