@@ -13,7 +13,7 @@ Batch::Batch(const TransferTools &tools)
 }
 
 void Batch::run(Pane &source, const std::function<void()> &prepare,
-                const std::function<int(int)> &some)
+                const std::function<void()> &list, const std::function<int(int)> &some)
 {
     begin();
     const auto restore = qScopeGuard([this] { end(); });
@@ -30,6 +30,7 @@ void Batch::run(Pane &source, const std::function<void()> &prepare,
             unmark(source, item(slot));
         }
     }
+    list();
 }
 
 bool Batch::goesOn() const

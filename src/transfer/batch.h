@@ -14,9 +14,10 @@ public:
     /// Runs the marked items in order. The row mark of every item in the source pane is cleared;
     /// after an abort, a lost connection or stop() no further item begins.
     /// @param prepare  called once before the first item; may be empty
+    /// @param list     called once behind the last item, while boxes and toolbars are still off
     /// @param some     carries out the items from a slot on, as many as it likes; returns the slot
     ///                 behind them
-    void run(Pane &source, const std::function<void()> &prepare,
+    void run(Pane &source, const std::function<void()> &prepare, const std::function<void()> &list,
              const std::function<int(int record)> &some);
     /// Slot behind the last item.
     [[nodiscard]] int behindLast() const { return m_items.MarkedCount; }

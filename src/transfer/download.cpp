@@ -11,10 +11,11 @@ using namespace Qt::StringLiterals;
 void Download::DownloadSelection(const QString &target)
 {
     m_target = withSeparator(target, LocalSeparator);
-    runItems(m_tools.work.remote);
-    m_tools.work.local.listFolder(target);
-    m_tools.work.local.setFolderText(target);
-    m_tools.work.local.clearSelection();
+    runItems(m_tools.work.remote, {}, [&] {
+        m_tools.work.local.listFolder(target);
+        m_tools.work.local.setFolderText(target);
+        m_tools.work.local.clearSelection();
+    });
 }
 
 void Download::DownloadFile(const QString &target, int record)

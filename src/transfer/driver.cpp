@@ -8,9 +8,10 @@
 
 using namespace Qt::StringLiterals;
 
-void TransferDriver::runItems(Pane &source, const std::function<void()> &prepare)
+void TransferDriver::runItems(Pane &source, const std::function<void()> &prepare,
+                              const std::function<void()> &list)
 {
-    m_batch.run(source, prepare, [this](int slot) {
+    m_batch.run(source, prepare, list, [this](int slot) {
         m_state.IsUpload = m_upload;
         const int end
             = endOfRun(slot, m_batch.behindLast(), [this](int next) { return isPlain(next); });

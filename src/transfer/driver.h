@@ -20,7 +20,9 @@ protected:
 
     /// The whole batch, in order. Neighbouring files that need no question go in one call.
     /// @param prepare  called once before the first item; may be empty
-    void runItems(Pane &source, const std::function<void()> &prepare = {});
+    /// @param list     shows what became of the target
+    void runItems(Pane &source, const std::function<void()> &prepare,
+                  const std::function<void()> &list);
     void runFile(int record);
     void runFolder(int record);
 

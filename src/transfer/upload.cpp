@@ -11,7 +11,12 @@ using namespace Qt::StringLiterals;
 void Upload::UploadSelection(const QString &target)
 {
     m_target = withSeparator(target, u'/');
-    runItems(m_tools.work.local, [this] { enterTarget(); });
+    runItems(
+        m_tools.work.local, [this] { enterTarget(); }, [this] { listTarget(); });
+}
+
+void Upload::listTarget()
+{
     if (m_tools.work.ftp.state() == FtpOperations::Connected) {
         const QString current = m_tools.work.ftp.currentFolder();
         m_tools.work.remote.listFolder(current);

@@ -21,6 +21,7 @@ private:
     void oneFile(int record) override { UploadFile(record); }
     void oneFolder(int record) override { UploadFolder(record); }
     void enterTarget();
+    void listTarget();
     void fill(const MarkedItem &item) override;
     [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item) const override;
     [[nodiscard]] qint64 existingSize() const override;

@@ -59,6 +59,24 @@ TEST_F(UploadTest, LeavesTheWindowReadyAndTheServerListed)
     EXPECT_EQ(progress.rateText(), QString());
 }
 
+TEST_F(UploadTest, ListsTheServerBeforeTheBoxesComeBack)
+{
+    writeLocal(u"a.txt"_s, "eins");
+    int listings = 0;
+    ftp.during = [&](const QString &command) {
+        if (command == u"LIST"_s) {
+            ++listings;
+            EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s),
+                      QStringList { u"SetFolderBoxesEnabled 0"_s });
+            EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 0"_s);
+            EXPECT_TRUE(shellCalls(u"SetCommandsEnabled"_s).isEmpty());
+        }
+    };
+    upload({ u"a.txt"_s });
+    EXPECT_EQ(listings, 1);
+    EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
+}
+
 TEST_F(UploadTest, EntersAndListsAnotherTargetBeforeTheFirstConflict)
 {
     ftp.addFile(u"/www/unter/a.txt"_s, "alt");
