@@ -4,6 +4,7 @@
 
 #include <QCollator>
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 using namespace Qt::StringLiterals;
@@ -34,6 +35,12 @@ QString cellText(const QueueRow &row, int column)
 bool isFailedTransfer(const QueueRow &row)
 {
     return row.failed && row.repeatable && (row.direction == u"<--"_s || row.direction == u"-->"_s);
+}
+
+bool isSameTransfer(const QueueRow &one, const QueueRow &other)
+{
+    return one.direction == other.direction && one.local == other.local
+        && one.remote == other.remote && one.server == other.server;
 }
 
 QVariant statusIcon(const QueueRow &row)
@@ -151,9 +158,11 @@ void QueueModel::sort(int column, Qt::SortOrder /*order*/)
 
 void QueueModel::append(const QueueRow &row)
 {
+    settleFailures(row);
     const int at = rowCount();
     beginInsertRows({}, at, at);
     m_rows.append(row);
+    m_failures += isFailedTransfer(row) ? 1 : 0;
     endInsertRows();
 }
 
@@ -163,25 +172,27 @@ void QueueModel::removeRowsAt(const QList<int> &rows)
     for (int done = 0; done < rows.size(); ++done) {
         const int at = rows.at(done) - done;
         beginRemoveRows({}, at, at);
+        m_failures -= isFailedTransfer(m_rows.at(at)) ? 1 : 0;
         m_rows.removeAt(at);
         endRemoveRows();
     }
 }
 
-QList<QueueRow> QueueModel::takeFailedTransfers()
+QList<QueueRow> QueueModel::failedTransfers() const
 {
     QList<QueueRow> result;
-    for (int row = 0; row < m_rows.size(); ++row) {
-        if (isFailedTransfer(m_rows.at(row))) {
-            result.append(m_rows.at(row));
-            m_rows[row].failed = false;
-            Q_EMIT dataChanged(index(row, 0), index(row, ColumnCount - 1));
-        }
-    }
+    std::copy_if(m_rows.begin(), m_rows.end(), std::back_inserter(result), isFailedTransfer);
     return result;
 }
 
-bool QueueModel::hasFailedTransfers() const
+void QueueModel::settleFailures(const QueueRow &again)
 {
-    return std::any_of(m_rows.begin(), m_rows.end(), isFailedTransfer);
+    for (int at = 0; m_failures > 0 && at < m_rows.size(); ++at) {
+        if (const QueueRow &old = m_rows.at(at);
+            isFailedTransfer(old) && isSameTransfer(old, again)) {
+            m_rows[at].failed = false;
+            --m_failures;
+            Q_EMIT dataChanged(index(at, 0), index(at, ColumnCount - 1));
+        }
+    }
 }

@@ -26,13 +26,17 @@ public:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
     [[nodiscard]] const QueueRow &row(int index) const { return m_rows.at(index); }
+    /// A transfer tried again takes the place of its earlier failures: they count as dealt with.
     void append(const QueueRow &row);
     /// @param rows  ascending positions
     void removeRowsAt(const QList<int> &rows);
-    /// The failed transfers, in the order shown. They count as dealt with afterwards.
-    [[nodiscard]] QList<QueueRow> takeFailedTransfers();
-    [[nodiscard]] bool hasFailedTransfers() const;
+    /// The failed transfers that were not tried again since, in the order shown.
+    [[nodiscard]] QList<QueueRow> failedTransfers() const;
+    [[nodiscard]] bool hasFailedTransfers() const { return m_failures > 0; }
 
 private:
+    void settleFailures(const QueueRow &again);
+
     QList<QueueRow> m_rows;
+    int m_failures = 0; ///< rows that failedTransfers() gives
 };

@@ -81,7 +81,7 @@ void QueueView::showMenu(const QPoint &position)
     copy->setEnabled(at.isValid());
     const QAction *chosen = menu.exec(viewport()->mapToGlobal(position));
     if (chosen == retry) {
-        Q_EMIT retryRequested(m_model.takeFailedTransfers());
+        Q_EMIT retryRequested(m_model.failedTransfers());
     } else if (chosen == open) {
         const QString local = m_model.row(at.row()).local;
         Q_EMIT openFolderRequested(local.left(local.lastIndexOf(u'/') + 1));

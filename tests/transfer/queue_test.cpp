@@ -105,20 +105,32 @@ TEST(QueueModel, ShowsWhatHappenedAsToolTip)
     EXPECT_FALSE(model.index(0, 0).data(Qt::DecorationRole).isNull());
 }
 
-TEST(QueueModel, GivesFailedTransfersOutOnce)
+TEST(QueueModel, KeepsFailedTransfersUntilTheyAreTriedAgain)
 {
     QueueModel model;
     QueueRow failed = row(u"Download"_s, u"/a/x"_s);
     failed.failed = true;
+    QueueRow other = failed;
+    other.server = u"files02"_s;
+    QueueRow removal = failed;
+    removal.direction.clear(); // a refused deletion
+    for (const QueueRow &each : { failed, other, row(u"Download"_s, u"/a/y"_s), removal }) {
+        model.append(each);
+    }
+    EXPECT_EQ(model.failedTransfers().size(), 2);
+    EXPECT_EQ(model.failedTransfers().size(), 2); // asking is not trying
+    model.append(failed); // tried again in vain: one row to repeat, the new one
+    EXPECT_FALSE(model.row(0).failed);
+    EXPECT_EQ(model.failedTransfers().size(), 2);
+    failed.failed = false;
     model.append(failed);
-    model.append(row(u"Download"_s, u"/a/y"_s));
-    failed.direction.clear(); // a refused deletion
-    failed.status = u"Löschen verweigert"_s;
-    model.append(failed);
+    ASSERT_EQ(model.failedTransfers().size(), 1);
+    EXPECT_EQ(model.failedTransfers().first().server, u"files02"_s);
+    EXPECT_TRUE(model.row(3).failed);
+    EXPECT_EQ(model.rowCount(), 6);
     EXPECT_TRUE(model.hasFailedTransfers());
-    EXPECT_EQ(model.takeFailedTransfers().size(), 1);
+    model.removeRowsAt({ 0, 1 });
     EXPECT_FALSE(model.hasFailedTransfers());
-    EXPECT_EQ(model.rowCount(), 3);
 }
 
 TEST(QueueModel, ARefusedNameIsNoFailedTransferToRepeat)
