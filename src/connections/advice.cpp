@@ -77,6 +77,15 @@ QString adviceFor(const FtpEvent &event)
     if (event.status != FtpEvent::Failed) {
         return {};
     }
+    // After the login the value that cannot be sent is a name, not one of the connection's.
+    if (event.reason == ftp::ErrorKind::BadArgument && event.operation > OpLogout) {
+        return u"Der Server kann diesen Namen nicht annehmen; bitte prüfen Sie ihn auf unerlaubte "
+               "Zeichen und auf seine Länge."_s;
+    }
+    if (event.reason == ftp::ErrorKind::LocalFile
+        && (event.operation == OpPutFile || event.operation == OpPutMultiple)) {
+        return u"Bitte prüfen Sie, ob Sie die Datei auf dem eigenen Computer lesen dürfen."_s;
+    }
     // 425: the server could not open the data connection.
     const bool blocked = event.text.startsWith("425"_L1);
     const auto reason = blocked ? std::optional(ftp::ErrorKind::DataConnection) : event.reason;

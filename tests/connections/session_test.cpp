@@ -418,6 +418,26 @@ TEST_F(SessionRules, ABlockedDataConnectionIsFollowedByAdvice)
     EXPECT_EQ(shell.log, u"Connection timed out\r\n"_s);
 }
 
+TEST_F(SessionRules, AdviceFitsWhatWasBeingDone)
+{
+    const auto adviceAbout = [](int operation, ftp::ErrorKind reason) {
+        FtpEvent failed = event(operation, FtpEvent::Failed, u"?\r\n"_s);
+        failed.reason = reason;
+        return adviceFor(failed);
+    };
+    using ftp::ErrorKind;
+    EXPECT_TRUE(adviceAbout(OpConnect, ErrorKind::BadArgument).contains(u"Passwort"_s));
+    for (const int operation : { OpPutFile, OpMakeFolder, OpRename, OpChangeFolder }) {
+        EXPECT_TRUE(adviceAbout(operation, ErrorKind::BadArgument).contains(u"diesen Namen"_s));
+    }
+    for (const int operation : { OpPutFile, OpPutMultiple }) {
+        EXPECT_TRUE(adviceAbout(operation, ErrorKind::LocalFile).contains(u"lesen dürfen"_s));
+    }
+    for (const int operation : { OpGetFile, OpGetMultiple }) {
+        EXPECT_TRUE(adviceAbout(operation, ErrorKind::LocalFile).contains(u"schreiben dürfen"_s));
+    }
+}
+
 TEST_F(SessionRules, OnlyMakingFoldersSetsTheNewFolderFlags)
 {
     struct Row {
