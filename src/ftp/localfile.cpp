@@ -41,7 +41,8 @@ Status writeAll(int file, std::string_view bytes, const std::string &path)
 
 tl::unexpected<Error> localError(int code, const std::string &path)
 {
-    const bool full = code == ENOSPC || code == EDQUOT || code == EFBIG;
+    // EFBIG is none of them: a file beyond 4 GB on a FAT stick leaves room for every other one.
+    const bool full = code == ENOSPC || code == EDQUOT;
     return fail(full ? ErrorKind::LocalDiskFull : ErrorKind::LocalFile,
                 std::string(std::strerror(code)) + ": " + path);
 }
