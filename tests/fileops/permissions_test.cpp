@@ -162,9 +162,8 @@ TEST(FrmRechte, EveryGroupHoldsItsOwnBoxes)
             EXPECT_EQ(around->title(), titles.at(group - 1));
         }
     }
-    const auto caption = [&dialog](const QString &name) {
-        return dialog.findChild<QPushButton *>(name)->text();
-    };
+    const auto caption
+        = [&dialog](const QString &name) { return dialog.findChild<QPushButton *>(name)->text(); };
     EXPECT_EQ(caption(u"cmd_ok"_s), u"&Ok"_s);
     EXPECT_EQ(caption(u"cmd_abbrechen"_s), u"&Abbrechen"_s);
     EXPECT_EQ(caption(u"cmd_hilfe"_s), u"Hilfe"_s);

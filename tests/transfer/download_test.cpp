@@ -77,6 +77,37 @@ TEST_F(DownloadTest, ShowsItemAndProgressWhileItRuns)
     EXPECT_GT(globals.transfer.TransferStart, 0);
 }
 
+TEST_F(DownloadTest, TheBarReturnsToZeroAfterEveryFile)
+{
+    // Each in a call of its own: the first one meets a conflict, the second is a folder.
+    ftp.addFile(u"/www/a"_s, "12345678");
+    ftp.addFile(u"/www/b/c"_s, "12345678");
+    writeLocal(u"a"_s, "1234");
+    QList<qint64> atTheStart;
+    ftp.during = [&](const QString &command) {
+        if (command.contains(u"GET"_s)) {
+            atTheStart.append(progress.value());
+        }
+    };
+    dialogs.steps = { { ConflictAnswer::Resume, false, {} } };
+    download({ u"a"_s, u"b"_s });
+    EXPECT_EQ(atTheStart.size(), 2);
+    EXPECT_TRUE(atTheStart.contains(4) && atTheStart.contains(0));
+}
+
+TEST_F(DownloadTest, ALocalFileIsRenamedWithItsContent)
+{
+    ftp.addFile(u"/www/a.txt"_s, "neuer");
+    writeLocal(u"a.txt"_s, "alt");
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"b.txt"_s },
+                      { ConflictAnswer::Overwrite, false, {} } };
+    download({ u"a.txt"_s });
+    EXPECT_EQ(readLocal(u"b.txt"_s), "alt");
+    EXPECT_EQ(readLocal(u"a.txt"_s), "neuer");
+    ASSERT_EQ(dialogs.questions.size(), 2);
+    EXPECT_EQ(dialogs.questions[1].message, dialogs.questions[0].message);
+}
+
 TEST_F(DownloadTest, ASizeOfZeroKeepsTheMaximumAndAddsARow)
 {
     ftp.addFile(u"/www/leer"_s, "");

@@ -59,6 +59,76 @@ TEST_F(UploadTest, LeavesTheWindowReadyAndTheServerListed)
     EXPECT_EQ(progress.rateText(), QString());
 }
 
+TEST_F(UploadTest, ShowsItemAndProgressWhileItRuns)
+{
+    writeLocal(u"langername.html"_s, QByteArray(3000, 'x'));
+    writeLocal(u"ordner/b"_s, "x");
+    ftp.during = [this](const QString &command) {
+        if (command.startsWith(u"PUT"_s)) {
+            EXPECT_EQ(progress.maximum(), 3000);
+        }
+    };
+    upload({ u"langername.html"_s });
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s),
+              (QStringList { u"ShowTransferItem Datei: langername.html|3000"_s,
+                             u"ShowTransferItem |"_s }));
+    EXPECT_EQ(progress.maximum(), 3000);
+    shell.calls.clear();
+    upload({ u"ordner"_s });
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s),
+              (QStringList { u"ShowTransferItem Ordner: ordner|"_s, u"ShowTransferItem |"_s }));
+}
+
+TEST_F(UploadTest, TheBarStartsAtTheResumeOffsetAndReturnsToZero)
+{
+    ftp.addFile(u"/www/a"_s, "12345");
+    writeLocal(u"a"_s, QByteArray(100, 'x'));
+    writeLocal(u"b"_s, QByteArray(50, 'y'));
+    QList<qint64> atTheStart;
+    ftp.during = [&](const QString &command) {
+        if (command.startsWith(u"PUT"_s)) {
+            atTheStart.append(progress.value());
+        }
+    };
+    dialogs.steps = { { ConflictAnswer::Resume, false, {} } };
+    upload({ u"a"_s, u"b"_s });
+    EXPECT_EQ(atTheStart, (QList<qint64> { 5, 0 }));
+}
+
+TEST_F(UploadTest, SetsTheTransferTypeBeforeEveryPut)
+{
+    writeLocal(u"a.txt"_s, "eins");
+    writeLocal(u"ordner/b.txt"_s, "zwei");
+    globals.connection.TransferType = TypeEbcdic;
+    ftp.setTransferType(TypeBinary);
+    upload({ u"a.txt"_s });
+    EXPECT_TRUE(ftp.commandsOf(u"PUT"_s).value(0).endsWith(u"[2]"_s));
+    ftp.setTransferType(TypeBinary);
+    upload({ u"ordner"_s });
+    EXPECT_EQ(ftp.transferType(), TypeEbcdic);
+}
+
+TEST_F(UploadTest, ADropOnALinkGoesWhereItLeads)
+{
+    ftp.addFile(u"/www/ziel/x"_s, "x");
+    ftp.addLink(u"/www/verweis"_s, u"/www/ziel"_s);
+    writeLocal(u"a.txt"_s, "neu");
+    const auto drop = [this](bool answer) {
+        showBoth();
+        local.selectAll();
+        MarkSelectedLocal(local, globals, false);
+        prompts.expectConfirm(u"1 Dateien oder Ordner Uploaden?"_s, answer, u"Store..."_s);
+        commands.dropOnRemote(remote.model().findRow(u"verweis"_s));
+    };
+    drop(false);
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    EXPECT_TRUE(local.markedNames().isEmpty());
+    drop(true);
+    EXPECT_EQ(ftp.commands.first(), u"CWD /www/verweis/"_s);
+    ASSERT_EQ(shell.queue.size(), 1);
+    EXPECT_EQ(shell.queue[0].remote, u"/www/verweis/a.txt"_s);
+}
+
 TEST_F(UploadTest, ListsTheServerBeforeTheBoxesComeBack)
 {
     writeLocal(u"a.txt"_s, "eins");
