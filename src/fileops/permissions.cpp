@@ -51,10 +51,15 @@ void PermissionCommand::mnu_rechte_Click()
     QStringList refusals;
     for (int slot = 1; slot < items.MarkedCount; ++slot) {
         const MarkedItem &item = items.MarkedItems.at(slot);
+        if (m_work.ftp.state() != FtpOperations::Connected) {
+            unmark(m_work.remote, item);
+            continue;
+        }
         if (const auto refusal = setMode(item, mode)) {
             refusals.append(item.name + u": "_s + *refusal);
         }
-        if (globals.permissions.alsoInside && item.kind == ItemKind::FolderClose) {
+        if (globals.permissions.alsoInside && item.kind == ItemKind::FolderClose
+            && m_work.ftp.state() == FtpOperations::Connected) {
             if (const auto refusal = setModesInside(item)) {
                 refusals.append(u"In "_s + item.name + u": "_s + *refusal);
             }

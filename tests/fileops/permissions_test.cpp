@@ -304,6 +304,21 @@ TEST_F(PermissionTest, ARefusalIsToldAndTheColumnFollowsAllTheSame)
     EXPECT_TRUE(shell.log.startsWith(u"a.cgi > 502 Unknown command."_s));
 }
 
+TEST_F(PermissionTest, ALostConnectionEndsTheRound)
+{
+    remote.selectAll();
+    ftp.during = [this](const QString &command) {
+        if (command.contains(u"a.cgi"_s)) {
+            ftp.close();
+        }
+    };
+    confirm(755, true);
+    EXPECT_EQ(ftp.commands.size(), 1);
+    EXPECT_EQ(shell.log.count(u" > "_s), 1); // nothing is told of rows that were not tried
+    EXPECT_EQ(columnOf(u"ordner"_s), u"644"_s);
+    EXPECT_TRUE(remote.markedNames().isEmpty());
+}
+
 TEST_F(PermissionTest, TheContentOfRealFoldersFollowsWhenWanted)
 {
     ftp.addLink(u"/www/verweis"_s, u"/anderswo"_s);
