@@ -35,7 +35,8 @@ void removeRow(Pane &pane, const MarkedItem &item)
     }
 }
 
-/// The marked real folders; links to folders hold nothing of their own.
+/// The marked folders; links to folders, where the pane tells them apart, hold nothing of their
+/// own.
 QStringList foldersIn(const MarkedItemList &items, QChar separator)
 {
     QStringList folders;
@@ -56,6 +57,13 @@ QString contentText(const FtpFolderContent &content)
     return u"In den Ordnern: %1%2 %3 und %4 Ordner."_s.arg(
         content.complete ? QString() : u"mehr als "_s, QString::number(content.files),
         content.files == 1 ? u"Datei"_s : u"Dateien"_s, QString::number(content.folders));
+}
+
+/// The local pane shows a link to a folder like a folder, but only the link itself will go.
+QStringList withoutLinks(QStringList folders)
+{
+    folders.removeIf([](const QString &folder) { return isLocalLink(folder); });
+    return folders;
 }
 
 FtpFolderContent countLocal(const QStringList &folders,
@@ -92,7 +100,7 @@ void DeleteCommand::DeleteRemoteItems()
     const MarkedItemList items = m_work.globals.marked;
     const auto count
         = [this](const auto &folders, const auto &stop) { return countRemote(folders, stop); };
-    if (confirmed(items, u'/', count)) {
+    if (confirmed(items, foldersIn(items, u'/'), count)) {
         m_work.shell.SetFtpProperties();
         deleteMarked(m_work.remote, items, [&] { deleteRemoteItems(items); });
         m_work.shell.DoRemoteRefresh(folder);
@@ -111,17 +119,26 @@ void DeleteCommand::DeleteLocalItems()
         return;
     }
     const MarkedItemList items = m_work.globals.marked;
-    if (confirmed(items, LocalSeparator, countLocal)) {
+    if (confirmed(items, withoutLinks(foldersIn(items, LocalSeparator)), countLocal)) {
         deleteMarked(m_work.local, items, [&] {
             for (int slot = 1; slot < items.MarkedCount && !m_stop; ++slot) {
                 deleteLocalItem(items.MarkedItems.at(slot));
             }
         });
-        m_work.local.listFolder(items.MarkedItems.last().folder);
+        listAgain(items.MarkedItems.last().folder);
     } else {
         UnmarkAll(m_work.local, m_work.globals);
     }
     m_work.local.clearSelection();
+}
+
+/// The window lives while files are deleted: the pane may show another folder by now.
+void DeleteCommand::listAgain(const QString &folder)
+{
+    if (withSeparator(m_work.local.folder(), LocalSeparator)
+        == withSeparator(folder, LocalSeparator)) {
+        m_work.local.listFolder(folder);
+    }
 }
 
 FtpFolderContent DeleteCommand::countRemote(const QStringList &folders,
@@ -131,12 +148,12 @@ FtpFolderContent DeleteCommand::countRemote(const QStringList &folders,
     return content ? *content : FtpFolderContent { 0, 0, false };
 }
 
-bool DeleteCommand::confirmed(const MarkedItemList &items, QChar separator, const Count &count)
+bool DeleteCommand::confirmed(const MarkedItemList &items, const QStringList &folders,
+                              const Count &count)
 {
     const QString text = u"Sind Sie sicher, dass Sie "_s + QString::number(items.count())
         + u" Dateien oder Ordner löschen möchten?"_s;
     const QString title = u"Confirm Delete"_s;
-    const QStringList folders = foldersIn(items, separator);
     m_running = true;
     m_stop = false;
     const auto idle = qScopeGuard([this] { m_running = false; });

@@ -34,8 +34,11 @@ private:
     using Count = std::function<FtpFolderContent(const QStringList &folders,
                                                  const std::shared_ptr<std::atomic_bool> &stop)>;
 
+    void listAgain(const QString &folder);
     void deleteMarked(Pane &pane, const MarkedItemList &items, const std::function<void()> &work);
-    [[nodiscard]] bool confirmed(const MarkedItemList &items, QChar separator, const Count &count);
+    /// @param folders  those whose content the question tells
+    [[nodiscard]] bool confirmed(const MarkedItemList &items, const QStringList &folders,
+                                 const Count &count);
     [[nodiscard]] FtpFolderContent countRemote(const QStringList &folders,
                                                const std::shared_ptr<std::atomic_bool> &stop);
     void deleteRemoteItems(const MarkedItemList &items);

@@ -191,6 +191,12 @@ std::optional<QString> removeLocalFile(const QString &path)
     return path + u": "_s + QString::fromLocal8Bit(std::strerror(errno));
 }
 
+bool isLocalLink(const QString &path)
+{
+    struct stat info { };
+    return ::lstat(bytesOfName(path).constData(), &info) == 0 && S_ISLNK(info.st_mode);
+}
+
 FtpFolderContent countLocalTree(const QString &path, const std::atomic_bool &stop)
 {
     FtpFolderContent content;

@@ -18,6 +18,9 @@
 /// Deletes one local file or link, also a read-only one. @return as RemoveLocalTree
 [[nodiscard]] std::optional<QString> removeLocalFile(const QString &path);
 
+/// Whether a path, without a separator at its end, is a symbolic link, whatever it leads to.
+[[nodiscard]] bool isLocalLink(const QString &path);
+
 /// Counts everything below a folder; links count as files and are not followed.
 /// @param stop  ends the counting when it becomes true; the count is incomplete then
 [[nodiscard]] FtpFolderContent countLocalTree(const QString &path, const std::atomic_bool &stop);

@@ -1,5 +1,6 @@
 #include "fileops/delete.h"
 
+#include "remote/itemkind.h"
 #include "support/workbench.h"
 
 #include <QEventLoop>
@@ -89,7 +90,7 @@ TEST_F(DeleteTest, ARemoteFileGoesWithItsRow)
     EXPECT_EQ(shellCalls(u"ShowTransferItem"_s),
               (QStringList { u"ShowTransferItem Datei: a|"_s, u"ShowTransferItem |"_s }));
     EXPECT_EQ(shellCalls(u"DoRemoteRefresh"_s), QStringList { u"DoRemoteRefresh /www/"_s });
-    EXPECT_EQ(remote.text, u"/www/"_s);
+    EXPECT_EQ(remote.calls.filter(u"text"_s), QStringList { u"text /www/"_s });
 }
 
 TEST_F(DeleteTest, ButtonsAndBoxesAreOffMeanwhileAndOnAfterwards)
@@ -233,6 +234,47 @@ TEST_F(DeleteTest, TheContentOfAllMarkedFoldersIsCountedOnce)
     deleteRemote({ u"eins"_s, u"zwei"_s, u"verweis"_s },
                  u"In den Ordnern: 2 Dateien und 0 Ordner."_s, false);
     EXPECT_EQ(ftp.commands, QStringList { u"COUNT /www/eins /www/zwei"_s });
+}
+
+TEST_F(DeleteTest, ALinkThatLooksLikeAFolderIsNotCounted)
+{
+    writeLocal(u"ziel/a"_s, "x");
+    writeLocal(u"ordner/b"_s, "x");
+    ASSERT_TRUE(QFile::link(disk(u"ziel"_s), disk(u"verweis"_s)));
+    showBoth();
+    const int row = local.model().findRow(u"verweis"_s);
+    PaneRow shown = local.model().row(row);
+    shown.kind = ItemKind::FolderClose; // as the window's pane shows it
+    local.model().changeRow(row, shown);
+    local.select({ u"ordner"_s, u"verweis"_s });
+    expectQuestion(2, true, u"In den Ordnern: 1 Datei und 0 Ordner."_s);
+    command.DeleteLocalItems();
+    EXPECT_EQ(readLocal(u"ziel/a"_s), "x");
+    EXPECT_FALSE(onDisk(u"verweis"_s));
+}
+
+TEST_F(DeleteTest, LocalDeletionsShowWhatIsGoing)
+{
+    writeLocal(u"datei"_s, "x");
+    writeLocal(u"ordner/b"_s, "x");
+    deleteLocal({ u"datei"_s, u"ordner"_s }, u"In den Ordnern: 1 Datei und 0 Ordner."_s);
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s),
+              (QStringList { u"ShowTransferItem Ordner: ordner|"_s, u"ShowTransferItem |"_s,
+                             u"ShowTransferItem Datei: datei|"_s, u"ShowTransferItem |"_s }));
+}
+
+TEST_F(DeleteTest, APaneThatHasMovedOnStaysWhereItIs)
+{
+    writeLocal(u"ordner/b"_s, "x");
+    QDir().mkpath(disk(u"woanders"_s));
+    showBoth();
+    local.select({ u"ordner"_s });
+    expectQuestion(1, true, u"In den Ordnern: 1 Datei und 0 Ordner."_s);
+    prompts.meanwhile([this] { local.show(disk(u"woanders"_s)); });
+    command.DeleteLocalItems();
+    EXPECT_FALSE(onDisk(u"ordner"_s));
+    EXPECT_EQ(local.text, disk(u"woanders/"_s));
+    EXPECT_TRUE(local.calls.filter(u"list"_s).isEmpty());
 }
 
 TEST_F(DeleteTest, CountingEndsWhenItTakesTooLong)
