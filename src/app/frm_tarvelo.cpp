@@ -280,9 +280,9 @@ void frm_tarvelo::connectEdits()
     m_features->putBack.setBusyCheck(
         [this] { return isBusy() || QApplication::activeModalWidget() != nullptr; });
     connect(m_local, &LocalPane::uploadWanted, this,
-            [this] { m_features->transfers.cmd_upload_Click(); });
+            [this] { isBusy() ? void() : m_features->transfers.cmd_upload_Click(); });
     connect(m_remote, &RemotePane::downloadWanted, this,
-            [this] { m_features->transfers.cmd_download_Click(); });
+            [this] { isBusy() ? void() : m_features->transfers.cmd_download_Click(); });
 }
 
 void frm_tarvelo::renameRemoteRow(const QString &name, const QString &newName)
