@@ -1,5 +1,7 @@
 #include "remote/itemkind.h"
 
+#include "remote/icons.h"
+
 #include <gtest/gtest.h>
 
 TEST(ItemKind, ImageListHasItsKeysInTheFixedOrder)
@@ -45,4 +47,13 @@ TEST(ItemKind, FoldersAndLinksCountAsFolders)
         EXPECT_EQ(ItemKind::isFolderLike(key), expected) << key.toStdString();
     }
     EXPECT_FALSE(ItemKind::isFolderLike(QStringLiteral("folderclose"))) << "keys compare exactly";
+}
+
+TEST(ItemKind, EveryKeyHasItsPicture)
+{
+    for (const QString &key : ItemKind::imageKeys()) {
+        EXPECT_FALSE(Icons::icon(key).pixmap(16).isNull()) << key.toStdString();
+        EXPECT_FALSE(Icons::ghosted(key).pixmap(16).isNull()) << key.toStdString();
+    }
+    EXPECT_TRUE(Icons::icon(QStringLiteral("gibtesnicht")).isNull());
 }

@@ -76,6 +76,18 @@ TEST_F(PaneViewTest, EnterAndDoubleClickOpenTheRow)
     EXPECT_EQ(m_view.selectedRowNumbers(), QList<int> { 3 });
 }
 
+TEST_F(PaneViewTest, ADoubleClickOnOneOfSeveralSelectedRowsKeepsThemAll)
+{
+    QList<int> handed;
+    QObject::connect(&m_view, &PaneView::rowOpened, [&] { handed = m_view.selectedRowNumbers(); });
+    m_view.selectRowNumbers({ 1, 3 });
+    QMouseEvent event(QEvent::MouseButtonDblClick, at(3), m_view.viewport()->mapToGlobal(at(3)),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_view.viewport(), &event);
+    EXPECT_EQ(handed, (QList<int> { 1, 3 }));
+    EXPECT_EQ(m_view.currentIndex().row(), 3);
+}
+
 TEST_F(PaneViewTest, EnterOpensOnlyARowThatIsSelected)
 {
     QSignalSpy opened(&m_view, &PaneView::rowOpened);

@@ -6,6 +6,7 @@
 #include "support/fakeftp.h"
 #include "support/fakeshell.h"
 
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
@@ -371,6 +372,48 @@ TEST_F(RemotePaneTest, ColumnsSortInTheirFixedOrder)
     EXPECT_EQ(columnOrder(ColumnPermission), Qt::AscendingOrder);
 }
 
+TEST_F(RemotePaneTest, TheArrowStaysWhenAHeaderIsClickedTwice)
+{
+    m_pane.resize(600, 400);
+    m_pane.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_pane));
+    QList<PaneRow> rows { upRow() };
+    for (const char *name : { "a", "b", "c" }) {
+        PaneRow made;
+        made.kind = ItemKind::File;
+        made.name = made.tag = QString::fromLatin1(name);
+        made.size = made.name == u"b" ? QStringLiteral("9") : QStringLiteral("10");
+        made.date = QStringLiteral("2026-01-0%1 00:00").arg(made.name == u"c" ? 2 : 1);
+        made.permissions = made.name == u"c" ? QStringLiteral("600") : QStringLiteral("644");
+        rows.append(made);
+    }
+    m_pane.model().setRows(rows);
+    QHeaderView *header = m_pane.view().header();
+    const std::pair<int, const char *> clicks[] {
+        { ColumnSize, "<up> b a c" },      { ColumnSize, "<up> b a c" },
+        { ColumnDate, "<up> c b a" },      { ColumnDate, "<up> c b a" },
+        { ColumnName, "<up> a b c" },      { ColumnPermission, "<up> c a b" },
+        { ColumnPermission, "<up> c a b" }
+    };
+    for (const auto &[column, expected] : clicks) {
+        const int x = header->sectionViewportPosition(column) + header->sectionSize(column) / 2;
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, { x, header->height() / 2 });
+        EXPECT_EQ(header->sortIndicatorSection(), column);
+        EXPECT_EQ(header->sortIndicatorOrder(), columnOrder(column)) << column;
+        EXPECT_EQ(names(), expected) << column;
+    }
+}
+
+TEST_F(RemotePaneTest, AnEmptyFolderIsNotSorted)
+{
+    m_pane.DoRemoteRefresh(QStringLiteral("/www/leer"));
+    QSignalSpy resets(&m_pane.model(), &QAbstractItemModel::modelReset);
+    QSignalSpy moves(&m_pane.model(), &QAbstractItemModel::layoutChanged);
+    Q_EMIT m_pane.view().columnClicked(ColumnSize);
+    EXPECT_EQ(resets.count() + moves.count(), 0);
+    EXPECT_EQ(m_pane.view().header()->sortIndicatorSection(), ColumnName);
+}
+
 TEST_F(RemotePaneTest, SortingKeepsTheSelection)
 {
     m_pane.view().selectRowNumbers({ row("b.txt") });
@@ -388,6 +431,14 @@ TEST_F(RemotePaneTest, AnUnreadableListingIsExplainedOnlyWithDetailedMessages)
     m_pane.DoRemoteRefresh(QStringLiteral("/www"));
     EXPECT_TRUE(m_shell.log.startsWith(QStringLiteral("Die Auflösung der gelieferten Dateiliste")));
     EXPECT_TRUE(m_shell.log.endsWith(QStringLiteral("\r\nHä?")));
+    m_shell.log.clear();
+    m_ftp.fixed = RemoteListing { {}, RemoteListing::Uninterpretable, {} };
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_EQ(
+        m_shell.log,
+        QStringLiteral("Die Auflösung der gelieferten Dateiliste schlug fehl.\r\n"
+                       "Dieser Fehler tritt häufig auf wenn ein leeres Verzeichnis aufgerufen "
+                       "wird und kann in den meisten Fällen ignoriert werden."));
 }
 
 TEST_F(RemotePaneTest, RemoteItemFindsTheRowOfAMarkedEntry)
