@@ -2,10 +2,13 @@
 
 #include "app/commands.h"
 #include "app/transfercolumn.h"
+#include "dialogs/frmAbout.h"
 #include "dialogs/frm_hilfe.h"
+#include "dialogs/frm_info.h"
 #include "dialogs/helpkeyfilter.h"
 #include "dialogs/helppages.h"
 #include "remote/itemkind.h"
+#include "support/modalbox.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -527,6 +530,45 @@ TEST_F(MainWindow, TheHelpMenuOpensTheHelpAtItsBeginning)
     item("m_h_0")->trigger();
     ASSERT_TRUE(QTest::qWaitFor([&] { return help() != nullptr; }));
     EXPECT_EQ(help()->currentPage(), contentsPage());
+}
+
+TEST_F(MainWindow, TheHelpMenuOpensBoxesAndPages)
+{
+    {
+        const WhenModalOpens<frm_info> info([](frm_info &opened) { opened.close(); });
+        item("m_h_1")->trigger();
+    }
+    {
+        const WhenModalOpens<frmAbout> about([](frmAbout &opened) { opened.close(); });
+        item("m_h_2")->trigger();
+    }
+    UrlCatcher desktop;
+    const Addresses addresses;
+    for (const char *name : { "m_h_4", "m_h_7", "m_h_10" }) {
+        item(name)->trigger();
+    }
+    EXPECT_EQ(
+        desktop.opened,
+        (QList<QUrl> { QUrl(addresses.homePage), QUrl(addresses.faq), QUrl(addresses.update) }));
+}
+
+TEST_F(MainWindow, ADoubleClickOnALocalFileNeedsAConnection)
+{
+    file("a.txt");
+    refreshLocal();
+    LocalPane &local = window->localPane();
+    const QModelIndex row = local.model().index(rowOf(local, "a.txt"), 0);
+    QTest::mouseDClick(local.view().viewport(), Qt::LeftButton, {},
+                       local.view().visualRect(row).center());
+    EXPECT_EQ(find<QTreeView>("lvwStatus")->model()->rowCount(), 0);
+    EXPECT_EQ(local.model().findRow(QStringLiteral("a.txt")), row.row());
+    EXPECT_EQ(find<QWidget>("txtLog")->property("plainText").toString(), QString());
+}
+
+TEST_F(MainWindow, BeendenClosesIt)
+{
+    item("mnuExit")->trigger();
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(MainWindow, TheMakersLogoOpensTheHomePage)
