@@ -91,7 +91,10 @@ TEST_F(InfoScreen, MailShowsTheHintAndNamesTheLogin)
 {
     m_globals.connection.UserName = u"web 01&x"_s;
     m_prompts.expectMessage(hint);
+    showScreen();
     button(1)->click();
+    EXPECT_FALSE(timer()->isActive());
+    EXPECT_TRUE(m_screen.isVisible());
     EXPECT_EQ(
         m_opened,
         QStringList(u"mailto:office@morlanda.example?subject=Tarvelo FTP&body=Hallo,%0A%0Aich ("

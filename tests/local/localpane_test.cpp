@@ -76,6 +76,19 @@ struct Hanging {
 
 } // namespace
 
+TEST_F(LocalPaneTest, HasItsThreeColumnsAndSelectsSeveralRows)
+{
+    QStringList headers;
+    for (int column = 0; column < m_pane.model().columnCount(); ++column) {
+        headers << m_pane.model().headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+    }
+    EXPECT_EQ(
+        headers,
+        (QStringList { QStringLiteral("Name"), QStringLiteral("Size"), QStringLiteral("Date") }));
+    EXPECT_EQ(m_pane.view().selectionMode(), QAbstractItemView::ExtendedSelection);
+    EXPECT_EQ(m_pane.view().objectName(), QStringLiteral("lvwLocal"));
+}
+
 TEST_F(LocalPaneTest, EveryChangeOfTheTextListsTheFolder)
 {
     EXPECT_EQ(names(), "<up> bilder a.txt");
