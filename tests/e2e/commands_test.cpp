@@ -110,6 +110,32 @@ TEST_P(OnlineCommands, NoTransferStartsWhileADeletionRuns)
     EXPECT_FALSE(std::filesystem::exists(remote("nah.txt")));
 }
 
+TEST_P(OnlineCommands, AbortingStaysPossibleThroughARunOfFiles)
+{
+    QDir(QString::fromStdString(local)).mkdir(QStringLiteral("viele"));
+    for (int number = 0; number < 20; ++number) {
+        servers::writeFile(localPath("viele") / ("datei" + std::to_string(number)), "inhalt");
+    }
+    find<QComboBox>("cmbLocalDir")
+        ->setEditText(QString::fromStdString(localPath("viele").string()));
+    settle();
+    window->localPane().selectAll();
+    int meanwhile = 0;
+    int off = 0;
+    const auto look = [&] {
+        if (ftp.isBusy() && ++meanwhile > 1) {
+            off += find<QWidget>("cmdAbort")->isEnabled() ? 0 : 1;
+        }
+    };
+    QObject::connect(find<QTreeView>("lvwStatus")->model(), &QAbstractItemModel::rowsInserted,
+                     window.get(), look);
+    press("cmd_upload");
+    EXPECT_GT(meanwhile, 5) << "rows come while the others are on their way";
+    EXPECT_EQ(off, 0);
+    EXPECT_FALSE(find<QWidget>("cmdAbort")->isEnabled());
+    EXPECT_EQ(find<QTreeView>("lvwStatus")->model()->rowCount(), 20);
+}
+
 TEST_P(OnlineCommands, PermissionsGoThroughTheRealDialog)
 {
     const std::filesystem::path file = remote("skript.cgi");
