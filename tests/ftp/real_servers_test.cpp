@@ -233,6 +233,17 @@ TEST_P(RealServers, LinksToFoldersAreNotFollowed)
     EXPECT_TRUE(run(ftpClient().removeFile("web/seite/a.html"))); // and we stand where we stood
 }
 
+TEST_P(RealServers, EmptiesAFolderNamedWithASeparatorAtItsEnd)
+{
+    servers::makeWebSpace(server->root() / "leeren");
+    server->adoptFiles();
+    const ftp::Status removed = run(ftp::removeTree(ftpClient(), "/leeren/"));
+    ASSERT_TRUE(removed) << removed.error().text;
+    EXPECT_TRUE(fs::is_directory(server->root() / "leeren"));
+    EXPECT_TRUE(fs::is_empty(server->root() / "leeren"));
+    EXPECT_TRUE(run(ftpClient().list())); // the session is in step
+}
+
 TEST_P(RealServers, EndsPolitely)
 {
     EXPECT_TRUE(run(ftpClient().quit()));
