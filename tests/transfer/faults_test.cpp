@@ -160,6 +160,23 @@ TEST_F(FaultyTransfer, QuotaIsExplainedOncePerReplyAndLaterItemsAreTried)
     expectReady();
 }
 
+TEST_F(FaultyTransfer, QuotaIsExplainedInAFolderToo)
+{
+    for (const char *name : { "hin/a", "hin/b", "hin/tief/c" }) {
+        writeLocal(QString::fromLatin1(name), QByteArray(50000, 'x'));
+    }
+    server.fault.diskFullAfter = 10000;
+    server.fault.diskFullReply = std::string("451 Quota");
+    server.fault.faultyTransfers = 1;
+    ftp.setSessionLimit(1);
+    ASSERT_TRUE(login(server));
+    prompts.expectMessage(quotaMessage());
+    upload({ u"hin"_s });
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s }) << shell.log.toStdString();
+    EXPECT_EQ(shell.log.count(quotaMessage() + u"\r\n"_s), 1);
+    expectReady();
+}
+
 TEST_F(FaultyTransfer, OtherSpaceRepliesAreExplainedInTheLog)
 {
     writeLocal(u"a"_s, QByteArray(50000, 'x'));
