@@ -158,6 +158,25 @@ TEST_F(WiredWindow, WhileACommandRunsTheOthersDoNothing)
     EXPECT_EQ(window->localPane().folder(), home.filePath(QStringLiteral("lokal/")));
 }
 
+TEST_F(WiredWindow, ADoubleClickStartsNoTransferInsideADeletion)
+{
+    login();
+    select(window->localPane(), { "neu.txt" });
+    server.clearCommands();
+    prompts
+        .expectConfirm(
+            QStringLiteral("Sind Sie sicher, dass Sie 1 Dateien oder Ordner löschen möchten?"),
+            false, QStringLiteral("Confirm Delete"))
+        .meanwhile([this] {
+            Q_EMIT window->localPane().uploadWanted();
+            Q_EMIT window->remotePane().downloadWanted();
+        });
+    button("tbToolBar", "DeleteFiles")->trigger();
+    EXPECT_TRUE(server.lines("STOR").empty());
+    EXPECT_FALSE(std::filesystem::exists(server.root() / "neu.txt"));
+    EXPECT_TRUE(std::filesystem::exists(localPath("neu.txt")));
+}
+
 TEST_F(WiredWindow, TheRedLightAndLoginOpenTheDialog)
 {
     for (const bool light : { true, false }) {
