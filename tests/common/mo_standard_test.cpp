@@ -61,6 +61,28 @@ TEST(EnsureFolder, CreatesTheLastComponentOnlyBehindASeparator)
     EXPECT_TRUE(EnsureFolder(path, false));
 }
 
+TEST(EnsureFolder, LooksForSeparatorsFromTheThirdCharacterOn)
+{
+    const QString before = QDir::currentPath();
+    const auto made = [](const char *path) {
+        const QTemporaryDir top;
+        EXPECT_TRUE(QDir::setCurrent(top.path()));
+        EXPECT_TRUE(EnsureFolder(text(path), true, u'\\'));
+        return QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name).join(u' ');
+    };
+    EXPECT_EQ(made("a\\b\\c\\"), text("a\\b a\\b\\c"));
+    EXPECT_EQ(made("ab\\c\\d"), text("ab ab\\c"));
+    QDir::setCurrent(before);
+}
+
+TEST(JoinPath, AddsOneSeparatorWhereThereIsNone)
+{
+    EXPECT_EQ(joinPath(text("c:\\"), text("x"), u'\\'), text("c:\\x"));
+    EXPECT_EQ(joinPath(text("c:\\a"), text("x"), u'\\'), text("c:\\a\\x"));
+    EXPECT_EQ(joinPath(text("/"), text("x")), text("/x"));
+    EXPECT_EQ(joinPath(text("/a"), text("x\\")), text("/a/x\\"));
+}
+
 TEST(NormalizeFolderPath, DropsTheAnnotationTrimsAndCompletes)
 {
     const auto remote = [](const char *path) {
