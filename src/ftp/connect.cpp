@@ -10,6 +10,9 @@
 namespace ftp {
 namespace {
 
+/// Looking a name up cannot be interrupted, but nobody has to wait for it.
+constexpr Milliseconds abortSeenWithin { 200 };
+
 using Endpoints = std::vector<asio::ip::tcp::endpoint>;
 
 /// Outcome of a look-up, shared with the thread that does it.
@@ -61,9 +64,10 @@ Error lookUpError(int code, const std::string &host)
     return { ErrorKind::UnknownHost, 0, text };
 }
 
-Awaitable<Result<Endpoints>> lookUp(asio::any_io_executor executor, std::string host,
-                                    std::uint16_t port, Milliseconds limit)
+Awaitable<Result<Endpoints>> lookUp(Stream &stream, std::string host, std::uint16_t port,
+                                    Milliseconds limit)
 {
+    const asio::any_io_executor executor = stream.executor();
     std::error_code notLiteral;
     const auto literal = asio::ip::make_address(host, notLiteral);
     if (!notLiteral) {
@@ -83,7 +87,6 @@ Awaitable<Result<Endpoints>> lookUp(asio::any_io_executor executor, std::string 
         bool done = false;
     };
     auto wait = std::make_shared<Wait>(executor);
-    wait->timer.expires_after(limit);
     auto keepsContextBusy = asio::prefer(executor, asio::execution::outstanding_work.tracked);
     std::thread([wait, host, port, keepsContextBusy]() mutable {
         LookUp result;
@@ -94,8 +97,15 @@ Awaitable<Result<Endpoints>> lookUp(asio::any_io_executor executor, std::string 
             wait->timer.cancel();
         });
     }).detach();
-    std::error_code cancelled; // the timer's end is told apart by the flag
-    co_await wait->timer.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!wait->done && !stream.aborted() && std::chrono::steady_clock::now() < end) {
+        wait->timer.expires_at(std::min(std::chrono::steady_clock::now() + abortSeenWithin, end));
+        std::error_code cancelled; // the timer's end is told apart by the flag
+        co_await wait->timer.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
+    }
+    if (stream.aborted()) {
+        co_return fail(ErrorKind::Aborted, "Aborted");
+    }
     if (!wait->done) {
         co_return fail(ErrorKind::Timeout, "Name resolution timed out");
     }
@@ -111,7 +121,7 @@ Awaitable<Status> connectTo(Stream &stream, std::string host, std::uint16_t port
 {
     const bool through = proxy.kind != ProxyKind::None;
     const std::string &name = through ? proxy.host : host;
-    auto endpoints = co_await lookUp(stream.executor(), name, through ? proxy.port : port, limit);
+    auto endpoints = co_await lookUp(stream, name, through ? proxy.port : port, limit);
     if (!endpoints) {
         co_return tl::unexpected(endpoints.error());
     }

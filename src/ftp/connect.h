@@ -8,9 +8,9 @@
 namespace ftp {
 
 /// All addresses of a name, in the resolver's order. The look-up runs beside the engine's thread
-/// and is left behind when the session is aborted.
+/// and is left behind when the stream that it is for is aborted.
 Awaitable<Result<std::vector<asio::ip::tcp::endpoint>>>
-lookUp(asio::any_io_executor executor, std::string host, std::uint16_t port, Milliseconds limit);
+lookUp(Stream &stream, std::string host, std::uint16_t port, Milliseconds limit);
 
 /// A failed look-up as the program describes it. @param code  of getaddrinfo
 [[nodiscard]] Error lookUpError(int code, const std::string &host);

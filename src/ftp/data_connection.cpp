@@ -26,10 +26,10 @@ DataConnection::DataConnection(Session &session)
     : m_session(session)
     , m_stream(std::make_unique<Stream>(session.executor()))
 {
-    m_session.addDataStream(m_stream.get());
+    m_session.addDataConnection(this);
 }
 
-DataConnection::~DataConnection() { m_session.removeDataStream(m_stream.get()); }
+DataConnection::~DataConnection() { m_session.removeDataConnection(this); }
 
 bool DataConnection::useExtended() const
 {
@@ -182,8 +182,11 @@ Awaitable<Status> DataConnection::accept()
         if (wait->expired) {
             co_return over(fail(ErrorKind::Timeout, "Connection timed out"));
         }
-        if (error) {
+        if (error == asio::error::operation_aborted || error == asio::error::bad_descriptor) {
             co_return over(fail(ErrorKind::Aborted, "Aborted"));
+        }
+        if (error) {
+            co_return over(fail(ErrorKind::DataConnection, error.message()));
         }
         if (peer.address() == control.address()) { // nobody else may deliver the file
             co_return over(m_stream->adopt(std::move(socket)));

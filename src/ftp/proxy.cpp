@@ -41,7 +41,7 @@ Awaitable<Status> socks4(Stream &stream, const Proxy &proxy, std::string host, s
                          Milliseconds limit)
 {
     std::string request = std::string("\x04\x01", 2) + portBytes(port);
-    auto endpoints = co_await lookUp(stream.executor(), host, port, limit);
+    auto endpoints = co_await lookUp(stream, host, port, limit);
     std::string name;
     bool resolved = false;
     if (endpoints) {

@@ -1,6 +1,7 @@
 #include "ftp/session.h"
 
 #include "ftp/connect.h"
+#include "ftp/data_connection.h"
 #include "ftp/path.h"
 
 #include <algorithm>
@@ -73,8 +74,8 @@ void Session::abort()
     if (m_line) {
         m_line->abort();
     }
-    for (Stream *stream : m_data) {
-        stream->abort();
+    for (DataConnection *data : m_data) {
+        data->abort();
     }
 }
 

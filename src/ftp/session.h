@@ -69,6 +69,8 @@ struct ServerKnowledge {
 /// Transfer types as the wire names them (RFC 959, section 3.1.1).
 enum class Type : char { Unknown = 0, Ascii = 'A', Binary = 'I', Ebcdic = 'E' };
 
+class DataConnection;
+
 /// One control connection that is logged in, and what its server is known to do.
 class Session {
 public:
@@ -142,9 +144,9 @@ public:
     }
     void setReplyHook(std::function<void(const Reply &)> hook) { m_hooks.reply = std::move(hook); }
 
-    /// Data streams register while they are open, so that abort reaches them.
-    void addDataStream(Stream *stream) { m_data.push_back(stream); }
-    void removeDataStream(Stream *stream) { std::erase(m_data, stream); }
+    /// Data connections register while they live, so that abort reaches them.
+    void addDataConnection(DataConnection *data) { m_data.push_back(data); }
+    void removeDataConnection(DataConnection *data) { std::erase(m_data, data); }
 
 private:
     Awaitable<Status> openOnce();
@@ -168,7 +170,7 @@ private:
     std::string m_greeting;
     std::string m_folder = "/";
     Type m_type = Type::Unknown;
-    std::vector<Stream *> m_data;
+    std::vector<DataConnection *> m_data;
     bool m_encrypted = false;
     bool m_usable = false;
     bool m_aborted = false;

@@ -105,12 +105,6 @@ Awaitable<Status> verify(Session &session, const PutRequest &request, const Outg
     co_return takeChecks(session, commands, *replies, file);
 }
 
-/// Big files may take their time to reach the server's disk before it answers.
-Milliseconds patience(Milliseconds limit, std::int64_t size)
-{
-    return limit + Milliseconds(size / 20000);
-}
-
 } // namespace
 
 Awaitable<Status> sendFile(Session &session, DataConnection &data, const OutgoingFile &file,

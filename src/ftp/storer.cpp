@@ -159,7 +159,8 @@ Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &
         }
         co_return refusal(*answer);
     }
-    co_return co_await finishTransfer(session, *flow.data, sent, session.timeout());
+    co_return co_await finishTransfer(session, *flow.data, sent,
+                                      patience(session.timeout(), file.size()));
 }
 
 Awaitable<Status> Storer::verify(Session &session, OutgoingFile &file, const Checks &checks,

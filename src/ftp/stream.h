@@ -85,6 +85,7 @@ public:
     void close();
     /// Ends pending waits with ErrorKind::Aborted.
     void abort();
+    [[nodiscard]] bool aborted() const { return m_aborted; }
 
     Awaitable<Status> waitReadable(Milliseconds limit);
     Awaitable<Status> waitWritable(Milliseconds limit);

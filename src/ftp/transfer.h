@@ -40,6 +40,12 @@ Awaitable<Status> receiveAll(Session &session, DataConnection &data,
 /// the connection. A refusal leaves the session usable.
 Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::string command);
 
+/// Big files may take their time to reach the server's disk before it answers.
+[[nodiscard]] inline Milliseconds patience(Milliseconds limit, std::int64_t size)
+{
+    return limit + Milliseconds(size / 20000);
+}
+
 /// Waits for the final reply of a transfer (RFC 959, section 5.4: 226 or 250).
 /// @param broken  what went wrong on the data connection, if anything; the server's reply, which
 ///                tells the reason, wins over it

@@ -6,8 +6,10 @@
 #include "servers/fixture.h"
 
 #include <algorithm>
+#include <asio/post.hpp>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace fs = std::filesystem;
 using ftp::ErrorKind;
@@ -262,6 +264,25 @@ TEST_F(Faults, AFolderTransferSurvivesALostConnection)
     const auto put = run(ftp::putTree(ftpClient(), local("web"), "/oben", Type::Binary));
     ASSERT_TRUE(put) << put.error().text;
     EXPECT_EQ(servers::difference(local("web"), server.root() / "oben"), "");
+}
+
+TEST_F(Faults, AbortingEndsTheWaitForAServerThatNeverConnects)
+{
+    server.on({ .verb = "RETR", .text = "150 Here it comes" });
+    TestClient &client = login();
+    client.login().passive = false;
+    client.login().timeout = std::chrono::seconds(60);
+    ASSERT_TRUE(client.open());
+    std::thread user([&] {
+        EXPECT_TRUE(server.waitForCommand("RETR"));
+        asio::post(client.context(), [&] { ftpClient().abort(); });
+    });
+    const auto start = std::chrono::steady_clock::now();
+    const auto got = get("a.txt");
+    user.join();
+    ASSERT_FALSE(got);
+    EXPECT_EQ(got.error().kind, ErrorKind::Aborted);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(50));
 }
 
 TEST_F(Faults, ARefusedPortInTheMiddleOfAFolderCostsNoFile)
