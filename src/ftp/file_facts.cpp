@@ -51,6 +51,22 @@ RemoteFacts takeFacts(Session &session, std::span<const std::string> commands,
     return facts;
 }
 
+Awaitable<Result<RemoteFacts>> fileFacts(Client &client, std::string path)
+{
+    Session &session = client.session();
+    const std::string raw = client.encode(path);
+    session.dialogue().setMuted(true);
+    Status binary = co_await session.setType(Type::Binary);
+    const std::vector<std::string> commands
+        = factCommands(session, raw, binary ? Type::Binary : Type::Ascii);
+    auto replies = co_await session.askAll(commands);
+    session.dialogue().setMuted(false);
+    if (!replies) {
+        co_return tl::unexpected(replies.error());
+    }
+    co_return takeFacts(session, commands, *replies);
+}
+
 Status checkComplete(const Session &session, std::int64_t have, std::optional<std::int64_t> size,
                      bool properEnd)
 {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "ftp/client.h"
 #include "ftp/localfile.h"
-#include "ftp/session.h"
 
 #include <optional>
 #include <span>
@@ -28,6 +28,10 @@ struct RemoteFacts {
 /// @param commands  what factCommands gave @param replies  theirs, in order
 [[nodiscard]] RemoteFacts takeFacts(Session &session, std::span<const std::string> commands,
                                     std::span<const Reply> replies);
+
+/// Asks both at once, without telling the user of a refusal. @param path  UTF-8
+/// @return an error only when the session is gone
+Awaitable<Result<RemoteFacts>> fileFacts(Client &client, std::string path);
 
 /// Whether a download is all there.
 /// @param have  bytes of the whole file @param properEnd  the server ended an encrypted stream as

@@ -1,7 +1,7 @@
 #include "ftp/ftpcontrol.h"
 
 #include "ftp/engine_thread.h"
-#include "ftp/facts.h"
+#include "ftp/file_facts.h"
 #include "ftp/ftpbridge.h"
 #include "ftp/ftpconvert.h"
 #include "ftp/ftpfilelist.h"
@@ -500,11 +500,11 @@ FtpStatus FtpControl::changeModesInside(const QString &folder, int files, int fo
 FtpResult<FtpFileFacts> FtpControl::fileFacts(const QString &path)
 {
     const auto facts
-        = d->run<ftp::FileFacts>(OpRawCommand, [name = path.toStdString()](Client &client) {
+        = d->run<ftp::RemoteFacts>(OpRawCommand, [name = path.toStdString()](Client &client) {
               return ftp::fileFacts(client, name);
           });
     if (!facts) {
         return tl::unexpected<FtpError>(facts.error());
     }
-    return FtpFileFacts { facts->size, facts->time };
+    return FtpFileFacts { facts->size, facts->modified };
 }
