@@ -112,8 +112,9 @@ Status IncomingFile::open(const std::string &path, std::int64_t offset)
     } else if (exists && status.st_size > 0 && ::access(path.c_str(), W_OK) == 0) {
         std::error_code error;
         // What a link leads to is replaced, not the link.
-        m_path = std::filesystem::canonical(path, error).string();
-        m_temporary = temporaryBeside(error ? path : m_path);
+        const std::filesystem::path target = std::filesystem::canonical(path, error);
+        m_path = error ? path : target.string();
+        m_temporary = temporaryBeside(m_path);
         m_file = ::mkostemp(m_temporary.data(), O_CLOEXEC);
         if (m_file >= 0) {
             ::fchmod(m_file, status.st_mode & 07777);
@@ -138,16 +139,16 @@ Status IncomingFile::commit(std::optional<std::int64_t> modified)
             errno = 0;
         }
     }
-    const int closed = ::close(std::exchange(m_file, -1));
-    if (closed != 0) {
-        return localError(errno, m_path);
+    bool kept = ::close(std::exchange(m_file, -1)) == 0; // a network disk may be full only now
+    if (!m_temporary.empty()) {
+        kept = kept && ::rename(m_temporary.c_str(), m_path.c_str()) == 0;
+        if (!kept) {
+            const int code = errno;
+            ::unlink(m_temporary.c_str());
+            errno = code;
+        }
     }
-    if (!m_temporary.empty() && ::rename(m_temporary.c_str(), m_path.c_str()) != 0) {
-        const int code = errno;
-        ::unlink(m_temporary.c_str());
-        return localError(code, m_path);
-    }
-    return {};
+    return kept ? Status {} : Status(localError(errno, m_path));
 }
 
 OutgoingFile::~OutgoingFile()
