@@ -33,13 +33,20 @@ QueueView::QueueView(QueueModel &model, Prompts &prompts, QWidget *parent)
     header()->setSectionsClickable(true);
     connect(header(), &QHeaderView::sectionClicked, this,
             [this](int column) { m_model.sort(column); });
+    constexpr int glance = 40; // milliseconds; too short to be seen
+    m_follow.setSingleShot(true);
+    m_follow.setInterval(glance);
+    connect(&m_follow, &QTimer::timeout, this,
+            [this] { scrollTo(m_model.index(m_model.rowCount() - 1, 0)); });
     connect(this, &QWidget::customContextMenuRequested, this, &QueueView::showMenu);
 }
 
 void QueueView::AddQueueRow(const QueueRow &row)
 {
     m_model.append(row);
-    scrollTo(m_model.index(m_model.rowCount() - 1, 0));
+    if (!m_follow.isActive()) {
+        m_follow.start();
+    }
 }
 
 void QueueView::DeleteSelectedQueueRows()

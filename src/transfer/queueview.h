@@ -2,6 +2,7 @@
 
 #include "transfer/queuemodel.h"
 
+#include <QTimer>
 #include <QTreeView>
 
 class Prompts;
@@ -13,7 +14,7 @@ class QueueView : public QTreeView {
 public:
     QueueView(QueueModel &model, Prompts &prompts, QWidget *parent = nullptr);
 
-    /// Appends a row and scrolls to it.
+    /// Appends a row and scrolls to it, once for all rows that come in a burst.
     void AddQueueRow(const QueueRow &row);
     /// Asks, also with nothing selected, and removes the selected rows.
     void DeleteSelectedQueueRows();
@@ -34,4 +35,5 @@ private:
 
     QueueModel &m_model;
     Prompts &m_prompts;
+    QTimer m_follow; ///< scrolling lays the whole list out, which is too much for every row
 };

@@ -150,7 +150,8 @@ TEST_F(QueueViewTest, AppendsAndScrollsToTheLastRow)
     view.show();
     fill(200);
     EXPECT_EQ(model.row(199).local, u"/a/199"_s);
-    EXPECT_TRUE(view.viewport()->rect().intersects(view.visualRect(model.index(199, 0))));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return view.viewport()->rect().intersects(view.visualRect(model.index(199, 0))); }));
 }
 
 TEST_F(QueueViewTest, DeleteAsksAlsoWithNothingSelected)
