@@ -249,7 +249,7 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
     if (!end) {
         co_return tl::unexpected(end.error());
     }
-    if (end->bytes == 0 && !machine && !server.plainListOnly && !flow.job.plain) {
+    if (!end->understood && !machine && !server.plainListOnly && !flow.job.plain) {
         flow.job.plain = true; // perhaps the option was taken for a name
         m_task.putBack(std::move(flow.job));
         co_return Status {};

@@ -105,14 +105,15 @@ Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::
     if (!server.plainListOnly) {
         ListingParser parser = listParser(serverNow(server), take);
         auto all = co_await fetch(session, "LIST -a", std::move(parser));
-        if (all && all->bytes > 0) {
+        if (all && all->bytes > 0 && all->understood) {
             co_return all;
         }
         if (!all && all.error().kind != ErrorKind::Refused) {
             co_return tl::unexpected(all.error());
         }
-        // Refused, or taken for a file of that name: this server knows no options. An empty answer
-        // alone proves nothing, since hidden names such as ".." may be left out.
+        // Refused, or taken for a file of that name, perhaps with an error message in place of the
+        // listing: this server knows no options. An empty answer alone proves nothing, since
+        // hidden names such as ".." may be left out.
         server.plainListOnly = !all;
     }
     ListingParser parser = listParser(serverNow(server), std::move(take));

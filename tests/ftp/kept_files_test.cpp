@@ -1,4 +1,5 @@
 // Nothing of the user's is mixed up, left out or called done when it is not.
+#include "ftp/crew.h"
 #include "ftp/tree.h"
 
 #include "ftp/run.h"
@@ -97,15 +98,41 @@ TEST_F(KeptFiles, AnOptionTakenForANameIsNoEmptyFolder)
     server.fault.noMlsd = true;
     server.fault.optionIsName = true;
     servers::writeFile(server.root() / "web" / "unten" / "f", "inhalt");
+    for (const char *answer : { "", "-a: No such file or directory\r\n" }) {
+        server.fault.optionAnswer = answer;
+        fs::remove_all(local("web"));
+        ftp::Client &client = connect();
+        const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
+        ASSERT_TRUE(got) << got.error().text;
+        EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+        EXPECT_TRUE(run(client.changeFolder("/web")));
+        const auto listed = run(client.list());
+        ASSERT_TRUE(listed) << listed.error().text;
+        EXPECT_EQ(listed->entries.size(), 1U);
+    }
+}
+
+TEST_F(KeptFiles, AFullDiskIsToldAlsoBehindARefusedFile)
+{
     ftp::Client &client = connect();
-    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
-    ASSERT_TRUE(got) << got.error().text;
-    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
-    server.clearCommands();
-    EXPECT_TRUE(run(client.changeFolder("/web")));
-    const auto listed = run(client.list());
-    ASSERT_TRUE(listed) << listed.error().text;
-    EXPECT_EQ(listed->entries.size(), 1U);
+    ftp::Crew crew(client,
+                   [](ftp::Session &) -> ftp::Awaitable<ftp::Status> { co_return ftp::Status {}; });
+    crew.failed({ ErrorKind::Refused, 550, "550 No" });
+    crew.failed({ ErrorKind::LocalDiskFull, 0, "full" });
+    crew.failed({ ErrorKind::Refused, 550, "550 No" });
+    const auto worked = run(crew.run());
+    ASSERT_FALSE(worked);
+    EXPECT_EQ(worked.error().kind, ErrorKind::LocalDiskFull);
+}
+
+TEST_F(KeptFiles, AFolderUploadShowsThatItRunsBeforeItsFirstFile)
+{
+    servers::writeFile(folder.path() / "web" / "f", "neu");
+    ftp::Client &client = connect();
+    server.on({ .verb = "MKD", .action = Rule::Drop }); // the end comes before any file
+    EXPECT_FALSE(run(ftp::putTree(client, local("web"), "/neu", Type::Binary)));
+    EXPECT_FALSE(m_client->progress().empty());
+    EXPECT_TRUE(server.lines("STOR").empty());
 }
 
 TEST_F(KeptFiles, ALineLostWhileAFolderIsRemovedLeavesNothingStanding)

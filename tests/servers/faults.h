@@ -79,7 +79,8 @@ struct Faults {
     Shared<std::string> passiveAddress; ///< told in 227, as "10,9,9,9"; empty = the true one
     Shared<bool> deadPassivePort; ///< nobody listens on the port that is told
     Shared<bool> forgetRestart; ///< REST is answered with 350, but the file starts at 0
-    Shared<bool> optionIsName; ///< "LIST -a" lists the file "-a", which is none: nothing
+    Shared<bool> optionIsName; ///< "LIST -a" lists the file "-a", which is none: optionAnswer
+    Shared<std::string> optionAnswer;
     Shared<std::string> listing; ///< sent verbatim for LIST when not empty
     Shared<std::string> machineListing; ///< the same for MLSD
 

@@ -180,7 +180,7 @@ void FaultSession::list(const std::string &argument)
         path.erase(0, path.starts_with("-a ") ? 3 : 2);
     }
     if (hidden && m_fault.optionIsName.get()) {
-        sendListing({});
+        sendListing(m_fault.optionAnswer.get());
         return;
     }
     const std::string fixed = m_fault.listing.get();
