@@ -52,8 +52,8 @@ void Crew::note(const std::string &text) const
 
 void Crew::failed(const Error &error)
 {
-    if (!m_firstError) {
-        m_firstError = error;
+    if (!m_firstError || (hopeless(error.kind) && !hopeless(m_firstError->kind))) {
+        m_firstError = error; // what ended everything says more than a file that was refused
     }
     if (hopeless(error.kind)) {
         m_stopped = true;
@@ -206,7 +206,7 @@ Awaitable<void> Crew::dismiss()
 
 Awaitable<Status> Crew::run()
 {
-    m_meter.start();
+    announce();
     co_await workAlone();
     co_await dismiss();
     m_meter.finish();

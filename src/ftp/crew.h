@@ -30,7 +30,9 @@ public:
 
     Crew(Client &client, Worker worker, CrewRules rules = {});
 
-    /// Works until everything is done. @return the first failure
+    /// Tells that the work has begun, before there is anything to count.
+    void announce() { m_meter.start(); }
+    /// Works until everything is done. @return the failure that says most
     Awaitable<Status> run();
 
     /// Brings the client's session back to its folder, which its worker has left.

@@ -61,6 +61,7 @@ private:
 
 Awaitable<Status> TreePutter::run(std::string local, std::string remote)
 {
+    m_crew.announce(); // looking around and making folders takes its time, too
     Status ready = co_await survey(top(remote, std::move(local)));
     if (ready) {
         ready = co_await makeFolders();
