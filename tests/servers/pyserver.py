@@ -51,6 +51,7 @@ Handler.timeout = a.timeout
 server = FTPServer((a.address, a.port), Handler)
 server.max_cons = 4096
 server.max_cons_per_ip = a.max_per_ip
+os.chdir("/")  # it goes back there after every command, also as somebody who may not enter this folder
 if a.uid is not None:
     os.setgroups([])
     os.setgid(a.gid)
