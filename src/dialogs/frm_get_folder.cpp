@@ -95,15 +95,13 @@ void frm_get_folder::buildLayout()
     m_model->setFilter(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
     m_model->setIconProvider(m_icons.get());
     m_model->setRootPath(u"/"_s);
-    // Folders are read aside; rows that come in late push the shown folder out of sight.
-    connect(m_model, &QFileSystemModel::directoryLoaded, this, [this](const QString &read) {
-        const QRect row = m_Dir1->visualRect(m_Dir1->currentIndex());
-        if (shownFolder() != read && isOnDrive(shownFolder(), read)
-            && !m_Dir1->viewport()->rect().contains(row)) {
-            m_Dir1->scrollTo(m_Dir1->currentIndex(), QAbstractItemView::PositionAtCenter);
-            m_Dir1->horizontalScrollBar()->setValue(0);
-        }
-    });
+    // Folders are read aside, and sorted still later; rows that come in then push the shown folder
+    // out of sight, which stays there until the user scrolls.
+    connect(m_model, &QFileSystemModel::directoryLoaded, this, &frm_get_folder::keepInSight);
+    connect(m_model, &QFileSystemModel::layoutChanged, this, &frm_get_folder::keepInSight,
+            Qt::QueuedConnection);
+    connect(m_Dir1->verticalScrollBar(), &QScrollBar::actionTriggered, this,
+            [this] { m_keepsInSight = false; });
     m_Dir1->setObjectName(u"Dir1"_s);
     m_Dir1->setModel(m_model);
     m_Dir1->setHeaderHidden(true);
@@ -176,12 +174,22 @@ QString frm_get_folder::shownFolder() const
 void frm_get_folder::showFolder(const QString &folder)
 {
     selectDriveOf(folder);
+    m_keepsInSight = true;
     const QModelIndex index = m_model->index(folder);
     m_Dir1->setCurrentIndex(index);
     m_Dir1->expand(index);
     m_Dir1->scrollTo(index, QAbstractItemView::PositionAtCenter);
     m_Dir1->horizontalScrollBar()->setValue(0);
     m_tx_pfad->setText(folder);
+}
+
+void frm_get_folder::keepInSight()
+{
+    const QRect row = m_Dir1->visualRect(m_Dir1->currentIndex());
+    if (m_keepsInSight && !m_Dir1->viewport()->rect().contains(row.center())) {
+        m_Dir1->scrollTo(m_Dir1->currentIndex(), QAbstractItemView::PositionAtCenter);
+        m_Dir1->horizontalScrollBar()->setValue(0);
+    }
 }
 
 void frm_get_folder::selectDriveOf(const QString &folder)

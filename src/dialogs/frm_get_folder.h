@@ -33,6 +33,7 @@ private:
     [[nodiscard]] QLayout *driveRow();
     [[nodiscard]] QLayout *buttonRow();
     void showFolder(const QString &folder);
+    void keepInSight();
     void showDrive(int index);
     void selectDriveOf(const QString &folder);
     void makeFolder();
@@ -46,4 +47,5 @@ private:
     QComboBox *m_Drive1;
     QTreeView *m_Dir1;
     QLineEdit *m_tx_pfad;
+    bool m_keepsInSight = true; ///< the shown folder; until the user scrolls
 };
