@@ -184,7 +184,7 @@ class Morning:
         u.goes_to_remote("/", "index.html")
 
     def edit_page(self):
-        """Fetch to view, edit the copy, put it back over the old one."""
+        """Fetch to view, edit the copy, let the program send it back."""
         u, p = self.user, self.program
         p.select("lvwRemote", ["impressum.html"])
         p.click("tbToolBar_rem/ViewFile")
@@ -195,10 +195,12 @@ class Morning:
         expect("fetched", copy.read_bytes(), (self.space / "impressum.html").read_bytes())
         changed = page("Impressum", "Gartenfreunde Sonnental e. V., Gießkannenweg 3")
         copy.write_text(changed)
-        u.goes_to_local(copy.parent, "impressum.html")
-        u.transfers("lvwLocal", ["impressum.html"], [("impressum.html", u.overwrites)])
-        expect("the edited page", (self.space / "impressum.html").read_text(), changed)
-        u.goes_to_local(self.local, "site")
+        box = p.wait("the question about the edited page", p.box)
+        expect("the question", box["text"], "/impressum.html\nwurde geändert – zum Server zurückspielen?")
+        p.answer("Ja")
+        p.wait("the edited page on the server",
+               lambda: (self.space / "impressum.html").read_text() == changed)
+        u.idle()
 
     def rename(self):
         u, p = self.user, self.program
