@@ -13,6 +13,7 @@
 #include "ftp/ftpcontrol.h"
 
 #include <QApplication>
+#include <QTranslator>
 
 #include <cstdio>
 #include <memory>
