@@ -26,6 +26,7 @@ protected:
     {
         std::string why;
         if (!RealProxy::canRun(GetParam().proxy, &why)) {
+            // The one reason allowed: this account cannot run that proxy, which is reported.
             GTEST_SKIP() << why;
         }
         proxy = std::make_unique<RealProxy>(GetParam().proxy);

@@ -15,6 +15,7 @@ protected:
     {
         std::string why;
         if (!servers::canRun(GetParam(), &why)) {
+            // The one reason allowed: this account cannot run that server, which is reported.
             GTEST_SKIP() << why;
         }
         server = std::make_unique<servers::Server>(GetParam());

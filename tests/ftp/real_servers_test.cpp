@@ -41,6 +41,7 @@ protected:
     {
         std::string why;
         if (!servers::canRun(GetParam().kind, &why)) {
+            // The one reason allowed: this account cannot run that server, which is reported.
             GTEST_SKIP() << why;
         }
         servers::Options options;

@@ -22,6 +22,7 @@ protected:
         Base::SetUp();
         std::string why;
         if (!canRun(this->GetParam(), &why)) {
+            // The one reason allowed: this account cannot run that server, which is reported.
             GTEST_SKIP() << why;
         }
     }
