@@ -3,7 +3,9 @@
 #include "ftp/engine_thread.h"
 #include "ftp/ftpconvert.h"
 
+#include <QDeadlineTimer>
 #include <QMetaObject>
+#include <QTimer>
 #include <asio/post.hpp>
 #include <asio/redirect_error.hpp>
 #include <asio/use_awaitable.hpp>
@@ -11,15 +13,57 @@
 void FtpBridge::post(std::function<void()> work)
 {
     const std::lock_guard lock(m_mutex);
-    if (m_control != nullptr) {
-        QMetaObject::invokeMethod(m_control, std::move(work), Qt::QueuedConnection);
+    if (m_control == nullptr) {
+        return;
     }
+    m_waiting.push_back(std::move(work));
+    if (!std::exchange(m_awake, true)) {
+        QMetaObject::invokeMethod(
+            m_control, [self = shared_from_this()] { self->deliver(); }, Qt::QueuedConnection);
+    }
+}
+
+/// Qt handles all posted events before it looks at a timer, so a busy engine could hold up the
+/// window for seconds: what takes longer than one turn goes on by a timer.
+void FtpBridge::deliver()
+{
+    constexpr int turn = 8; // milliseconds; half the time a screen needs for one picture
+    {
+        const std::lock_guard lock(m_mutex);
+        m_awake = false;
+    }
+    const QDeadlineTimer end(turn, Qt::PreciseTimer);
+    while (!end.hasExpired()) {
+        const std::function<void()> work = takeNext();
+        if (!work) {
+            return;
+        }
+        work();
+    }
+}
+
+/// Sees to the rest before it hands one out: that one may open a message box and stay long.
+std::function<void()> FtpBridge::takeNext()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_waiting.empty()) {
+        return {};
+    }
+    std::function<void()> work = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    if (!m_waiting.empty() && !std::exchange(m_awake, true)) {
+        QTimer::singleShot(1, Qt::PreciseTimer, m_control,
+                           [self = shared_from_this()] { self->deliver(); });
+    }
+    return work;
 }
 
 void FtpBridge::detach()
 {
+    std::deque<std::function<void()>> dropped; // ends outside the lock, with all it holds
     const std::lock_guard lock(m_mutex);
     m_control = nullptr;
+    dropped.swap(m_waiting);
 }
 
 void FtpBridge::event(int status, QString text, std::int64_t bytes, std::int64_t total)

@@ -4,6 +4,7 @@
 #include "ftp/ftpcontrol.h"
 
 #include <atomic>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -17,7 +18,8 @@ public:
     {
     }
 
-    /// Runs something on the control's thread, unless the control is gone.
+    /// Runs something on the control's thread, after everything posted before, unless the control
+    /// is gone. However much is waiting, that thread gets round to its timers and its painting.
     void post(std::function<void()> work);
     void detach(); ///< the control goes away
 
@@ -32,6 +34,11 @@ private:
     void event(int status, QString text, std::int64_t bytes, std::int64_t total);
     ftp::Awaitable<ftp::Trust> ask(ftp::CertificateQuestion asked);
 
-    std::mutex m_mutex;
+    void deliver();
+    std::function<void()> takeNext();
+
+    std::mutex m_mutex; ///< of all that follows
     FtpControl *m_control;
+    std::deque<std::function<void()>> m_waiting;
+    bool m_awake = false; ///< a call of deliver() is on its way
 };
