@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTest>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -165,6 +166,33 @@ TEST(ProgressPanel, ShowsTheModel)
     model.setMaximumFor(8 * GiB);
     ASSERT_TRUE(model.report(bytes(15, 2 * GiB), {}));
     EXPECT_NEAR(static_cast<double>(bar->value()) / bar->maximum(), 0.25, 1e-6);
+}
+
+TEST(ProgressPanel, PaintsWhenTheWindowDoesAndNotForEveryValue)
+{
+    class Paintings : public QObject {
+    public:
+        int count = 0;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            count += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+    } paintings;
+    ProgressModel model;
+    ProgressPanel panel(model);
+    auto *bar = panel.findChild<QProgressBar *>(u"Progress"_s);
+    panel.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&panel));
+    model.setMaximumFor(100);
+    QCoreApplication::processEvents();
+    bar->installEventFilter(&paintings);
+    for (int percent = 1; percent <= 100; ++percent) {
+        ASSERT_TRUE(model.report(bytes(14, percent), {}));
+    }
+    EXPECT_EQ(paintings.count, 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return paintings.count > 0; }));
+    EXPECT_EQ(bar->value(), 100);
 }
 
 TEST(ProgressPanel, AbortIsOffUntilItIsSwitchedOn)
