@@ -3,6 +3,7 @@
 #include "ftp/session.h"
 
 #include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
 #include <memory>
 #include <string>
 
@@ -11,7 +12,7 @@ namespace ftp {
 /// The second connection, which carries listings and files (RFC 959, section 3.2; RFC 2428).
 ///
 /// Order of use: command() is sent, begin() takes its reply, the transfer command follows, and
-/// establish() waits until bytes may flow.
+/// establish() waits until the connection stands. Who sends waits for permission() as well.
 class DataConnection {
 public:
     explicit DataConnection(Session &session);
@@ -31,6 +32,13 @@ public:
     /// Waits until the connection stands and is encrypted if the session is.
     Awaitable<Status> establish();
 
+    /// Waits until the server may be sent bytes. Some take bytes, or the end of an empty file, that
+    /// come before they have read the transfer command for a lost connection; they are sent nothing
+    /// before permit(). Servers known to keep the order of things need not be waited for.
+    Awaitable<void> permission();
+    /// The preliminary reply has come.
+    void permit();
+
     /// Active mode: the server connects to us.
     [[nodiscard]] bool listens() const { return m_acceptor != nullptr; }
     [[nodiscard]] Stream &stream() { return *m_stream; }
@@ -49,6 +57,8 @@ private:
     std::unique_ptr<Stream> m_stream;
     std::unique_ptr<asio::ip::tcp::acceptor> m_acceptor;
     bool m_connecting = false;
+    asio::steady_timer m_permission; ///< cancelled when m_permitted changes
+    bool m_permitted = false;
 };
 
 } // namespace ftp

@@ -130,7 +130,7 @@ Awaitable<Status> Session::openOnce()
     if (overtakes || knownToStumble(m_greeting)) {
         m_knowledge->noPipelining = true;
     }
-    m_knowledge->keepsOrder = knownToKeepOrder(m_greeting);
+    m_knowledge->keepsOrder = !overtakes && knownToKeepOrder(m_greeting);
     if (m_greeting.find("pyftpdlib") != std::string::npos) {
         m_knowledge->noLookAhead = true;
     }

@@ -114,6 +114,7 @@ Awaitable<Status> sendFile(Session &session, DataConnection &data, const Outgoin
     if (!step) {
         co_return step;
     }
+    co_await data.permission();
     step = co_await pumpBlocks(session, data.stream(), file, offset, type, meter);
     if (!step) {
         co_return step;
@@ -169,6 +170,7 @@ Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
                                            : Result<std::int64_t>(refusal(*answer)))
                          : Result<std::int64_t>(tl::unexpected(answer.error()));
     }
+    data.permit();
     Status sent = co_await pumping.join();
     Status finished
         = co_await finishTransfer(session, data, sent, patience(session.timeout(), file.size()));

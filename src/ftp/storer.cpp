@@ -143,9 +143,7 @@ Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &
     auto answer = co_await session.dialogue().reply();
     const bool begins = answer && answer->preliminary();
     job.begun = begins;
-    if (!begins) {
-        flow.data->abort();
-    }
+    begins ? flow.data->permit() : flow.data->abort();
     Status sent = co_await sending.join();
     meter.finish();
     if (!answer) {

@@ -48,11 +48,38 @@ TEST_F(KeptFiles, AnUploadIsNotContinuedOnAnOlderFile)
     servers::writeFile(server.root() / "web" / "f", std::string(10000, 'O'));
     servers::writeFile(folder.path() / "web" / "f", std::string(50000, 'N'));
     // The bytes are on their way already when the server breaks off before it took any.
+    server.fault.greeting = "220 (vsFTPd 3.0.3)";
     server.on({ .verb = "STOR", .action = Rule::Drop, .times = 1 });
     ftp::Client &client = connect();
     const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
     EXPECT_TRUE(put) << put.error().text;
     EXPECT_EQ(servers::readFile(server.root() / "web" / "f"), std::string(50000, 'N'));
+}
+
+TEST_F(KeptFiles, AServerThatMayDislikeEarlyBytesGetsThemAfterItsReply)
+{
+    server.fault.dislikesEarlyData = true;
+    servers::writeFile(folder.path() / "web" / "f", "inhalt");
+    servers::writeFile(folder.path() / "web" / "leer", "");
+    ftp::Client &client = connect();
+    const auto put = run(client.put(local("web/f"), "f", 0, Type::Binary));
+    EXPECT_TRUE(put) << put.error().text;
+    EXPECT_EQ(servers::readFile(server.root() / "f"), "inhalt");
+    const auto tree = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
+    EXPECT_TRUE(tree) << tree.error().text;
+    EXPECT_EQ(servers::readFile(server.root() / "web" / "f"), "inhalt");
+    EXPECT_TRUE(fs::exists(server.root() / "web" / "leer"));
+}
+
+TEST_F(KeptFiles, AServerKnownToBearEarlyBytesGetsThemAtOnce)
+{
+    server.fault.dislikesEarlyData = true;
+    server.fault.greeting = "220 (vsFTPd 3.0.3)";
+    servers::writeFile(folder.path() / "f", "inhalt");
+    ftp::Client &client = connect();
+    const auto put = run(client.put(local("f"), "f", 0, Type::Binary));
+    ASSERT_FALSE(put); // it only says that it is that server
+    EXPECT_EQ(put.error().replyCode, 425);
 }
 
 TEST_F(KeptFiles, AFolderThatNoCommandMayNameIsLeftOutAlone)

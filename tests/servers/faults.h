@@ -74,6 +74,8 @@ struct Faults {
     Shared<std::string> diskFullReply { "452 No space left on device" };
     Shared<int> faultyTransfers { -1 }; ///< only the next so many transfers do that; -1 = all
     Shared<bool> faultyListings; ///< listings are such transfers, too
+    Shared<bool>
+        dislikesEarlyData; ///< uploads: bytes that come before the 150 are a lost connection
     Shared<bool> noFinalReply; ///< the 226 never comes
     Shared<std::string> finalReply; ///< in place of the 226 of an otherwise good transfer
     Shared<std::string> passiveAddress; ///< told in 227, as "10,9,9,9"; empty = the true one

@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t blockSize = 65536;
+constexpr int earlyWait = 100; // milliseconds that a fast client's bytes have to betray it
 
 std::string withCarriageReturns(const std::string &text)
 {
@@ -124,6 +125,11 @@ std::unique_ptr<Stream> FaultSession::openData()
     }
     if (!handle) {
         reply("425 Failed to establish connection.");
+        return nullptr;
+    }
+    if (pollfd early { handle.get(), POLLIN, 0 };
+        m_fault.dislikesEarlyData.get() && poll(&early, 1, earlyWait) > 0) {
+        reply("425 The data connection was lost.");
         return nullptr;
     }
     reply("150 Here it comes.");
