@@ -17,6 +17,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -55,27 +56,35 @@ public:
 
     int exec()
     {
-        const auto loaded = loadProgramState(m_store, FolderSources::ofThisUser(), m_globals);
-        if (!loaded) {
-            m_prompts.message(loaded.error().text());
-            return 1;
-        }
-        m_ftp.setTrustFile(trustFile(m_store));
         frm_info info(m_globals, m_addresses.addresses, m_prompts, openWithDesktop);
         // Between the two windows there is none; the program must not end there.
         QApplication::setQuitOnLastWindowClosed(false);
         QObject::connect(
-            &info, &frm_info::closed, &info, [this] { start(); },
+            &info, &frm_info::closed, &info, [this] { load() ? start() : QApplication::exit(1); },
             Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
         info.show();
         return QApplication::exec();
     }
 
 private:
+    /// Not before the info screen has closed: nothing is read or made while it stands.
+    /// @return whether the program can go on; why not was told
+    [[nodiscard]] bool load()
+    {
+        m_store.emplace();
+        const auto loaded = loadProgramState(*m_store, FolderSources::ofThisUser(), m_globals);
+        if (!loaded) {
+            m_prompts.message(loaded.error().text());
+            return false;
+        }
+        m_ftp.setTrustFile(trustFile(*m_store));
+        return true;
+    }
+
     void start()
     {
         m_window = std::make_unique<frm_tarvelo>(WindowServices { m_globals, m_ftp, m_prompts,
-                                                                  m_store, m_addresses.addresses,
+                                                                  *m_store, m_addresses.addresses,
                                                                   m_commandLine, &m_notifier });
         m_prompts.setWindow(m_window.get()); // also while another program is in front
         m_window->show();
@@ -100,7 +109,7 @@ private:
     QString m_commandLine;
     AddressesRead m_addresses;
     Globals m_globals;
-    SettingsStore m_store;
+    std::optional<SettingsStore> m_store; ///< from the end of the info screen on
     QtPrompts m_prompts;
     FtpControl m_ftp;
     HelpKeyFilter m_help;

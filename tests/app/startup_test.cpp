@@ -67,30 +67,30 @@ TEST_F(StartUp, TheWorkingFoldersAreMade)
 TEST_F(StartUp, StoredValuesAreRead)
 {
     const QString secret = u"gehéim"_s;
-    store.save(u"Properties"_s,
-               { { u"LogFolder"_s, u"/var/logs"_s },
-                 { u"LogName"_s, u"False"_s },
-                 { u"ErrorMsg"_s, u"1"_s },
-                 { u"HtmlRoot"_s, u"/html"_s },
-                 { u"HiddenFile"_s, u"TRUE"_s } });
-    store.save(u"Settings"_s,
-               { { u"RemoteHost"_s, u"files01"_s },
-                 { u"UserName"_s, u"web01"_s },
-                 { u"Password"_s, ScramblePassword(secret, true) },
-                 { u"RemoteDir"_s, u"/html"_s },
-                 { u"LocalDir"_s, u"/home/anna"_s },
-                 { u"TransferType"_s, u"2"_s },
-                 { u"Passive"_s, u"False"_s },
-                 { u"Timeout"_s, u"45"_s },
-                 { u"RemotePort"_s, u"2100"_s },
-                 { u"Lastconnect"_s, u"Heim"_s },
-                 { u"Account"_s, u"konto"_s },
-                 { u"Bemerkungen"_s, u"a\r\nb"_s },
-                 { u"ProxyType"_s, u"3"_s },
-                 { u"ProxyHost"_s, u"proxy"_s },
-                 { u"ProxyUsername"_s, u"pu"_s },
-                 { u"ProxyPassword"_s, u"^_`"_s },
-                 { u"ProxyPort"_s, u"1080"_s } });
+    ASSERT_TRUE(store.save(u"Properties"_s,
+                           { { u"LogFolder"_s, u"/var/logs"_s },
+                             { u"LogName"_s, u"False"_s },
+                             { u"ErrorMsg"_s, u"1"_s },
+                             { u"HtmlRoot"_s, u"/html"_s },
+                             { u"HiddenFile"_s, u"TRUE"_s } }));
+    ASSERT_TRUE(store.save(u"Settings"_s,
+                           { { u"RemoteHost"_s, u"files01"_s },
+                             { u"UserName"_s, u"web01"_s },
+                             { u"Password"_s, ScramblePassword(secret, true) },
+                             { u"RemoteDir"_s, u"/html"_s },
+                             { u"LocalDir"_s, u"/home/anna"_s },
+                             { u"TransferType"_s, u"2"_s },
+                             { u"Passive"_s, u"False"_s },
+                             { u"Timeout"_s, u"45"_s },
+                             { u"RemotePort"_s, u"2100"_s },
+                             { u"Lastconnect"_s, u"Heim"_s },
+                             { u"Account"_s, u"konto"_s },
+                             { u"Bemerkungen"_s, u"a\r\nb"_s },
+                             { u"ProxyType"_s, u"3"_s },
+                             { u"ProxyHost"_s, u"proxy"_s },
+                             { u"ProxyUsername"_s, u"pu"_s },
+                             { u"ProxyPassword"_s, u"^_`"_s },
+                             { u"ProxyPort"_s, u"1080"_s } }));
     store.setInteger(OwnSettings::Security, u"Encryption"_s, 1);
     store.setInteger(OwnSettings::Security, u"Connections"_s, 2);
     store.setInteger(OwnSettings::Connection, u"Encryption"_s, 2);
@@ -145,6 +145,19 @@ TEST_F(StartUp, TheFirstValueThatCannotBeReadEndsIt)
     ASSERT_FALSE(result);
     EXPECT_EQ(result.error().key, u"Properties/HiddenFile"_s);
     EXPECT_EQ(store.text(u"Properties"_s, u"HiddenFile"_s), u"vielleicht"_s);
+}
+
+TEST_F(StartUp, FoldersSettingsAndFlagsHaveTheirOrder)
+{
+    // A value that cannot be read stops it behind the profile folder and before all the rest.
+    store.setText(u"Settings"_s, u"Timeout"_s, u"bald"_s);
+    globals.session.DialogCancelled = false;
+    globals.session.ConnectionLost = true;
+    ASSERT_FALSE(loadProgramState(store, sources, globals));
+    EXPECT_TRUE(QFileInfo(base.filePath(u"bin/mo_def"_s)).isDir());
+    EXPECT_FALSE(QFileInfo::exists(base.filePath(u"tmp/tarvelo_ftp_temp"_s)));
+    EXPECT_FALSE(globals.session.DialogCancelled);
+    EXPECT_TRUE(globals.session.ConnectionLost);
 }
 
 TEST_F(StartUp, EveryTypedKeyIsChecked)

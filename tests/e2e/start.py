@@ -25,17 +25,25 @@ class Starts:
         self._runs = 0
 
     @contextlib.contextmanager
-    def started(self, *words):
-        """The program with an empty home, behind its info screen. It must end well and in silence."""
+    def info_screen(self, *words):
+        """The program with an empty home, at its info screen."""
         self._runs += 1
-        home = self._folder / f"home{self._runs}"
-        home.mkdir()
-        path, self.notes = opener(home)
-        with Program(self._arguments.program, self._arguments.driver, words, home, self._display,
-                     variables={"PATH": f"{path}:/usr/bin:/bin"}) as program:
+        self.home = self._folder / f"home{self._runs}"
+        self.home.mkdir()
+        self.settings = self.home / "XDG_CONFIG_HOME" / "Tarvelo FTP" / "Tarvelo FTP.ini"
+        path, self.notes = opener(self.home)
+        with Program(self._arguments.program, self._arguments.driver, words, self.home,
+                     self._display, variables={"PATH": f"{path}:/usr/bin:/bin"}) as program:
             user = User(program)
             user.sees("frm_info")
             expect("windows beside the info screen", user.windows(), ["frm_info"])
+            yield user
+
+    @contextlib.contextmanager
+    def started(self, *words):
+        """The same behind its info screen. It must end well and in silence."""
+        with self.info_screen(*words) as user:
+            program = user.program
             program.close("frm_info")
             user.sees("frmConnect")
             yield user
@@ -60,6 +68,43 @@ class Starts:
             expect("windows after the second end", user.windows(), ["frm_tarvelo"])
             p.click("img_ampel_rot")
             user.sees("frmConnect")
+
+    def writes_settings(self, text):
+        self.settings.parent.mkdir(mode=0o700, parents=True)
+        self.settings.write_text(text)
+
+    def settings_are_read_behind_the_info_screen(self):
+        with self.info_screen() as user:
+            p = user.program
+            temporary = self.home / "TEMP" / "tarvelo_ftp_temp"
+            expect("files beside the info screen",
+                   (self.settings.parent.exists(), temporary.exists()), (False, False))
+            self.writes_settings("[Settings]\nRemoteHost=files01\n")
+            p.close("frm_info")
+            user.sees("frmConnect")
+            expect("server's name", p.text("txtRemoteHost"), "files01")
+            expect("temporary folder", temporary.is_dir(), True)
+            p.close("frmConnect")
+            user.no_longer_sees("frmConnect")
+            p.close("frm_tarvelo")
+            expect("exit code", p.end(), 0)
+
+    def unreadable_setting_ends_the_program(self):
+        """One box that names file and entry; nothing is repaired, no window opens."""
+        with self.info_screen() as user:
+            p = user.program
+            text = "[Settings]\nRemoteHost=files01\nTimeout=bald\n"
+            self.writes_settings(text)
+            p.close("frm_info")
+            box = p.wait("the box", p.box)
+            expect("box", (box["class"], box["text"]), (
+                "QMessageBox", "In der Datei mit den Einstellungen steht ein Wert, der nicht gelesen "
+                f"werden kann.\nDatei: {self.settings}\nEintrag: Settings/Timeout\nWert: bald"))
+            expect("windows", [name for name in user.windows() if name.startswith("frm")], [])
+            p.answer("OK")
+            expect("exit code", p.end(), 1)
+            expect("console", p.output(), "")
+            expect("settings", self.settings.read_text(), text)
 
     def address_fills_the_dialog(self, scheme, encryption):
         """Nobody is called: at the address waits a server that must stay alone."""
@@ -99,6 +144,8 @@ class Starts:
 
     def run(self):
         self.info_screen_starts_once()
+        self.settings_are_read_behind_the_info_screen()
+        self.unreadable_setting_ends_the_program()
         self.address_fills_the_dialog("ftp", "Wie in den Programmeinstellungen")
         self.address_fills_the_dialog("ftpes", "Immer")
         self.refused_address()
