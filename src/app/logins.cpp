@@ -30,7 +30,15 @@ void Logins::show_login()
     }
     m_window.showTransferType();
     m_window.setRememberButtonsEnabled(!m_globals.session.Lastconnect.isEmpty());
+    connect();
+}
+
+void Logins::connect()
+{
     m_window.ConnectSequence();
+    if (const auto saved = m_store.sync(); !saved) {
+        m_shell.AppendLog(saved.error().text() + u"\r\n"_s);
+    }
     enterStartFolders();
 }
 
@@ -62,11 +70,10 @@ void Logins::load_commands(const QString &commandLine)
     saveConnection();
     m_window.setProxy(proxyOf(m_globals.connection));
     m_globals.session.Lastconnect.clear();
-    m_store.save(u"Settings"_s, { { u"Lastconnect"_s, {} } });
+    save({ { u"Lastconnect"_s, {} } });
     m_window.setRememberButtonsEnabled(false); // there is no profile to write into
 
-    m_window.ConnectSequence();
-    enterStartFolders();
+    connect();
     if (!trimBlanks(connection->LocalDir).isEmpty() && EnsureFolder(connection->LocalDir, false)) {
         m_window.selectLocalRowsFromSecond();
     }
@@ -81,5 +88,11 @@ void Logins::saveConnection()
 {
     const ConnectionProfile &connection = m_globals.connection;
     m_store.setInteger(OwnSettings::Connection, u"Encryption"_s, connection.encryption);
-    m_store.save(u"Settings"_s, connectionSettings(connection));
+    save(connectionSettings(connection));
+}
+
+void Logins::save(const SettingsValues &values)
+{
+    ignoreError(m_store.save(u"Settings"_s, values),
+                "told after the connect, which begins a new log");
 }

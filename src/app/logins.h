@@ -1,10 +1,11 @@
 #pragma once
 
+#include "common/settingsstore.h"
+
 #include <QString>
 
 class Pane;
 class Prompts;
-class SettingsStore;
 class Shell;
 struct FtpProxy;
 struct Globals;
@@ -43,8 +44,10 @@ public:
     void load_commands(const QString &commandLine);
 
 private:
+    void connect(); ///< the same for both; also tells when the connection could not be saved
     void enterStartFolders();
     void saveConnection();
+    void save(const SettingsValues &values);
 
     Globals &m_globals;
     SettingsStore &m_store;

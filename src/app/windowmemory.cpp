@@ -49,7 +49,7 @@ void WindowMemory::save(const RememberedParts &parts) const
         }
     }
     m_store.setBytes(group, parts.queue.objectName(), parts.queue.header()->saveState());
-    m_store.sync();
+    ignoreError(m_store.sync(), "the window is closing; the next one opens in its first size");
 }
 
 void WindowMemory::restore(const RememberedParts &parts) const

@@ -47,6 +47,9 @@ std::optional<double> wholeTextAsNumber(const QString &text)
 
 QString SettingsError::text() const
 {
+    if (whileSaving) {
+        return u"Die Einstellungen konnten nicht gespeichert werden: %1"_s.arg(file);
+    }
     if (key.isEmpty()) {
         return u"Die Datei mit den Einstellungen kann nicht gelesen werden:\n%1"_s.arg(file);
     }
@@ -174,7 +177,7 @@ void SettingsStore::setBytes(const QString &section, const QString &key, const Q
     m_settings.setValue(path(section, key), value);
 }
 
-bool SettingsStore::save(const QString &section, const SettingsValues &values)
+SettingsResult<void> SettingsStore::save(const QString &section, const SettingsValues &values)
 {
     for (const auto &[key, value] : values) {
         setText(section, key, value);
@@ -182,8 +185,11 @@ bool SettingsStore::save(const QString &section, const SettingsValues &values)
     return sync();
 }
 
-bool SettingsStore::sync()
+SettingsResult<void> SettingsStore::sync()
 {
     m_settings.sync();
-    return m_settings.status() != QSettings::AccessError;
+    if (m_settings.status() == QSettings::AccessError) {
+        return tl::unexpected(SettingsError { m_file, {}, {}, true });
+    }
+    return {};
 }

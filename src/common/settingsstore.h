@@ -12,12 +12,16 @@ struct SettingsError {
     QString file; ///< path of the settings file
     QString key; ///< section and key, "Settings/Timeout"; empty when the file itself is the problem
     QString value; ///< what stands there
+    bool whileSaving = false; ///< the file could not be written
 
-    /// German sentence naming file and key, for a message box.
+    /// German sentence naming file and key, for a message box or the log.
     [[nodiscard]] QString text() const;
 };
 
 template <class T> using SettingsResult = tl::expected<T, SettingsError>;
+
+/// Goes on although the settings could not be saved; the reason stands where it is called.
+inline void ignoreError(const SettingsResult<void> &, const char * /*reason*/) { }
 
 /// Keys and values of one section, in the order in which they are saved.
 using SettingsValues = QList<QPair<QString, QString>>;
@@ -69,10 +73,10 @@ public:
     void setBytes(const QString &section, const QString &key, const QByteArray &value);
 
     /// Sets the values one after the other and writes the file.
-    /// @return whether the file could be written
-    bool save(const QString &section, const SettingsValues &values);
-    /// Writes what was set since the last time. @return whether the file could be written
-    bool sync();
+    /// @return the file as the error when it could not be written; the values hold all the same
+    [[nodiscard]] SettingsResult<void> save(const QString &section, const SettingsValues &values);
+    /// Writes what was set and not yet written; also once more what could not be written before.
+    [[nodiscard]] SettingsResult<void> sync();
 
 private:
     [[nodiscard]] QString path(const QString &section, const QString &key) const;

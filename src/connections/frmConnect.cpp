@@ -341,8 +341,9 @@ void frmConnect::saveSettings()
 {
     const ConnectionProfile &connection = m_globals.connection;
     m_services.store.setInteger(OwnSettings::Connection, u"Encryption"_s, connection.encryption);
-    m_services.store.save(
-        u"Settings"_s,
-        connectionSettings(connection) + proxySettings(connection)
-            + SettingsValues { { u"Lastconnect"_s, m_globals.session.Lastconnect } });
+    ignoreError(m_services.store.save(
+                    u"Settings"_s,
+                    connectionSettings(connection) + proxySettings(connection)
+                        + SettingsValues { { u"Lastconnect"_s, m_globals.session.Lastconnect } }),
+                "told after the connect, which begins a new log");
 }

@@ -254,12 +254,13 @@ void frm_einstellungen::confirm()
     SettingsStore &store = m_services.store;
     store.setInteger(OwnSettings::Security, u"Encryption"_s, settings.encryption);
     store.setInteger(OwnSettings::Security, u"Connections"_s, settings.connections);
-    // Intended: a store that cannot be written is not told; the settings hold for this run.
-    store.save(u"Properties"_s,
-               { { u"LogFolder"_s, settings.LogFolder },
-                 { u"LogName"_s, SettingsStore::fromBoolean(settings.LogName) },
-                 { u"ErrorMsg"_s, SettingsStore::fromBoolean(settings.ErrorMsg) },
-                 { u"HtmlRoot"_s, settings.HtmlRoot },
-                 { u"HiddenFile"_s, SettingsStore::fromBoolean(settings.HiddenFile) } });
+    ignoreError(
+        store.save(u"Properties"_s,
+                   { { u"LogFolder"_s, settings.LogFolder },
+                     { u"LogName"_s, SettingsStore::fromBoolean(settings.LogName) },
+                     { u"ErrorMsg"_s, SettingsStore::fromBoolean(settings.ErrorMsg) },
+                     { u"HtmlRoot"_s, settings.HtmlRoot },
+                     { u"HiddenFile"_s, SettingsStore::fromBoolean(settings.HiddenFile) } }),
+        "Intended: it is not told; the settings hold for this run");
     accept();
 }

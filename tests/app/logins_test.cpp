@@ -9,6 +9,7 @@
 #include "support/scriptedprompts.h"
 #include "support/storedkeys.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -220,4 +221,23 @@ TEST_F(LoginPaths, TooFewFieldsAreToldAndChangeNothing)
     EXPECT_EQ(globals.connection.RemoteHost, u"vorher"_s);
     EXPECT_TRUE(window.calls.isEmpty());
     EXPECT_EQ(store.text(u"Settings"_s, u"RemoteHost"_s, u"fehlt"_s), u"fehlt"_s);
+}
+
+TEST_F(LoginPaths, SettingsThatCannotBeSavedAreToldBehindTheConnect)
+{
+    QFile file(base.filePath(u"datei"_s)); // a file where the settings' folder should be
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    SettingsStore unwritable(file.fileName() + u"/settings.ini"_s);
+    const QString told
+        = u"Die Einstellungen konnten nicht gespeichert werden: "_s + unwritable.file() + u"\r\n"_s;
+    Logins unlucky(globals, unwritable, prompts, shell, local, window);
+    window.whileConnecting = [this] { shell.log.clear(); }; // each connect begins a new log
+
+    expectFinalMessage();
+    unlucky.load_commands(fields({}, u"/html"_s));
+    EXPECT_EQ(shell.log, told);
+
+    unwritable.setText(u"Settings"_s, u"RemoteHost"_s, u"files02"_s); // as the dialog does
+    unlucky.show_login();
+    EXPECT_EQ(shell.log, told);
 }

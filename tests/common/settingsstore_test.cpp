@@ -247,6 +247,18 @@ TEST_F(Store, AFolderInPlaceOfTheFileIsAnErrorOfTheFile)
     EXPECT_FALSE(store.save(u"Settings"_s, { { u"RemoteHost"_s, u"files01"_s } }));
 }
 
+TEST_F(Store, AFileThatCannotBeWrittenIsNamed)
+{
+    write("keine Mappe");
+    SettingsStore store(file + u"/Tarvelo FTP.ini"_s);
+    const auto saved = store.save(u"Settings"_s, { { u"RemoteHost"_s, u"files01"_s } });
+    ASSERT_FALSE(saved);
+    EXPECT_EQ(saved.error().text(),
+              u"Die Einstellungen konnten nicht gespeichert werden: "_s + store.file());
+    EXPECT_FALSE(store.sync()); // still not written
+    EXPECT_EQ(store.text(u"Settings"_s, u"RemoteHost"_s), u"files01"_s);
+}
+
 TEST_F(Store, ABinaryFileGivesDefaultsAndNoCrash)
 {
     QByteArray noise;
