@@ -1,23 +1,17 @@
+// The connection dialog: its rows, and the fields as a whole.
 #include "connections/frmConnect.h"
 
 #include "common/globals.h"
-#include "common/mo_standard.h"
-#include "common/prompts.h"
-#include "common/settingsstore.h"
-#include "connections/connectionsettings.h"
 #include "connections/connecttabs.h"
 #include "connections/formparts.h"
 
 #include <QComboBox>
-#include <QCompleter>
 #include <QCoreApplication>
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSignalBlocker>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -157,89 +151,6 @@ ProfileFields frmConnect::fields() const
     return fields;
 }
 
-void frmConnect::fillProfiles()
-{
-    {
-        const QSignalBlocker quiet(m_cbo_profil);
-        m_cbo_profil->addItems(m_profiles.names());
-        m_cbo_profil->setCurrentIndex(-1);
-        m_cbo_profil->clearEditText();
-    }
-    m_cbo_profil->setCurrentIndex(m_cbo_profil->findText(
-        m_globals.session.Lastconnect, Qt::MatchExactly | Qt::MatchCaseSensitive));
-}
-
-void frmConnect::filterName(const QString &typed)
-{
-    const QString filtered = filteredProfileName(typed);
-    if (filtered != typed) {
-        QLineEdit *edit = m_cbo_profil->lineEdit();
-        const int caret = edit->cursorPosition();
-        edit->setText(filtered);
-        edit->setCursorPosition(caret);
-    }
-}
-
-void frmConnect::onChosen(int index)
-{
-    if (index >= 0) {
-        readProfile();
-    }
-}
-
-void frmConnect::readProfile()
-{
-    const QString name = m_cbo_profil->currentText();
-    ProfileFields shown = fields();
-    if (m_profiles.read(name, shown) == 0) {
-        return;
-    }
-    // A short file fills some fields only; the others keep what they show and what they were.
-    ProfileFields unchanged = m_unchanged;
-    m_profiles.read(name, unchanged);
-    setFields(unchanged);
-    showFields(shown);
-}
-
-bool frmConnect::writeProfile()
-{
-    const QString name = m_cbo_profil->currentText();
-    if (trimBlanks(name).isEmpty()) {
-        m_services.prompts.message(
-            u"Geben Sie einen Namen an, unter dem Sie die Verbindung speichern möchten."_s);
-        m_cbo_profil->setFocus();
-        return false;
-    }
-    if (const auto written = m_profiles.write(name, fields()); !written) {
-        m_services.prompts.message(written.error());
-        return false;
-    }
-    m_unchanged = fields();
-    const QSignalBlocker quiet(m_cbo_profil);
-    // A name in other case is the same profile, whose own spelling stays.
-    if (m_cbo_profil->findText(name, Qt::MatchFixedString) < 0) {
-        m_cbo_profil->addItem(name);
-    }
-    m_cbo_profil->setCurrentIndex(m_cbo_profil->findText(name, Qt::MatchFixedString));
-    return true;
-}
-
-void frmConnect::onNew()
-{
-    {
-        const QSignalBlocker quiet(m_cbo_profil);
-        m_cbo_profil->setCurrentIndex(-1);
-        m_cbo_profil->clearEditText();
-    }
-    const ProfileFields before = fields();
-    ProfileFields fresh;
-    // Intended: account and remarks stay.
-    fresh.Account = before.Account;
-    fresh.Bemerkungen = before.Bemerkungen;
-    showFields(fresh);
-    m_cbo_profil->setFocus();
-}
-
 void frmConnect::onReset()
 {
     const ProfileFields before = fields();
@@ -251,28 +162,6 @@ void frmConnect::onReset()
     showFields(reset);
 }
 
-void frmConnect::onDelete()
-{
-    const QString name = m_cbo_profil->currentText();
-    if (trimBlanks(name).isEmpty()) {
-        m_services.prompts.message(u"Sie müssen eine Verbindung aus der Liste wählen"_s);
-        return;
-    }
-    if (!m_profiles.find(name)
-        || !m_services.prompts.question(
-            u"Sind Sie sicher, dass Sie die Verbindung löschen möchten."_s)) {
-        return;
-    }
-    if (!m_profiles.remove(name)) {
-        m_services.prompts.message(u"Die Verbindung konnte nicht gelöscht werden."_s);
-        return;
-    }
-    const QSignalBlocker quiet(m_cbo_profil);
-    m_cbo_profil->removeItem(m_cbo_profil->findText(name, Qt::MatchFixedString));
-    m_cbo_profil->setCurrentIndex(-1);
-    m_cbo_profil->clearEditText();
-}
-
 void frmConnect::onBrowse()
 {
     m_globals.folderChoice.PickedFolder = m_erweitert->txtLocalDir()->text();
@@ -280,70 +169,4 @@ void frmConnect::onBrowse()
     if (m_globals.folderChoice.FolderPicked) {
         m_erweitert->txtLocalDir()->setText(m_globals.folderChoice.PickedFolder);
     }
-}
-
-void frmConnect::onLogin()
-{
-    const bool save = fields() != m_unchanged
-        && m_services.prompts.question(
-            u"Möchten Sie die Änderungen an der Verbindung speichern?"_s);
-    if (save && !writeProfile()) {
-        return;
-    }
-    ConnectionProfile proxy;
-    m_proxy->collect(proxy);
-    m_services.handProxy(proxyOf(proxy));
-    if (!timeoutIsValid()) {
-        return;
-    }
-    takeConnection();
-    saveSettings();
-    m_globals.session.DialogCancelled = false;
-    accept();
-}
-
-bool frmConnect::timeoutIsValid()
-{
-    const double seconds = lenientNumber(m_erweitert->txtTimeout()->text());
-    if (seconds >= 1 && seconds <= 9999) {
-        return true;
-    }
-    // Intended: the text names 0 although 0 is refused.
-    m_services.prompts.message(u"Invalid Timeout Value. \n\nEnter a value between 0 and 9999"_s,
-                               u"Tarvelo FTP"_s, Prompts::Icon::Exclamation);
-    m_Tab1->setCurrentWidget(m_erweitert);
-    m_erweitert->txtTimeout()->setFocus();
-    m_erweitert->txtTimeout()->selectAll();
-    return false;
-}
-
-void frmConnect::takeConnection()
-{
-    const ProfileFields shown = fields();
-    ConnectionProfile &connection = m_globals.connection;
-    connection.RemoteHost = shown.RemoteHost;
-    connection.UserName = shown.UserName;
-    connection.Password = shown.Password;
-    connection.RemoteDir = shown.RemoteDir;
-    connection.LocalDir = shown.LocalDir;
-    connection.RemotePort = lenientInt(shown.RemotePort);
-    connection.TransferType = swappedTransferType(shown.TransferPosition);
-    connection.Passive = shown.Passive;
-    connection.Timeout = lenientInt(shown.Timeout);
-    connection.Account = shown.Account;
-    connection.Bemerkungen = shown.Bemerkungen;
-    connection.encryption = shown.encryption;
-    m_proxy->collect(connection);
-    m_globals.session.Lastconnect = m_cbo_profil->currentText();
-}
-
-void frmConnect::saveSettings()
-{
-    const ConnectionProfile &connection = m_globals.connection;
-    m_services.store.setInteger(OwnSettings::Connection, u"Encryption"_s, connection.encryption);
-    ignoreError(m_services.store.save(
-                    u"Settings"_s,
-                    connectionSettings(connection) + proxySettings(connection)
-                        + SettingsValues { { u"Lastconnect"_s, m_globals.session.Lastconnect } }),
-                "told after the connect, which begins a new log");
 }

@@ -1,0 +1,117 @@
+// The connection dialog's profiles: choosing, naming, saving and deleting them.
+#include "connections/frmConnect.h"
+
+#include "common/globals.h"
+#include "common/mo_standard.h"
+#include "common/prompts.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSignalBlocker>
+
+using namespace Qt::StringLiterals;
+
+void frmConnect::fillProfiles()
+{
+    {
+        const QSignalBlocker quiet(m_cbo_profil);
+        m_cbo_profil->addItems(m_profiles.names());
+        m_cbo_profil->setCurrentIndex(-1);
+        m_cbo_profil->clearEditText();
+    }
+    m_cbo_profil->setCurrentIndex(m_cbo_profil->findText(
+        m_globals.session.Lastconnect, Qt::MatchExactly | Qt::MatchCaseSensitive));
+}
+
+void frmConnect::filterName(const QString &typed)
+{
+    const QString filtered = filteredProfileName(typed);
+    if (filtered != typed) {
+        QLineEdit *edit = m_cbo_profil->lineEdit();
+        const int caret = edit->cursorPosition();
+        edit->setText(filtered);
+        edit->setCursorPosition(caret);
+    }
+}
+
+void frmConnect::onChosen(int index)
+{
+    if (index >= 0) {
+        readProfile();
+    }
+}
+
+void frmConnect::readProfile()
+{
+    const QString name = m_cbo_profil->currentText();
+    ProfileFields shown = fields();
+    if (m_profiles.read(name, shown) == 0) {
+        return;
+    }
+    // A short file fills some fields only; the others keep what they show and what they were.
+    ProfileFields unchanged = m_unchanged;
+    m_profiles.read(name, unchanged);
+    setFields(unchanged);
+    showFields(shown);
+}
+
+bool frmConnect::writeProfile()
+{
+    const QString name = m_cbo_profil->currentText();
+    if (trimBlanks(name).isEmpty()) {
+        m_services.prompts.message(
+            u"Geben Sie einen Namen an, unter dem Sie die Verbindung speichern möchten."_s);
+        m_cbo_profil->setFocus();
+        return false;
+    }
+    if (const auto written = m_profiles.write(name, fields()); !written) {
+        m_services.prompts.message(written.error());
+        return false;
+    }
+    m_unchanged = fields();
+    const QSignalBlocker quiet(m_cbo_profil);
+    // A name in other case is the same profile, whose own spelling stays.
+    if (m_cbo_profil->findText(name, Qt::MatchFixedString) < 0) {
+        m_cbo_profil->addItem(name);
+    }
+    m_cbo_profil->setCurrentIndex(m_cbo_profil->findText(name, Qt::MatchFixedString));
+    return true;
+}
+
+void frmConnect::onNew()
+{
+    {
+        const QSignalBlocker quiet(m_cbo_profil);
+        m_cbo_profil->setCurrentIndex(-1);
+        m_cbo_profil->clearEditText();
+    }
+    const ProfileFields before = fields();
+    ProfileFields fresh;
+    // Intended: account and remarks stay.
+    fresh.Account = before.Account;
+    fresh.Bemerkungen = before.Bemerkungen;
+    showFields(fresh);
+    m_cbo_profil->setFocus();
+}
+
+void frmConnect::onDelete()
+{
+    const QString name = m_cbo_profil->currentText();
+    if (trimBlanks(name).isEmpty()) {
+        m_services.prompts.message(u"Sie müssen eine Verbindung aus der Liste wählen"_s);
+        return;
+    }
+    if (!m_profiles.find(name)
+        || !m_services.prompts.question(
+            u"Sind Sie sicher, dass Sie die Verbindung löschen möchten."_s)) {
+        return;
+    }
+    if (!m_profiles.remove(name)) {
+        m_services.prompts.message(u"Die Verbindung konnte nicht gelöscht werden."_s);
+        return;
+    }
+    const QSignalBlocker quiet(m_cbo_profil);
+    m_cbo_profil->removeItem(m_cbo_profil->findText(name, Qt::MatchFixedString));
+    m_cbo_profil->setCurrentIndex(-1);
+    m_cbo_profil->clearEditText();
+}
