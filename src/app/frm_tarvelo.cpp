@@ -109,6 +109,8 @@ void frm_tarvelo::buildPanes()
 {
     m_local = new LocalPane(m_globals, this);
     m_remote = new RemotePane(m_services.ftp, m_globals, *this, this);
+    m_local->setObjectName(u"pane_lokal"_s); // the help knows the panes' pages by their names
+    m_remote->setObjectName(u"pane_server"_s);
     m_local->setToolBar(m_localBar.bar);
     m_remote->setToolBar(m_remoteBar.bar);
     m_rememberLocal = addRememberButton(*m_local, u"cmd_dir_merken_lokal"_s,

@@ -4,11 +4,10 @@
 #include "common/globals.h"
 #include "connections/connecttabs.h"
 #include "connections/formparts.h"
+#include "dialogs/helpkey.h"
 
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -115,10 +114,7 @@ QLayout *frmConnect::buttonRow()
     auto *login = button(u"cmdOK"_s, u"&Login"_s);
     auto *cancel = button(u"cmdCancel"_s, u"&Abbrechen"_s);
     login->setDefault(true);
-    connect(help, &QPushButton::clicked, this, [this] {
-        QCoreApplication::postEvent(this,
-                                    new QKeyEvent(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier));
-    });
+    connect(help, &QPushButton::clicked, this, [this] { postHelpKey(this); });
     connect(login, &QPushButton::clicked, this, &frmConnect::onLogin);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
 

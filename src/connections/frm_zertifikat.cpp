@@ -1,10 +1,10 @@
 #include "connections/frm_zertifikat.h"
 
-#include <QCoreApplication>
+#include "dialogs/helpkey.h"
+
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
@@ -138,10 +138,7 @@ QLayout *frm_zertifikat::buttons()
     connect(always, &QPushButton::clicked, this, [this] { trust(FtpTrust::Always); });
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     auto *help = button(u"cmd_hilfe"_s, u"&Hilfe"_s);
-    connect(help, &QPushButton::clicked, this, [this] {
-        QCoreApplication::postEvent(this,
-                                    new QKeyEvent(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier));
-    });
+    connect(help, &QPushButton::clicked, this, [this] { postHelpKey(this); });
     auto *row = new QHBoxLayout;
     row->setSpacing(6);
     row->addWidget(help);

@@ -60,6 +60,7 @@ ProxyTab::ProxyTab(QWidget *parent)
     , m_txtProxyPasswort(FormParts::passwordEdit(u"txtProxyPasswort"_s))
     , m_txtProxyPort(FormParts::numberEdit(u"txtProxyPort"_s))
 {
+    setObjectName(u"tab_proxy"_s); // the help knows the page by it
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(12, 12, 12, 12);
     column->setSpacing(12);

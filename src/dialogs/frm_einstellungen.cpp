@@ -2,13 +2,12 @@
 
 #include "common/globals.h"
 #include "common/settingsstore.h"
+#include "dialogs/helpkey.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -179,10 +178,7 @@ QLayout *frm_einstellungen::buttonRow()
     auto *done = button(u"cmd_ok"_s, u"Fertig"_s);
     auto *cancel = button(u"cmd_abbrechen"_s, u"&Abbrechen"_s);
     done->setDefault(true);
-    connect(help, &QPushButton::clicked, this, [this] {
-        QCoreApplication::postEvent(this,
-                                    new QKeyEvent(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier));
-    });
+    connect(help, &QPushButton::clicked, this, [this] { postHelpKey(this); });
     connect(done, &QPushButton::clicked, this, &frm_einstellungen::confirm);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     auto *row = new QHBoxLayout;

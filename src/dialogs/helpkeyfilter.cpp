@@ -1,14 +1,29 @@
 #include "dialogs/helpkeyfilter.h"
 
 #include "dialogs/frm_hilfe.h"
+#include "dialogs/helpkey.h"
 #include "dialogs/helppages.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QTabWidget>
 #include <QWidget>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Page of the tab that a window shows: its help button, and all else outside its tabs, means what
+/// the user looks at.
+QString pageOfOpenTab(const QWidget &window)
+{
+    const auto *tabs = window.isWindow() ? window.findChild<QTabWidget *>() : nullptr;
+    return tabs && tabs->currentWidget() ? helpPageOfControl(tabs->currentWidget()->objectName())
+                                         : QString();
+}
+
+} // namespace
 
 HelpKeyFilter::HelpKeyFilter(QObject *parent)
     : QObject(parent)
@@ -57,16 +72,15 @@ void sendHelpKey(QWidget *target)
         target = QApplication::topLevelWidgets().constFirst();
     }
     if (target) {
-        for (const QEvent::Type type : { QEvent::KeyPress, QEvent::KeyRelease }) {
-            QApplication::postEvent(target, new QKeyEvent(type, Qt::Key_F1, Qt::NoModifier));
-        }
+        postHelpKey(target);
     }
 }
 
 QString helpPageFor(const QWidget *widget)
 {
     for (; widget; widget = widget->parentWidget()) {
-        const QString page = helpPageOfControl(widget->objectName());
+        const QString tab = pageOfOpenTab(*widget);
+        const QString page = tab.isEmpty() ? helpPageOfControl(widget->objectName()) : tab;
         if (!page.isEmpty()) {
             return page;
         }

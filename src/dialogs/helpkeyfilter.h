@@ -28,5 +28,6 @@ private:
 void sendHelpKey(QWidget *target = nullptr);
 
 /// Page for F1 in a widget: the first of the widget and its parents (beyond window borders) that
-/// has a page of its own; the contents page for none.
+/// has a page of its own; a window's is its open tab's when that has one. The contents page for
+/// none.
 [[nodiscard]] QString helpPageFor(const QWidget *widget);

@@ -86,14 +86,8 @@ struct ControlPage {
 
 constexpr ControlPage controlPages[] = {
     { u"mnuHelp", u"index" }, // the help menu opens the help at its beginning
-    { u"lvwLocal", u"lokal" },
-    { u"cmbLocalDir", u"lokal" },
-    { u"cmd_dir_merken_lokal", u"lokal" },
-    { u"tbToolBar", u"lokal" },
-    { u"lvwRemote", u"server" },
-    { u"cmbRemoteDir", u"server" },
-    { u"cmd_dir_merken_remote", u"server" },
-    { u"tbToolBar_rem", u"server" },
+    { u"pane_lokal", u"lokal" },
+    { u"pane_server", u"server" },
     { u"cmd_download", u"uebertragen" },
     { u"cmd_upload", u"uebertragen" },
     { u"op_transfer_*", u"uebertragen" },
@@ -102,8 +96,9 @@ constexpr ControlPage controlPages[] = {
     { u"cmdAbort", u"liste" },
     { u"txtLog", u"protokoll" },
     { u"cmd_log_*", u"protokoll" },
-    { u"op_proxy_*", u"proxy" },
-    { u"txtProxy*", u"proxy" },
+    { u"tab_proxy", u"proxy" },
+    { u"cbo_profil", u"frmConnect" }, // whatever tab is open below them
+    { u"cmd_profil_*", u"frmConnect" },
 };
 
 } // namespace

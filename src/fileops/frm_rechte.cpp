@@ -1,13 +1,12 @@
 #include "fileops/frm_rechte.h"
 
 #include "common/mo_standard.h"
+#include "dialogs/helpkey.h"
 #include "fileops/permissions.h"
 
 #include <QCheckBox>
-#include <QCoreApplication>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -165,8 +164,4 @@ void frm_rechte::confirmMode(int mode)
     cmd_ok_Click();
 }
 
-void frm_rechte::cmd_hilfe_Click()
-{
-    QKeyEvent press(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier);
-    QCoreApplication::sendEvent(this, &press);
-}
+void frm_rechte::cmd_hilfe_Click() { postHelpKey(this); }

@@ -9,6 +9,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
@@ -78,12 +80,10 @@ TEST(HelpPages, EveryFormHasAPageOfItsOwn)
 
 TEST(HelpPages, ControlsOfThePanesLeadToTheirPane)
 {
-    EXPECT_EQ(helpPageOfControl(u"lvwLocal"_s), u"lokal"_s);
-    EXPECT_EQ(helpPageOfControl(u"cmbRemoteDir"_s), u"server"_s);
-    EXPECT_EQ(helpPageOfControl(u"tbToolBar_rem"_s), u"server"_s);
-    EXPECT_EQ(helpPageOfControl(u"tbToolBar"_s), u"lokal"_s);
+    EXPECT_EQ(helpPageOfControl(u"pane_lokal"_s), u"lokal"_s);
+    EXPECT_EQ(helpPageOfControl(u"pane_server"_s), u"server"_s);
     EXPECT_EQ(helpPageOfControl(u"op_transfer_2"_s), u"uebertragen"_s);
-    EXPECT_EQ(helpPageOfControl(u"txtProxyHost"_s), u"proxy"_s);
+    EXPECT_EQ(helpPageOfControl(u"tab_proxy"_s), u"proxy"_s);
     EXPECT_EQ(helpPageOfControl(u"txtLog"_s), u"protokoll"_s);
     EXPECT_EQ(helpPageOfControl(u"anything"_s), QString());
     EXPECT_EQ(helpPageOfControl(QString()), QString());
@@ -193,7 +193,7 @@ TEST(HelpKey, FindsThePageOfTheNearestNamedParent)
     QWidget window;
     window.setObjectName(u"frm_tarvelo"_s);
     QWidget pane(&window);
-    pane.setObjectName(u"lvwRemote"_s);
+    pane.setObjectName(u"pane_server"_s);
     const QWidget viewport(&pane);
     const QWidget other(&window);
     QDialog box(&window); // a message box without a name of its own
@@ -204,6 +204,25 @@ TEST(HelpKey, FindsThePageOfTheNearestNamedParent)
     EXPECT_EQ(helpPageFor(nullptr), contentsPage());
 }
 
+TEST(HelpKey, OutsideItsTabsAWindowMeansTheOpenOne)
+{
+    QWidget window;
+    window.setObjectName(u"frmConnect"_s);
+    auto *tabs = new QTabWidget(&window);
+    const auto *help = new QPushButton(&window);
+    auto *plain = new QWidget;
+    auto *proxy = new QWidget;
+    proxy->setObjectName(u"tab_proxy"_s);
+    tabs->addTab(plain, u"Verbindung"_s);
+    tabs->addTab(proxy, u"Proxy / Firewall"_s);
+    EXPECT_EQ(helpPageFor(help), u"frmConnect"_s);
+    EXPECT_EQ(helpPageFor(tabs->tabBar()), u"frmConnect"_s);
+    tabs->setCurrentWidget(proxy);
+    EXPECT_EQ(helpPageFor(help), u"proxy"_s);
+    EXPECT_EQ(helpPageFor(tabs->tabBar()), u"proxy"_s);
+    EXPECT_EQ(helpPageFor(&window), u"proxy"_s);
+}
+
 TEST(HelpKey, OpensThePageOfTheFocusedControl)
 {
     HelpKeyFilter filter;
@@ -212,7 +231,7 @@ TEST(HelpKey, OpensThePageOfTheFocusedControl)
     QVBoxLayout layout(&window);
     QLineEdit host, proxy;
     host.setObjectName(u"txtRemoteHost"_s);
-    proxy.setObjectName(u"txtProxyHost"_s);
+    proxy.setObjectName(u"tab_proxy"_s);
     layout.addWidget(&host);
     layout.addWidget(&proxy);
     window.show();
