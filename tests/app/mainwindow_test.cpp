@@ -18,6 +18,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QSplitter>
 #include <QTimer>
@@ -51,12 +52,19 @@ class UrlCatcher : public QObject {
     Q_OBJECT
 
 public:
-    UrlCatcher() { QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "open"); }
-    ~UrlCatcher() override { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); }
+    explicit UrlCatcher(const QString &scheme = QStringLiteral("https"))
+        : m_scheme(scheme)
+    {
+        QDesktopServices::setUrlHandler(m_scheme, this, "open");
+    }
+    ~UrlCatcher() override { QDesktopServices::unsetUrlHandler(m_scheme); }
     QList<QUrl> opened;
 
 public Q_SLOTS:
     void open(const QUrl &url) { opened.append(url); }
+
+private:
+    QString m_scheme;
 };
 
 const char *const bars[] { "tbToolBar", "tbToolBar_rem" };
@@ -91,6 +99,17 @@ TEST_F(MainWindow, TheQueueStartsEmptyAndIsNeverSaved)
     EXPECT_EQ(rows(), 1);
     open();
     EXPECT_EQ(rows(), 0);
+}
+
+TEST_F(MainWindow, TheLogIsNeitherKeptNorSavedAtTheEnd)
+{
+    const auto log = [this] { return find<QPlainTextEdit>("txtLog")->toPlainText(); };
+    globals.settings.LogFolder = home.filePath(QStringLiteral("temp"));
+    window->AppendLog(QStringLiteral("Zeile"));
+    EXPECT_EQ(log(), QStringLiteral("Zeile"));
+    open();
+    EXPECT_EQ(log(), QString());
+    EXPECT_TRUE(QDir(globals.settings.LogFolder).entryList(QDir::Files).isEmpty());
 }
 
 TEST_F(MainWindow, TheFamiliarKeysStandInTheMenus)
@@ -550,6 +569,21 @@ TEST_F(MainWindow, TheHelpMenuOpensBoxesAndPages)
     EXPECT_EQ(
         desktop.opened,
         (QList<QUrl> { QUrl(addresses.homePage), QUrl(addresses.faq), QUrl(addresses.update) }));
+}
+
+TEST_F(MainWindow, TheHelpMenuWritesToTheSupportAfterAHint)
+{
+    globals.ProgramVersion = 220; // as the info screen leaves it
+    UrlCatcher desktop(QStringLiteral("mailto"));
+    prompts.expectMessage(QStringLiteral(
+        "Es ist oft hilfreich, wenn Sie uns den Inhalt des LogFensters zusammen mit Ihrer Anfrage "
+        "senden. Kopieren Sie dazu den Inhalt des LogFensters in die Zwischenablage und fügen Sie "
+        "den Text dann in die e-Mail ein."));
+    item("m_h_6")->trigger();
+    ASSERT_EQ(desktop.opened.size(), 1);
+    EXPECT_EQ(desktop.opened.first().toString(QUrl::FullyEncoded),
+              QStringLiteral("mailto:support@morlanda.example?subject=Tarvelo%20FTP%20V220&body="
+                             "Hallo,%0A%0Aich%20habe%20folgende%20Probleme/Fragen:"));
 }
 
 TEST_F(MainWindow, ADoubleClickOnALocalFileNeedsAConnection)

@@ -160,6 +160,35 @@ TEST_F(StartUp, FoldersSettingsAndFlagsHaveTheirOrder)
     EXPECT_TRUE(globals.session.ConnectionLost);
 }
 
+TEST_F(StartUp, ValuesAreReadInTheGivenOrder)
+{
+    const QStringList order { u"RemoteHost"_s,    u"UserName"_s,  u"Password"_s,
+                              u"RemoteDir"_s,     u"LocalDir"_s,  u"TransferType"_s,
+                              u"Passive"_s,       u"Timeout"_s,   u"RemotePort"_s,
+                              u"Lastconnect"_s,   u"Account"_s,   u"Bemerkungen"_s,
+                              u"ProxyType"_s,     u"ProxyHost"_s, u"ProxyUsername"_s,
+                              u"ProxyPassword"_s, u"Proxyport"_s };
+    for (const QString &key : order) {
+        store.setText(u"Settings"_s, key, u"x"_s); // as a number or truth value it is nonsense
+    }
+    const QList<int> typed { 5, 6, 7, 8, 12, 16 };
+    for (const int at : typed) {
+        globals = {};
+        const auto result = readSettings(store, globals);
+        ASSERT_FALSE(result);
+        EXPECT_EQ(result.error().key, u"Settings/"_s + order.at(at));
+        // The texts tell how far it came.
+        const ConnectionProfile &read = globals.connection;
+        EXPECT_EQ(read.RemoteHost + read.UserName + read.RemoteDir + read.LocalDir, u"xxxx"_s);
+        const QString middle = globals.session.Lastconnect + read.Account + read.Bemerkungen;
+        EXPECT_EQ(middle, at < 9 ? QString() : u"xxx"_s) << at;
+        const QString proxy = read.ProxyHost + read.ProxyUsername + read.ProxyPassword;
+        EXPECT_EQ(proxy, at < 13 ? QString() : u"xxx"_s) << at;
+        store.setText(u"Settings"_s, order.at(at), u"1"_s);
+    }
+    EXPECT_TRUE(readSettings(store, globals));
+}
+
 TEST_F(StartUp, EveryTypedKeyIsChecked)
 {
     const QList<std::pair<QString, QString>> typed {

@@ -42,6 +42,19 @@ TEST_F(ConnectDialog, CaptionsAreTheGivenOnes)
         EXPECT_EQ(find<QRadioButton>(qPrintable(u"op_proxy_%1"_s.arg(type)))->text(),
                   options.at(type));
     }
+    find<QTabWidget>("Tab1")->setCurrentIndex(2);
+    const auto labels = dialog->findChildren<QLabel *>();
+    const auto line = std::find_if(labels.begin(), labels.end(), [](const QLabel *label) {
+        return label->text() == u"oder Proxy bzw. Firewall-Type festlegen"_s;
+    });
+    ASSERT_NE(line, labels.end());
+    const auto top
+        = [this](const QWidget *widget) { return widget->mapTo(dialog.get(), QPoint()).y(); };
+    EXPECT_TRUE((*line)->isVisible());
+    EXPECT_FALSE(edit("txtRemoteHost")->isVisible()) << "one tab's fields at a time";
+    EXPECT_FALSE(edit("txtTimeout")->isVisible());
+    EXPECT_GT(top(*line), top(find<QRadioButton>("op_proxy_0")));
+    EXPECT_LT(top(*line), top(find<QRadioButton>("op_proxy_1")));
     const auto *types = find<QComboBox>("lstTransferType");
     EXPECT_EQ(types->itemText(0) + types->itemText(1) + types->itemText(2),
               u"BinaryAsciiEBCIDIC"_s);

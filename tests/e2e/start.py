@@ -88,6 +88,7 @@ class Starts:
             user.no_longer_sees("frmConnect")
             p.close("frm_tarvelo")
             expect("exit code", p.end(), 0)
+            expect("temporary folder behind the end", temporary.is_dir(), True)
 
     def unreadable_setting_ends_the_program(self):
         """One box that names file and entry; nothing is repaired, no window opens."""
