@@ -12,9 +12,11 @@
 
 #include <QAction>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolBar>
+#include <array>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -57,6 +59,14 @@ protected:
         EXPECT_NE(found, nullptr) << key;
         return found;
     }
+    bool enabled(const char *name) const { return item(name)->isEnabled(); }
+    /// Makes a file in the local pane's folder.
+    void file(const char *name, const QByteArray &content = "x")
+    {
+        QFile made(home.filePath(QString::fromUtf8(name)));
+        ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+        made.write(content);
+    }
     void refreshLocal()
     {
         window->localPane().refresh();
@@ -83,6 +93,11 @@ protected:
         widget.setFocus();
         ASSERT_TRUE(QTest::qWaitFor([&widget] { return widget.hasFocus(); }));
     }
+
+    static constexpr std::array bars { "tbToolBar", "tbToolBar_rem" };
+    /// Buttons of both bars, in their order.
+    static constexpr std::array keys { "NewFolder", "ViewFile",   "DeleteFiles", "Refresh",
+                                       "SelectAll", "RenameFile", "Cdup" };
 
     QTemporaryDir home;
     Globals globals;

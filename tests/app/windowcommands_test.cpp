@@ -1,0 +1,169 @@
+#include "app/windowbench.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QTreeView>
+
+using WindowCommands = WindowBench;
+
+TEST_F(WindowCommands, TheRememberButtonsWriteTheFoldersOfTheBoxes)
+{
+    QDir(home.path()).mkdir(QStringLiteral("mo_def"));
+    globals.session.Lastconnect = QStringLiteral("Heim");
+    globals.connection.RemoteDir = QStringLiteral("/html");
+    open();
+    const auto lines = [this] {
+        QFile written(home.filePath(QStringLiteral("mo_def/Heim.login")));
+        return written.open(QIODevice::ReadOnly)
+            ? QString::fromLatin1(written.readAll()).split(QStringLiteral("\r\n"))
+            : QStringList();
+    };
+    find<QComboBox>("cmbLocalDir")->setEditText(home.path() + QStringLiteral(" [mein]"));
+    find<QAbstractButton>("cmd_dir_merken_lokal")->click();
+    EXPECT_EQ(lines().value(3), home.path() + QStringLiteral(" [mein]"));
+    EXPECT_EQ(lines().value(4), QStringLiteral("/html"));
+    find<QAbstractButton>("cmd_dir_merken_remote")->click();
+    EXPECT_EQ(lines().value(4), QStringLiteral("/html")) << "the box is empty";
+    find<QComboBox>("cmbRemoteDir")->setEditText(QStringLiteral("/neu"));
+    find<QAbstractButton>("cmd_dir_merken_remote")->click();
+    EXPECT_EQ(lines().value(4), QStringLiteral("/neu"));
+
+    globals.session.Lastconnect = QStringLiteral("a/b"); // cannot be written
+    prompts.expectMessage(QStringLiteral("Der Name der Verbindung ist nicht erlaubt: a/b"));
+    find<QAbstractButton>("cmd_dir_merken_lokal")->click();
+}
+
+TEST_F(WindowCommands, MenuCommandsFollowTheActiveList)
+{
+    file("a.txt");
+    focus(*find<QTreeView>("lvwStatus"));
+    item("mnuRefresh")->trigger();
+    EXPECT_GE(rowOf(window->localPane(), "a.txt"), 0) << "the queue counts as the local pane";
+    item("mnuSelectall")->trigger();
+    EXPECT_EQ(window->localPane().selectedRows().size(), window->localPane().model().rowCount());
+    prompts.expectConfirm(QStringLiteral("Delete queue items selected?"), false,
+                          QStringLiteral("Confirm Delete Queue Items"));
+    item("mnuDelete")->trigger();
+}
+
+TEST_F(WindowCommands, TheLocalToolBarWorksOnTheLocalPane)
+{
+    file("a.txt");
+    button("tbToolBar", "Refresh")->trigger();
+    LocalPane &local = window->localPane();
+    EXPECT_GE(rowOf(local, "a.txt"), 0);
+    button("tbToolBar", "SelectAll")->trigger();
+    EXPECT_EQ(local.selectedRows().size(), local.model().rowCount());
+    EXPECT_EQ(local.selectedRows().first(), 0);
+    button("tbToolBar", "Cdup")->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    EXPECT_EQ(find<QComboBox>("cmbLocalDir")->currentText(), QFileInfo(home.path()).path() + u'/');
+    EXPECT_EQ(globals.session.CurrentLocalDir, QFileInfo(home.path()).path() + u'/');
+}
+
+TEST_F(WindowCommands, KeysOfThePanesReachTheCommands)
+{
+    QDir(home.path()).mkdir(QStringLiteral("bilder"));
+    refreshLocal();
+    LocalPane &local = window->localPane();
+    focus(local.view());
+    select(local, { "bilder" });
+    QTest::keyClick(&local.view(), Qt::Key_Return);
+    EXPECT_EQ(local.folder(), home.path() + QStringLiteral("/bilder/"));
+    QTest::keyClick(&local.view(), Qt::Key_Backspace);
+    EXPECT_EQ(local.folder(), home.path() + u'/');
+    select(local, { "bilder" });
+    prompts.expectConfirm(
+        QStringLiteral("Sind Sie sicher, dass Sie 1 Dateien oder Ordner löschen möchten?"), false,
+        QStringLiteral("Confirm Delete"),
+        QStringLiteral("In den Ordnern: 0 Dateien und 0 Ordner."));
+    QTest::keyClick(&local.view(), Qt::Key_Delete);
+    QTest::keyClick(&local.view(), Qt::Key_Tab);
+    EXPECT_TRUE(window->remotePane().view().hasFocus());
+    QTest::keyClick(&window->remotePane().view(), Qt::Key_Tab);
+    EXPECT_TRUE(local.view().hasFocus());
+}
+
+TEST_F(WindowCommands, OnlyTheStartFolderOfTheCommandLineIsSelected)
+{
+    const QString slow = home.filePath(QStringLiteral("viele"));
+    const QString other = home.filePath(QStringLiteral("andere"));
+    ASSERT_TRUE(QDir().mkpath(slow) && QDir().mkpath(other + QStringLiteral("/b")));
+    // Links to themselves by long ways: looking at each takes milliseconds, and all of them more
+    // than the pane waits for.
+    ASSERT_TRUE(QDir(slow).mkdir(QStringLiteral("s")));
+    for (int i = 0; i < 200; ++i) {
+        const QString name = QStringLiteral("l%1").arg(i);
+        ASSERT_TRUE(QFile::link(QStringLiteral("s/../").repeated(800) + name, slow + u'/' + name));
+    }
+    const QStringList fields { QStringLiteral("127.0.0.1"), {}, {}, slow, {}, QStringLiteral("1"),
+                               QStringLiteral("0"),         {}, {}, {},   {} }; // no port: no login
+    prompts.expectMessage(
+        QStringLiteral("Allgemeiner Fehler! Versuchen Sie den Vorgang zu einem späteren Zeitpunkt "
+                       "nochmals zu starten."));
+    open(fields.join(u'\t'));
+    window->load_commands();
+    LocalPane &local = window->localPane();
+    ASSERT_TRUE(local.isReading());
+    find<QComboBox>("cmbLocalDir")->setEditText(other); // the user does not wait
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    ASSERT_EQ(rowOf(local, "b"), 1);
+    EXPECT_TRUE(local.selectedRows().isEmpty());
+}
+
+TEST_F(WindowCommands, F2RenamesInPlace)
+{
+    file("alt.txt");
+    refreshLocal();
+    LocalPane &local = window->localPane();
+    focus(local.view());
+    select(local, { "alt.txt" });
+    item("mnuRename")->trigger();
+    auto *editor = local.view().viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, QStringLiteral("neu.txt"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] { return QFile::exists(home.filePath(QStringLiteral("neu.txt"))); }));
+    EXPECT_GE(rowOf(local, "neu.txt"), 0);
+}
+
+TEST_F(WindowCommands, ADoubleClickOnALocalFileNeedsAConnection)
+{
+    file("a.txt");
+    refreshLocal();
+    LocalPane &local = window->localPane();
+    const QModelIndex row = local.model().index(rowOf(local, "a.txt"), 0);
+    QTest::mouseDClick(local.view().viewport(), Qt::LeftButton, {},
+                       local.view().visualRect(row).center());
+    EXPECT_EQ(find<QTreeView>("lvwStatus")->model()->rowCount(), 0);
+    EXPECT_EQ(local.model().findRow(QStringLiteral("a.txt")), row.row());
+    EXPECT_EQ(find<QWidget>("txtLog")->property("plainText").toString(), QString());
+}
+
+TEST_F(WindowCommands, BeendenClosesIt)
+{
+    item("mnuExit")->trigger();
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(WindowCommands, CommandsWithoutAConnectionDoAndSayNothing)
+{
+    find<QAbstractButton>("cmd_download")->click();
+    find<QAbstractButton>("cmd_upload")->click();
+    find<QAbstractButton>("img_ampel_gruen")->click();
+    for (const char *key : keys) {
+        button("tbToolBar_rem", key)->setEnabled(true);
+        button("tbToolBar_rem", key)->trigger();
+    }
+    focus(window->remotePane().view());
+    for (const char *name : { "mnuRename", "mnuMakeDirectory", "mnuDelete", "mnuView", "mnuRefresh",
+                              "mnuSelectall" }) {
+        item(name)->setEnabled(true);
+        item(name)->trigger();
+    }
+    window->DoRemoteRefresh(QStringLiteral("/"));
+    EXPECT_EQ(window->remotePane().model().rowCount(), 0);
+}
