@@ -3,6 +3,7 @@
 #include "app/commands.h"
 #include "app/draganddrop.h"
 #include "app/logpanel.h"
+#include "app/selectallkey.h"
 #include "app/startup.h"
 #include "app/transfercolumn.h"
 #include "app/transfernotice.h"
@@ -34,6 +35,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -322,6 +324,9 @@ void frm_tarvelo::showProgress(const FtpEvent &event)
 void frm_tarvelo::connectQueue()
 {
     m_queue->installEventFilter(this);
+    auto *selectAll = new SelectAllKey(this);
+    m_queue->installEventFilter(selectAll);
+    m_log->txtLog()->installEventFilter(selectAll);
     connect(m_progress, &ProgressPanel::abortClicked, m_session.get(), &Session::abortTransfer);
     connect(m_queue, &QueueView::retryRequested, this, [this](const QList<QueueRow> &rows) {
         isBusy() ? void() : m_features->transfers.RetryTransfers(rows);

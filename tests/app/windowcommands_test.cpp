@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTreeView>
 
 using WindowCommands = WindowBench;
@@ -46,6 +47,32 @@ TEST_F(WindowCommands, MenuCommandsFollowTheActiveList)
     prompts.expectConfirm(QStringLiteral("Delete queue items selected?"), false,
                           QStringLiteral("Confirm Delete Queue Items"));
     item("mnuDelete")->trigger();
+}
+
+TEST_F(WindowCommands, ControlASelectsWhatHasTheFocus)
+{
+    file("a.txt");
+    refreshLocal();
+    const auto select = [this](QWidget &widget) {
+        focus(widget);
+        QTest::keyClick(&widget, Qt::Key_A, Qt::ControlModifier);
+    };
+    window->AddQueueRow(QueueRow());
+    window->AddQueueRow(QueueRow());
+    auto *queue = find<QTreeView>("lvwStatus");
+    select(*queue);
+    EXPECT_EQ(queue->selectionModel()->selectedRows().size(), 2);
+    auto *log = find<QPlainTextEdit>("txtLog");
+    log->setPlainText(QStringLiteral("220 bereit"));
+    select(*log);
+    EXPECT_EQ(log->textCursor().selectedText(), QStringLiteral("220 bereit"));
+    QLineEdit *folder = find<QComboBox>("cmbLocalDir")->lineEdit();
+    select(*folder);
+    EXPECT_EQ(folder->selectedText(), folder->text());
+    LocalPane &local = window->localPane();
+    EXPECT_TRUE(local.selectedRows().isEmpty());
+    select(local.view());
+    EXPECT_EQ(local.selectedRows().size(), local.model().rowCount());
 }
 
 TEST_F(WindowCommands, TheLocalToolBarWorksOnTheLocalPane)
