@@ -4,11 +4,11 @@
 #include "common/settingsstore.h"
 #include "remote/filepane.h"
 #include "remote/paneview.h"
+#include "transfer/queueview.h"
 
 #include <QHeaderView>
 #include <QMainWindow>
 #include <QScreen>
-#include <QTreeView>
 
 using namespace Qt::StringLiterals;
 
@@ -23,15 +23,6 @@ void firstSize(QMainWindow &window, const MainLayout &layout)
     window.resize(QSize(1180, 760).boundedTo(room).expandedTo(window.minimumSize()));
     layout.parts->setSizes({ 440, 220 });
     layout.lower->setSizes({ 500, 500 });
-}
-
-/// First widths of the queue's columns, in widths of a letter.
-void firstColumns(QHeaderView &header)
-{
-    const int letter = header.fontMetrics().averageCharWidth();
-    for (int column = 0; const int letters : { 18, 30, 12, 11, 30, 20 }) {
-        header.resizeSection(column++, letters * letter);
-    }
 }
 
 } // namespace
@@ -56,14 +47,15 @@ void WindowMemory::restore(const RememberedParts &parts) const
 {
     if (!parts.window.restoreGeometry(m_store.bytes(group, u"Geometry"_s))) {
         firstSize(parts.window, parts.layout);
-        firstColumns(*parts.queue.header());
     }
     for (QSplitter *splitter : { parts.layout.panes, parts.layout.lower, parts.layout.parts }) {
         splitter->restoreState(m_store.bytes(group, splitter->objectName()));
     }
     restoreColumns(parts.local);
     restoreColumns(parts.remote);
-    parts.queue.header()->restoreState(m_store.bytes(group, parts.queue.objectName()));
+    if (!parts.queue.header()->restoreState(m_store.bytes(group, parts.queue.objectName()))) {
+        parts.queue.sizeColumns();
+    }
 }
 
 void WindowMemory::restoreColumns(FilePane &pane) const

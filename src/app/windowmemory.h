@@ -2,7 +2,7 @@
 
 class FilePane;
 class QMainWindow;
-class QTreeView;
+class QueueView;
 class SettingsStore;
 struct MainLayout;
 
@@ -12,7 +12,7 @@ struct RememberedParts {
     const MainLayout &layout;
     FilePane &local;
     FilePane &remote;
-    QTreeView &queue;
+    QueueView &queue;
 };
 
 /// Keeps size and place of the window, its splitters and its columns in the settings, in a group

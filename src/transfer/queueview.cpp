@@ -24,10 +24,6 @@ QueueView::QueueView(QueueModel &model, Prompts &prompts, QWidget *parent)
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
     setTextElideMode(Qt::ElideMiddle); // keeps the file's name in sight
-    constexpr std::array widths { 150, 190, 80, 70, 190, 100 };
-    for (std::size_t column = 0; column < widths.size(); ++column) {
-        setColumnWidth(static_cast<int>(column), widths.at(column));
-    }
     setSelectionMode(ExtendedSelection);
     setContextMenuPolicy(Qt::CustomContextMenu);
     header()->setSectionsClickable(true);
@@ -39,6 +35,27 @@ QueueView::QueueView(QueueModel &model, Prompts &prompts, QWidget *parent)
     connect(&m_follow, &QTimer::timeout, this,
             [this] { scrollTo(m_model.index(m_model.rowCount() - 1, 0)); });
     connect(this, &QWidget::customContextMenuRequested, this, &QueueView::showMenu);
+}
+
+void QueueView::sizeColumns()
+{
+    const std::array<QString, QueueModel::ColumnCount> longest {
+        u"Löschen verweigert"_s, QString(30, u'n'), u"99999999999"_s,
+        u"Richtung"_s,           QString(30, u'n'), QString(20, u'n'),
+    };
+    // One more than the style: what a text measures is rounded in more than one place.
+    const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 2);
+    for (int column = 0; column < QueueModel::ColumnCount; ++column) {
+        const int icon = column == QueueModel::Status ? iconWidth() + margins : 0;
+        const int text = fontMetrics().horizontalAdvance(longest.at(column)) + margins + icon;
+        setColumnWidth(column, std::max(text, header()->sectionSizeHint(column)));
+    }
+}
+
+int QueueView::iconWidth() const
+{
+    return iconSize().isValid() ? iconSize().width()
+                                : style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
 }
 
 void QueueView::AddQueueRow(const QueueRow &row)

@@ -19,6 +19,8 @@ public:
     /// Asks, also with nothing selected, and removes the selected rows.
     void DeleteSelectedQueueRows();
     [[nodiscard]] QList<int> selectedRows() const; ///< ascending
+    /// Gives the columns their first widths: words that are known fit, paths share a fair guess.
+    void sizeColumns();
 
 Q_SIGNALS:
     /// "Fehlgeschlagene erneut übertragen": rows for Retry::RetryTransfers.
@@ -32,6 +34,7 @@ protected:
 private:
     void showMenu(const QPoint &position);
     void copyRow(int row) const;
+    [[nodiscard]] int iconWidth() const;
 
     QueueModel &m_model;
     Prompts &m_prompts;

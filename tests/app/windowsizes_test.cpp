@@ -1,4 +1,5 @@
 #include "app/windowbench.h"
+#include "transfer/queueview.h"
 
 #include <QHeaderView>
 #include <QPlainTextEdit>
@@ -71,4 +72,36 @@ TEST_F(WindowSizes, TheNamesFillTheListWhateverItsWidth)
     header->resizeSection(0, 400); // by the user
     window->resize(1000, 600);
     EXPECT_EQ(header->sectionSize(0), 400);
+}
+
+TEST_F(WindowSizes, TheQueuesFirstColumnsShowTheirFixedWordsWhole)
+{
+    auto *queue = find<QTreeView>("lvwStatus");
+    for (const char *status : { "Löschen verweigert", "Upload verweigert", "Dateirechte" }) {
+        QueueRow row;
+        row.status = QString::fromUtf8(status);
+        row.size = QStringLiteral("12345678901");
+        window->AddQueueRow(row);
+    }
+    QFont big = queue->font();
+    for (const int size : { big.pointSize(), 2 * big.pointSize() }) {
+        big.setPointSize(size);
+        queue->setFont(big);
+        find<QueueView>("lvwStatus")->sizeColumns();
+        for (const int column : { QueueModel::Status, QueueModel::Size, QueueModel::Direction }) {
+            EXPECT_GE(queue->columnWidth(column),
+                      static_cast<QAbstractItemView *>(queue)->sizeHintForColumn(column))
+                << column << " at " << size;
+            EXPECT_GE(queue->columnWidth(column), queue->header()->sectionSizeHint(column));
+        }
+    }
+}
+
+TEST_F(WindowSizes, TheQueuesColumnsAreRemembered)
+{
+    const auto width = [this] { return find<QTreeView>("lvwStatus")->columnWidth(0); };
+    EXPECT_GT(width(), 77);
+    find<QTreeView>("lvwStatus")->setColumnWidth(0, 77);
+    open();
+    EXPECT_EQ(width(), 77);
 }
