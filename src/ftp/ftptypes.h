@@ -20,10 +20,10 @@ enum FtpOperation {
     OpLogout = 2,
     OpChangeFolder = 5,
     OpList = 10,
-    OpGetFile = 14, ///< bytes of one file, counted from the restart offset
+    OpGetFile = 14, ///< bytes of one file, counted from the wanted restart offset
     OpGetMultiple = 15, ///< bytes of a whole tree
     OpPutMultiple = 16, ///< bytes of a whole tree
-    OpPutFile = 17, ///< bytes of one file, counted from the restart offset
+    OpPutFile = 17, ///< bytes of one file, counted from the wanted restart offset
     OpDelete = 20,
     OpRename = 22,
     OpMakeFolder = 25,
@@ -39,7 +39,8 @@ struct FtpEvent {
     /// One complete reply of the server (lines joined by CR LF, ending in CR LF) or a message of
     /// the engine in the same form; empty for pure byte counts.
     QString text;
-    qint64 bytes = 0; ///< bytes so far, for operations 14 to 17
+    /// Bytes so far, for operations 14 to 17; below zero when a resumed file starts again at 0.
+    qint64 bytes = 0;
     /// Bytes of the whole tree as far as known, for operations 15 and 16; 0 = unknown.
     qint64 total = 0;
     /// Why it failed, when no reply of the server says so; nothing otherwise.

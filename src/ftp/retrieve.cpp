@@ -81,7 +81,8 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
         }
         offset = restarted->code == 350 ? offset : 0;
     }
-    ProgressMeter meter(request.progress ? request.progress : sessionProgress(session));
+    ProgressMeter meter(request.progress ? request.progress : sessionProgress(session),
+                        request.offset - offset);
     meter.start();
     Status started = co_await startTransfer(session, data, "RETR " + request.remotePath);
     if (!started && (started.error().kind == ErrorKind::Refused || !session.usable())) {

@@ -148,7 +148,8 @@ Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
         }
         planned->append = restarted->code != 350;
     }
-    ProgressMeter meter(request.progress ? request.progress : sessionProgress(session));
+    ProgressMeter meter(request.progress ? request.progress : sessionProgress(session),
+                        request.offset - planned->offset);
     meter.start();
     const std::string command = (planned->append ? "APPE " : "STOR ") + request.remotePath;
     step = co_await session.line().send(command);

@@ -26,7 +26,7 @@ void ProgressMeter::tell(std::int64_t bytes)
 {
     m_next = std::chrono::steady_clock::now() + reportEvery;
     if (m_report) {
-        m_report(bytes);
+        m_report(bytes - m_lost);
     }
 }
 

@@ -13,18 +13,22 @@ namespace ftp {
 class ProgressMeter {
 public:
     using Report = std::function<void(std::int64_t bytes)>;
-    explicit ProgressMeter(Report report)
+    /// @param lost  bytes of a wanted offset that could not be kept after all: reports count from
+    ///              that offset on, so those of a file that starts again begin below zero
+    explicit ProgressMeter(Report report, std::int64_t lost = 0)
         : m_report(std::move(report))
+        , m_lost(lost)
     {
     }
     void start() { tell(0); }
     void add(std::int64_t bytes);
     void finish() { tell(m_bytes); }
-    [[nodiscard]] std::int64_t bytes() const { return m_bytes; }
+    [[nodiscard]] std::int64_t bytes() const { return m_bytes; } ///< that were really moved
 
 private:
     void tell(std::int64_t bytes);
     Report m_report;
+    std::int64_t m_lost;
     std::int64_t m_bytes = 0;
     std::chrono::steady_clock::time_point m_next {};
 };
@@ -78,7 +82,7 @@ struct GetRequest {
     std::string remotePath, localPath;
     std::int64_t offset = 0; ///< bytes of localPath to keep
     Type type = Type::Binary;
-    /// Bytes so far, from the offset on; empty: the session's progress hook.
+    /// Bytes so far, counted from the wanted offset; empty: the session's progress hook.
     ProgressMeter::Report progress;
 };
 /// @return the offset that was really used
@@ -94,7 +98,7 @@ struct PutRequest {
     std::string localPath, remotePath;
     std::int64_t offset = 0; ///< bytes of remotePath to keep
     Type type = Type::Binary;
-    /// Bytes so far, from the offset on; empty: the session's progress hook.
+    /// Bytes so far, counted from the wanted offset; empty: the session's progress hook.
     ProgressMeter::Report progress;
 };
 /// @return the offset that was really used

@@ -98,6 +98,44 @@ TEST_F(FaultyTransfer, ATruncatedDownloadIsNoSuccess)
     EXPECT_EQ(difference("a.bin"), "") << shell.log.toStdString();
 }
 
+TEST_F(FaultyTransfer, AResumedDownloadThatStartsAgainCountsFromZero)
+{
+    putFile("a.bin", 300000);
+    writeLocal(u"a.bin"_s, QByteArray(250000, 'x'));
+    server.on({ .verb = "REST", .text = "502 Not today." });
+    ASSERT_TRUE(login(server));
+    dialogs.answer = [](const ConflictQuestion &) {
+        return ConflictReply { ConflictAnswer::Resume, false };
+    };
+    QList<qint64> values;
+    onProgress = [&] { values.append(progress.value()); };
+    download({ u"a.bin"_s });
+    EXPECT_EQ(difference("a.bin"), "");
+    ASSERT_FALSE(values.isEmpty());
+    EXPECT_EQ(values.first(), 0);
+    EXPECT_EQ(values.last(), 300000);
+    EXPECT_EQ(progress.maximum(), 300000) << "nothing came beyond the size";
+}
+
+TEST_F(FaultyTransfer, AResumedUploadThatStartsAgainCountsFromZero)
+{
+    putFile("a.bin", 2000);
+    writeLocal(u"a.bin"_s, QByteArray(3000, 'x'));
+    ASSERT_TRUE(login(server));
+    dialogs.answer = [this](const ConflictQuestion &) {
+        putFile("a.bin", 500); // changed on the server behind our back
+        return ConflictReply { ConflictAnswer::Resume, false };
+    };
+    QList<qint64> values;
+    onProgress = [&] { values.append(progress.value()); };
+    upload({ u"a.bin"_s });
+    EXPECT_EQ(difference("a.bin"), "");
+    ASSERT_FALSE(values.isEmpty());
+    EXPECT_EQ(values.first(), 0);
+    EXPECT_EQ(values.last(), 3000);
+    EXPECT_EQ(progress.maximum(), 3000);
+}
+
 TEST_F(FaultyTransfer, ALostServerEndsTheBatchAndTheWindowIsReady)
 {
     for (const char *name : { "a", "b", "c" }) {
