@@ -36,6 +36,13 @@ public:
         m_anyConfirm = ok;
         return *this;
     }
+    /// Lets a message come as often as it likes, for what several sessions meet at a time.
+    ScriptedPrompts &allowMessages(const QString &text)
+    {
+        m_allowed = text;
+        return *this;
+    }
+    [[nodiscard]] int allowedMessages() const { return m_allowedSeen; } ///< how often it came
     ScriptedPrompts &expectQuestion(const QString &text, bool yes, const QString &title = {})
     {
         return add({ Kind::Question, text, title, Icon::None, {}, {}, yes, {}, {} });
@@ -58,6 +65,10 @@ public:
 
     void message(const QString &text, const QString &title = {}, Icon icon = Icon::None) override
     {
+        if (!text.isEmpty() && text == m_allowed && title.isEmpty() && icon == Icon::None) {
+            ++m_allowedSeen;
+            return;
+        }
         (void)take(Kind::Message, text, title, icon);
     }
     [[nodiscard]] bool confirm(const QString &text, const QString &title = {},
@@ -126,4 +137,6 @@ private:
 
     QList<Step> m_script;
     std::optional<bool> m_anyConfirm;
+    QString m_allowed;
+    int m_allowedSeen = 0;
 };

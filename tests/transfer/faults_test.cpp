@@ -215,6 +215,33 @@ TEST_F(FaultyTransfer, QuotaIsExplainedInAFolderToo)
     expectReady();
 }
 
+TEST_F(FaultyTransfer, QuotaInAFolderOverFourSessionsIsToldForEveryReplyAndEndsIdle)
+{
+    QByteArray big(200000, 'x');
+    for (int file = 0; file < 40; ++file) {
+        writeLocal(u"hin/%1"_s.arg(file), big);
+    }
+    // Files on all sessions meet the quota, before and after the first bytes went.
+    server.fault.diskFullAfter = 10000;
+    server.fault.diskFullReply = std::string("451 Quota");
+    ASSERT_TRUE(login(server));
+    prompts.allowMessages(quotaMessage());
+    upload({ u"hin"_s });
+    EXPECT_GT(server.sessions(), 1);
+    ASSERT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+    EXPECT_TRUE(shell.queue[0].failed);
+    EXPECT_EQ(shell.queue[0].size, QString());
+    // Each file's name and reason stand in a line of their own behind the reply.
+    const qsizetype replies = (u'\n' + shell.log).count(u"\n451 Quota\r\n"_s);
+    EXPECT_EQ(shell.log.count(u": 451 Quota\r\n"_s), replies);
+    EXPECT_GT(replies, 0);
+    EXPECT_EQ(shell.log.count(quotaMessage() + u"\r\n"_s), replies);
+    EXPECT_EQ(prompts.allowedMessages(), replies);
+    EXPECT_EQ(ftp.state(), FtpControl::Connected);
+    EXPECT_FALSE(globals.session.ConnectionLost);
+    expectReady();
+}
+
 TEST_F(FaultyTransfer, OtherSpaceRepliesAreExplainedInTheLog)
 {
     writeLocal(u"a"_s, QByteArray(50000, 'x'));
