@@ -94,6 +94,7 @@ class Walk:
 
     def transfer(self):
         p = self.program
+        p.ask("resize", object="frm_tarvelo", width=1240, height=780)  # all columns in sight
         p.select("lvwLocal", ["neue Bilder", "Termine für Mai.html"])
         p.click("cmd_upload")
         self.transferred(2)
