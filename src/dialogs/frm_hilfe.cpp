@@ -170,6 +170,12 @@ void frm_hilfe::openPage(const QString &page)
     }
 }
 
+void frm_hilfe::openTopic(const QString &page)
+{
+    m_search->clear();
+    openPage(page);
+}
+
 QString frm_hilfe::currentPage() const
 {
     return QFileInfo(m_page->source().path()).completeBaseName();

@@ -17,6 +17,9 @@ public:
     /// Opens a page by its name without ".html", for example "frmConnect"; an unknown name opens
     /// the contents page.
     void openPage(const QString &page);
+    /// The same for who comes from outside: an earlier search is over, the contents show where the
+    /// page stands.
+    void openTopic(const QString &page);
     /// Name of the page shown.
     [[nodiscard]] QString currentPage() const;
 

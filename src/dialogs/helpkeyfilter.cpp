@@ -38,7 +38,7 @@ void HelpKeyFilter::openHelp(const QString &page)
     if (!m_window) {
         m_window = std::make_unique<frm_hilfe>();
     }
-    m_window->openPage(page);
+    m_window->openTopic(page);
     // A modal dialog blocks every window but those that belong to it.
     const QWidget *modal = QApplication::activeModalWidget();
     m_window->winId();

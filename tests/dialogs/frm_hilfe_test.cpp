@@ -250,6 +250,20 @@ TEST(HelpKey, OpensThePageOfTheFocusedControl)
     EXPECT_TRUE(QTest::qWaitFor([] { return openHelpWindow()->currentPage() == u"proxy"_s; }));
 }
 
+TEST(HelpKey, AnEarlierSearchDoesNotHideThePage)
+{
+    HelpKeyFilter filter;
+    filter.openHelp(contentsPage());
+    ASSERT_TRUE(openHelpWindow());
+    auto *list = openHelpWindow()->findChild<QListWidget *>(u"lst_inhalt"_s);
+    openHelpWindow()->findChild<QLineEdit *>(u"tx_suche"_s)->setText(u"chmod besitzer"_s);
+    ASSERT_LT(list->count(), helpPages().size());
+    filter.openHelp(u"proxy"_s);
+    EXPECT_EQ(list->count(), helpPages().size());
+    ASSERT_TRUE(list->currentItem());
+    EXPECT_EQ(list->currentItem()->text(), u"Proxy / Firewall"_s);
+}
+
 TEST(HelpKey, AnOpenHelpDoesNotKeepTheProgramRunning)
 {
     HelpKeyFilter filter;
