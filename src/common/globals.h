@@ -45,8 +45,8 @@ struct SessionState {
     bool DialogCancelled = true; ///< the connection dialog was not left with Login
     bool ConnectionLost = false; ///< the transfer loops stop when it is set
     bool ResumeSupport = false; ///< the server restarts transfers at an offset
-    QString RemoteHome; ///< remote start folder of the session
-    QString CurrentRemoteDir, CurrentLocalDir; ///< folders shown last in the two panes
+    QString RemoteHome; ///< remote start folder of the session. Intended: read nowhere yet
+    QString CurrentRemoteDir, CurrentLocalDir; ///< shown last. Intended: the local one is not read
 };
 
 /// State that drivers, dialogs and the progress display of a transfer share.
