@@ -65,10 +65,10 @@ QString SettingsStore::defaultFile()
 
 SettingsStore::SettingsStore(const QString &file)
     : m_file(preparedFile(file))
-    , m_settings(m_file, QSettings::IniFormat)
+    , m_settings(std::make_unique<QSettings>(m_file, QSettings::IniFormat))
 {
-    (void)m_settings.allKeys(); // sections are only parsed when somebody asks
-    if (m_settings.status() == QSettings::FormatError) {
+    (void)m_settings->allKeys(); // sections are only parsed when somebody asks
+    if (m_settings->status() == QSettings::FormatError) {
         // The next save drops the lines that are no entries; whoever wrote them finds them here.
         QFile::copy(m_file, m_file + u".defekt"_s);
     }
@@ -87,7 +87,7 @@ QString SettingsStore::path(const QString &section, const QString &key) const
 {
     // The file's own spelling wins over the caller's, for sections and keys alike.
     const QString wanted = section + u'/' + key;
-    const QStringList known = m_settings.allKeys();
+    const QStringList known = m_settings->allKeys();
     for (const QString &candidate : known) {
         if (candidate.compare(wanted, Qt::CaseInsensitive) == 0) {
             return candidate;
@@ -104,7 +104,7 @@ SettingsError SettingsStore::error(const QString &section, const QString &key) c
 QString SettingsStore::text(const QString &section, const QString &key,
                             const QString &byDefault) const
 {
-    const QVariant value = m_settings.value(path(section, key));
+    const QVariant value = m_settings->value(path(section, key));
     if (!value.isValid()) {
         return byDefault;
     }
@@ -116,7 +116,7 @@ QString SettingsStore::text(const QString &section, const QString &key,
 SettingsResult<int> SettingsStore::integer(const QString &section, const QString &key,
                                            int byDefault) const
 {
-    if (!m_settings.contains(path(section, key))) {
+    if (!m_settings->contains(path(section, key))) {
         return byDefault;
     }
     const QString stored = text(section, key);
@@ -130,7 +130,7 @@ SettingsResult<int> SettingsStore::integer(const QString &section, const QString
 SettingsResult<bool> SettingsStore::boolean(const QString &section, const QString &key,
                                             bool byDefault) const
 {
-    if (!m_settings.contains(path(section, key))) {
+    if (!m_settings->contains(path(section, key))) {
         return byDefault;
     }
     const QString stored = text(section, key);
@@ -149,7 +149,7 @@ SettingsResult<bool> SettingsStore::boolean(const QString &section, const QStrin
 
 QByteArray SettingsStore::bytes(const QString &section, const QString &key) const
 {
-    return m_settings.value(path(section, key)).toByteArray();
+    return m_settings->value(path(section, key)).toByteArray();
 }
 
 QString SettingsStore::fromBoolean(bool value) { return value ? u"True"_s : u"False"_s; }
@@ -159,7 +159,7 @@ void SettingsStore::setText(const QString &section, const QString &key, const QS
     if (onSet) {
         onSet(section, key);
     }
-    m_settings.setValue(path(section, key), value);
+    m_settings->setValue(path(section, key), value);
 }
 
 void SettingsStore::setInteger(const QString &section, const QString &key, int value)
@@ -174,7 +174,7 @@ void SettingsStore::setBoolean(const QString &section, const QString &key, bool 
 
 void SettingsStore::setBytes(const QString &section, const QString &key, const QByteArray &value)
 {
-    m_settings.setValue(path(section, key), value);
+    m_settings->setValue(path(section, key), value);
 }
 
 SettingsResult<void> SettingsStore::save(const QString &section, const SettingsValues &values)
@@ -187,8 +187,14 @@ SettingsResult<void> SettingsStore::save(const QString &section, const SettingsV
 
 SettingsResult<void> SettingsStore::sync()
 {
-    m_settings.sync();
-    if (m_settings.status() == QSettings::AccessError) {
+    if (m_settings->status() == QSettings::AccessError) {
+        // It never forgets an error. Another one on the same file shares what is still to be
+        // written; the file has to be the owner's before.
+        preparedFile(m_file);
+        m_settings = std::make_unique<QSettings>(m_file, QSettings::IniFormat);
+    }
+    m_settings->sync();
+    if (m_settings->status() == QSettings::AccessError) {
         return tl::unexpected(SettingsError { m_file, {}, {}, true });
     }
     return {};

@@ -5,6 +5,7 @@
 #include <QSettings>
 #include <QString>
 #include <functional>
+#include <memory>
 #include <tl/expected.hpp>
 
 /// A stored value that cannot be read as what it should be, or a file that cannot be read at all.
@@ -83,5 +84,5 @@ private:
     [[nodiscard]] SettingsError error(const QString &section, const QString &key) const;
 
     QString m_file;
-    QSettings m_settings;
+    std::unique_ptr<QSettings> m_settings; ///< never null
 };

@@ -259,6 +259,22 @@ TEST_F(Store, AFileThatCannotBeWrittenIsNamed)
     EXPECT_EQ(store.text(u"Settings"_s, u"RemoteHost"_s), u"files01"_s);
 }
 
+TEST_F(Store, WhatCouldNotBeWrittenIsWrittenOnceItCan)
+{
+    write("im Weg");
+    SettingsStore store(file + u"/Tarvelo FTP.ini"_s);
+    ASSERT_FALSE(store.save(u"Settings"_s, { { u"Password"_s, u"geheim"_s } }));
+    ASSERT_TRUE(QFile::remove(file));
+    ASSERT_TRUE(store.save(u"Settings"_s, { { u"RemoteHost"_s, u"files01"_s } }));
+    EXPECT_EQ(store.text(u"Settings"_s, u"Password"_s), u"geheim"_s);
+    QFile written(store.file());
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(written.readAll(), "[Settings]\nPassword=geheim\nRemoteHost=files01\n");
+    EXPECT_EQ(written.permissions()
+                  & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther),
+              QFile::Permissions());
+}
+
 TEST_F(Store, ABinaryFileGivesDefaultsAndNoCrash)
 {
     QByteArray noise;
