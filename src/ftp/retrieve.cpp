@@ -79,7 +79,11 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
         if (!restarted) {
             co_return tl::unexpected(restarted.error());
         }
-        offset = restarted->code == 350 ? offset : 0;
+        if (restarted->code != 350) {
+            tell(session,
+                 "Der Server kann Dateien nicht fortsetzen; die Datei wird von vorn übertragen.");
+            offset = 0;
+        }
     }
     ProgressMeter meter(request.progress ? request.progress : sessionProgress(session),
                         request.offset - offset);
