@@ -270,6 +270,7 @@ void FaultSession::receiveData(const fs::path &path, long offset)
     long limit = -1;
     const Wrong wrong = wrongAfter(limit, true);
     std::string block;
+    bool endedInCr = false; // a line end may come in two blocks
     long got = 0;
     for (long total = 0; limit < 0 || total < limit; total += got) {
         block.clear();
@@ -279,6 +280,8 @@ void FaultSession::receiveData(const fs::path &path, long offset)
             break;
         }
         if (m_type == 'A') {
+            offset -= endedInCr && block.starts_with('\n') ? 1 : 0;
+            endedInCr = block.ends_with('\r');
             removeCarriageReturns(block);
         }
         if (pwrite(file.get(), block.data(), block.size(), offset) < 0) {
