@@ -5,7 +5,8 @@ that nobody expects, and the disks on both sides must hold what the commands say
 may be lost but what the broken command was about. The memory must not grow. The seed decides what is
 done (not when the faults hit), and is printed with a failure.
 
-    chaos.py --program .. --driver .. --ftp-server .. [--server KIND] [--seed N] [--steps N] [--faults P]"""
+    chaos.py --program .. --driver .. --ftp-server .. [--server KIND] [--seed N]
+             [--steps N | --minutes N] [--faults P]"""
 import argparse
 import random
 import shutil
@@ -316,16 +317,19 @@ class Chaos:
         pages = Path(f"/proc/{self.program.process.pid}/statm").read_text().split()[1]
         return int(pages) * 4096
 
-    def run(self, steps):
-        warm = None
-        for number in range(steps):
+    def run(self, steps, minutes):
+        warm, number, share, begin = None, 0, 0, time.monotonic()
+        while share < 1:
             try:
                 self.step()
             except (DriverError, StopIteration) as error:
                 raise DriverError(f"step {number}: {self.story} (fault: {self.fault}): {error}") from error
             print(f"{number:5}  {self.story}" + (f"  [{self.fault}]" if self.fault else ""), flush=True)
-            if number == steps // 3:
+            number += 1
+            share = (time.monotonic() - begin) / 60 / minutes if minutes else number / steps
+            if warm is None and share >= 1 / 3:
                 warm = self.memory()
+        print(f"{number} steps in {time.monotonic() - begin:.0f} s")
         print(f"memory: {warm >> 20} MiB after a third, {self.memory() >> 20} MiB at the end")
         if self.memory() > warm + GROWTH:
             raise DriverError("the program has grown too much")
@@ -360,7 +364,7 @@ def run(arguments, folder, display):
         chaos.story, chaos.wants_login = "", True
         chaos.settle()
         try:
-            chaos.run(arguments.steps)
+            chaos.run(arguments.steps, arguments.minutes)
         except DriverError:
             if program.process.poll() is None:
                 print("Log of the program:", program.text("txtLog")[-3000:], sep="\n", file=sys.stderr)
@@ -378,12 +382,14 @@ def main():
     parser.add_argument("--server", choices=KINDS, default="pyftpdlib")
     parser.add_argument("--seed", type=int, default=random.randrange(1_000_000))
     parser.add_argument("--steps", type=int, default=40)
+    parser.add_argument("--minutes", type=float, help="as many steps as fit, in place of --steps")
     parser.add_argument("--faults", type=float, default=0.3, help="how many of the steps are broken")
     arguments = parser.parse_args()
     if not can_run(arguments.server):
         print(f"NOT RUN: {arguments.server} needs root")
         return 77
-    print(f"seed {arguments.seed}, {arguments.steps} steps, {arguments.server}")
+    length = f"{arguments.minutes} minutes" if arguments.minutes else f"{arguments.steps} steps"
+    print(f"seed {arguments.seed}, {length}, {arguments.server}", flush=True)
     try:
         with tempfile.TemporaryDirectory(prefix="tarvelo-chaos-") as folder, Display() as display:
             run(arguments, Path(folder), display)

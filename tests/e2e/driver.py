@@ -2,6 +2,7 @@
 import contextlib
 import json
 import os
+import re
 import select
 import signal
 import socket
@@ -64,6 +65,12 @@ class FtpServer:
         self._process.wait()
 
 
+def runtime_of_sanitizer(program):
+    """The address sanitizer's library when the program is built with it, in a list: it must be loaded
+    before all others."""
+    return re.findall(r"libasan\S* => (\S+)", subprocess.check_output(["ldd", str(program)], text=True))
+
+
 class Program:
     """The program with the driver in it. Every method answers when the program has done it, or has
     put it into its event queue; `wait` waits for what follows."""
@@ -78,7 +85,8 @@ class Program:
         listener.bind(folder + "/socket")
         listener.listen(1)
         home = Path(home)
-        environment = dict(os.environ, LD_PRELOAD=str(driver), TARVELO_DRIVER=folder + "/socket",
+        preloaded = ":".join([*runtime_of_sanitizer(program), str(driver)])
+        environment = dict(os.environ, LD_PRELOAD=preloaded, TARVELO_DRIVER=folder + "/socket",
                            HOME=str(home), LANG="de_DE.UTF-8", LC_ALL="C.UTF-8")
         for name in ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR",
                      "TEMP"):
