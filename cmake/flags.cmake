@@ -23,8 +23,7 @@ if(SANITIZE)
     target_compile_options(build_flags INTERFACE -Wno-tsan)
   endif()
 endif()
-if(COVERAGE)
-  target_compile_options(build_flags INTERFACE --coverage)
+if(COVERAGE) # of src/, see there
   target_link_options(build_flags INTERFACE --coverage)
 endif()
 
