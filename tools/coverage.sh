@@ -19,7 +19,8 @@ if [ "${1:-}" != --report ]; then
     ctest --test-dir "$build" --parallel "$jobs" --output-on-failure
 fi
 
-gcovr --root . --filter src/ --json "$build/lines.json" "$build/src"
+tools/coroutinelines.py "$build/src"
+gcovr -j "$jobs" --root . --filter src/ --json "$build/lines.json" "$build/src"
 
 # table AT_LEAST OPTIONS..
 table()
