@@ -11,15 +11,16 @@ constexpr std::size_t window = 128;
 Awaitable<Status> CommandStream::send(std::size_t most)
 {
     bool queued = false;
-    while (m_next < m_commands.size() && m_underway.size() < most && !stopped()) {
-        Status possible = m_session.line().queue(m_commands[m_next]);
+    while (m_next && m_underway.size() < most && !stopped()) {
+        Command command { m_sent++, std::move(*m_next) };
+        m_next = m_source();
+        Status possible = m_session.line().queue(command.text);
         if (possible) {
-            m_underway.push_back(m_next);
+            m_underway.push_back(std::move(command));
             queued = true;
         } else {
-            m_answered(m_next, std::move(possible));
+            m_answered(command, std::move(possible));
         }
-        m_commands[m_next++].clear();
     }
     if (!queued) {
         co_return Status {};
@@ -40,7 +41,7 @@ Awaitable<Status> CommandStream::run()
             co_return Status {};
         }
         // Half a window of answers before the next packet keeps packets big.
-        const bool more = m_next < m_commands.size() && !stopped();
+        const bool more = m_next && !stopped();
         const std::size_t keep = more ? ahead / 2 : 0;
         while (m_underway.size() > keep) {
             auto reply = co_await m_session.dialogue().finalReply();
@@ -48,9 +49,9 @@ Awaitable<Status> CommandStream::run()
                 m_session.markBroken();
                 co_return tl::unexpected(reply.error());
             }
-            const std::size_t index = m_underway.front();
+            const Command command = std::move(m_underway.front());
             m_underway.pop_front();
-            m_answered(index, reply->done() ? Status {} : Status(refusal(*reply)));
+            m_answered(command, reply->done() ? Status {} : Status(refusal(*reply)));
         }
     }
 }

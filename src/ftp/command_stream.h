@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
-#include <vector>
 
 namespace ftp {
 
@@ -15,14 +15,20 @@ namespace ftp {
 /// over that is sent one at a time.
 class CommandStream {
 public:
-    /// Hears the answer to the command of that index, in their order; a refusal or a command that
-    /// cannot be sent is an error.
-    using Answered = std::function<void(std::size_t index, Status answer)>;
+    /// Gives the next command, nothing behind the last one.
+    using Source = std::function<std::optional<std::string>()>;
+    struct Command {
+        std::size_t index = 0; ///< counts from 0
+        std::string text;
+    };
+    /// Hears the answer to a command; a refusal or a command that cannot be sent is an error.
+    using Answered = std::function<void(const Command &command, Status answer)>;
 
-    CommandStream(Session &session, std::vector<std::string> commands, Answered answered)
+    CommandStream(Session &session, Source source, Answered answered)
         : m_session(session)
-        , m_commands(std::move(commands))
+        , m_source(std::move(source))
         , m_answered(std::move(answered))
+        , m_next(m_source())
     {
     }
 
@@ -33,16 +39,17 @@ public:
     Awaitable<Status> run();
 
     /// What was sent and got no answer because the line broke: it may or may not have been done.
-    [[nodiscard]] const std::deque<std::size_t> &unanswered() const { return m_underway; }
+    [[nodiscard]] const std::deque<Command> &unanswered() const { return m_underway; }
 
 private:
     Awaitable<Status> send(std::size_t most);
 
     Session &m_session;
-    std::vector<std::string> m_commands;
+    Source m_source;
     Answered m_answered;
-    std::size_t m_next = 0; ///< not sent yet from here on
-    std::deque<std::size_t> m_underway;
+    std::optional<std::string> m_next; ///< not sent yet
+    std::size_t m_sent = 0;
+    std::deque<Command> m_underway;
 };
 
 } // namespace ftp

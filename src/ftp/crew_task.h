@@ -2,8 +2,8 @@
 
 #include "ftp/crew.h"
 #include "ftp/data_connection.h"
-#include "ftp/listing.h"
 #include "ftp/path.h"
+#include "ftp/tree_listing.h"
 
 #include <functional>
 #include <memory>
@@ -32,7 +32,8 @@ struct Job {
     int tries = 0;
     bool begun = false; ///< the server agreed to take it, so that what it holds now is ours
     bool link = false;
-    std::shared_ptr<Listing> machine; ///< what MLSD told of a folder, until LIST shows the links
+    std::shared_ptr<TreeListing>
+        machine; ///< what MLSD told of a folder, until LIST shows the links
     bool plain = false; ///< to be listed without any option
     bool unlisted = false; ///< size and time are to be asked for, since no listing tells them
 
@@ -95,7 +96,7 @@ public:
     virtual void done(const Job &job) = 0;
     /// The server or the disk does not want it.
     virtual void refused(Session &session, Job job, const Error &error) = 0;
-    virtual void listed(Session & /*session*/, const Job & /*job*/, const Listing & /*listing*/) { }
+    virtual void listed(const Job & /*job*/, TreeListing /*listing*/) { }
     /// A job that was not begun, or a listing that has to be asked for in another way.
     virtual void putBack(Job job) = 0;
     /// Whether the replies are of no interest to the user.

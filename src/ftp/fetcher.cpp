@@ -228,17 +228,22 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
             server.plainListOnly = true; // once more without the option
             m_task.putBack(std::move(flow.job));
         } else if (flow.job.machine) {
-            m_task.listed(session, flow.job, *flow.job.machine); // MLSD must do
+            m_task.listed(flow.job, std::move(*flow.job.machine)); // MLSD must do
             m_task.done(flow.job);
         } else {
             m_task.refused(session, flow.job, **start);
         }
         co_return Status {};
     }
-    Listing listing;
-    const auto take = [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
-    const std::int64_t now
-        = static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0);
+    TreeListing listing;
+    const std::int64_t zone = server.zoneOffset.value_or(0);
+    const bool linksOnly = flow.job.machine != nullptr; // all others are known
+    const auto take = [&listing, zone, linksOnly](const Entry &entry) {
+        if (!linksOnly || entry.type == 'l') {
+            listing.add(entry, zone);
+        }
+    };
+    const std::int64_t now = static_cast<std::int64_t>(std::time(nullptr)) + zone;
     ListingParser parser = machine ? mlsdParser(take) : listParser(fromEpoch(now), take);
     const Status started;
     auto end = co_await ftp::receiveListing(session, *flow.data, started, std::move(parser));
@@ -264,18 +269,18 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
 
 /// A machine listing with folders is compared with LIST before anything is done with it: links to
 /// folders that look like folders would be followed without end.
-Status Fetcher::takeListing(Session &session, Job &job, Listing listing)
+Status Fetcher::takeListing(Session &session, Job &job, TreeListing listing)
 {
-    if (byMachine(session, job) && hasFolders(listing)) {
-        job.machine = std::make_shared<Listing>(std::move(listing));
+    if (byMachine(session, job) && listing.hasFolders()) {
+        job.machine = std::make_shared<TreeListing>(std::move(listing));
         m_task.putBack(std::move(job));
         return {};
     }
     if (job.machine) {
-        markLinks(*job.machine, listing);
+        job.machine->markLinks(listing);
         listing = std::move(*job.machine);
     }
-    m_task.listed(session, job, listing);
+    m_task.listed(job, std::move(listing));
     m_task.done(job);
     return {};
 }

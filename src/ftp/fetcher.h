@@ -28,7 +28,7 @@ private:
     Awaitable<Status> receiveListing(Session &session, Flow &flow);
     [[nodiscard]] static std::string transferCommand(Session &session, const Job &job);
 
-    Status takeListing(Session &session, Job &job, Listing listing);
+    Status takeListing(Session &session, Job &job, TreeListing listing);
 
     CrewTask &m_task;
     bool m_entered = false;

@@ -61,12 +61,6 @@ CivilTime serverNow(const ServerKnowledge &server)
     return fromEpoch(static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0));
 }
 
-/// A take that collects into a listing.
-ListingParser::Take into(Listing &listing)
-{
-    return [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
-}
-
 } // namespace
 
 Awaitable<Result<ListingEnd>> receiveListing(Session &session, DataConnection &data, Status started,
@@ -139,20 +133,9 @@ Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take 
 Awaitable<Result<Listing>> listCurrentFolder(Session &session)
 {
     Listing listing;
-    ListingParser::Take take = into(listing);
+    ListingParser::Take take
+        = [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
     auto end = co_await readListing(session, std::move(take));
-    if (!end) {
-        co_return tl::unexpected(end.error());
-    }
-    listing.understood = end->understood;
-    co_return listing;
-}
-
-Awaitable<Result<Listing>> listCurrentFolderPlainly(Session &session)
-{
-    Listing listing;
-    ListingParser::Take take = into(listing);
-    auto end = co_await readPlainListing(session, std::move(take));
     if (!end) {
         co_return tl::unexpected(end.error());
     }

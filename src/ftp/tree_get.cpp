@@ -3,12 +3,22 @@
 #include "ftp/tree.h"
 #include "ftp/tree_task.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <deque>
 #include <sys/stat.h>
 
 namespace ftp {
 namespace {
+
+/// A folder that was listed: what is in it becomes jobs only when their turn comes, so that the
+/// memory needed does not grow with the tree.
+struct Listed {
+    std::shared_ptr<const FolderPair> folder;
+    TreeListing entries;
+    TreeListing::Position file {}, subfolder {}; ///< the next ones, if any
+    std::size_t files = 0, subfolders = 0; ///< still to come
+};
 
 /// The walk through a remote tree: every folder listed brings further folders and files.
 class TreeGetter final : public TreeTask {
@@ -19,7 +29,8 @@ public:
     {
         Job job;
         job.folder = top(remote, std::move(local));
-        add(std::move(job));
+        m_returned.push_back(std::move(job));
+        m_crew.jobAdded();
         Status fetched = co_await m_crew.run();
         if (m_fetcher.entered()) {
             co_await m_crew.returnHome();
@@ -27,8 +38,8 @@ public:
         co_return fetched;
     }
 
-    void putBack(Job job) override { queueOf(job).push_front(std::move(job)); }
-    void listed(Session &session, const Job &job, const Listing &listing) override;
+    void putBack(Job job) override { m_returned.push_back(std::move(job)); }
+    void listed(const Job &job, TreeListing listing) override;
 
 private:
     Mover &mover() override { return m_fetcher; }
@@ -37,46 +48,47 @@ private:
     {
         return client().names().decodePath(job.remotePath());
     }
-    void add(Job job)
-    {
-        queueOf(job).push_back(std::move(job));
-        m_crew.jobAdded();
-    }
-    std::deque<Job> &queueOf(const Job &job) { return job.isFolder() ? m_folders : m_files; }
-    void takeEntry(Session &session, const std::shared_ptr<const FolderPair> &folder,
-                   const Entry &entry);
-    void addFolder(const FolderPair &parent, const std::string &name, const std::string &shown);
+    [[nodiscard]] bool isWanted(const FolderPair &folder, const TreeEntry &entry);
+    void count(const FolderPair &folder, const TreeEntry &entry);
+    Job nextFile(Listed &from);
+    Job nextFolder(Listed &from);
     void checkSpace(const std::string &local);
-    void reject(const std::string &note, const char *text)
+    void reject(const FolderPair &folder, const TreeEntry &entry);
+    std::string shownName(const FolderPair &folder, const TreeEntry &entry)
     {
-        m_crew.note(note);
-        m_crew.failed({ ErrorKind::UnsafeName, 0, text });
+        return client().names().decode(folder.remote, entry.name);
     }
 
     Fetcher m_fetcher { *this };
     std::int64_t m_replaced = 0; ///< bytes of local files whose room comes free
-    std::deque<Job> m_files, m_folders;
+    std::deque<Job> m_returned;
+    std::deque<Listed> m_listed;
+    std::size_t m_files = 0; ///< in m_listed, still to come
 };
 
 std::optional<Job> TreeGetter::take(Session & /*session*/)
 {
-    const bool folderFirst
-        = m_files.empty() || (!m_folders.empty() && m_files.size() < enoughFiles);
-    auto &queue = folderFirst ? m_folders : m_files;
-    if (m_crew.stopped() || queue.empty()) {
+    if (m_crew.stopped()) {
         return std::nullopt;
     }
-    // Files in order, folders newest first: so the walk goes into the depth.
-    Job job = std::move(folderFirst ? queue.back() : queue.front());
-    if (folderFirst) {
-        queue.pop_back();
-    } else {
-        queue.pop_front();
+    if (!m_returned.empty()) {
+        Job job = std::move(m_returned.front());
+        m_returned.pop_front();
+        return job;
     }
-    return job;
+    std::erase_if(m_listed, [](const Listed &l) { return l.files == 0 && l.subfolders == 0; });
+    // Files in order, folders newest first: so the walk goes into the depth.
+    const auto newest = std::find_if(m_listed.rbegin(), m_listed.rend(),
+                                     [](const Listed &l) { return l.subfolders > 0; });
+    if (newest != m_listed.rend() && m_files < enoughFiles) {
+        return nextFolder(*newest);
+    }
+    const auto oldest = std::find_if(m_listed.begin(), m_listed.end(),
+                                     [](const Listed &l) { return l.files > 0; });
+    return oldest == m_listed.end() ? std::nullopt : std::optional(nextFile(*oldest));
 }
 
-void TreeGetter::listed(Session &session, const Job &job, const Listing &listing)
+void TreeGetter::listed(const Job &job, TreeListing listing)
 {
     struct stat status { };
     const std::string &local = job.folder->local;
@@ -87,10 +99,22 @@ void TreeGetter::listed(Session &session, const Job &job, const Listing &listing
         m_crew.failed(error);
         return;
     }
-    for (const Entry &entry : listing.entries) {
-        takeEntry(session, job.folder, entry);
+    m_listed.push_back({ job.folder, std::move(listing) });
+    Listed &here = m_listed.back();
+    TreeListing::Position at;
+    while (const auto entry = here.entries.next(at)) {
+        if (isWanted(*job.folder, *entry)) {
+            ++(entry->type == 'd' ? here.subfolders : here.files);
+            count(*job.folder, *entry);
+        } else if (!entry->isDot()) {
+            reject(*job.folder, *entry);
+        }
     }
+    m_files += here.files;
     checkSpace(local);
+    for (std::size_t i = here.files + here.subfolders; i > 0; --i) {
+        m_crew.jobAdded();
+    }
 }
 
 /// Compares what the listings told so far with the room on the disk, before files fill it up.
@@ -108,52 +132,65 @@ void TreeGetter::checkSpace(const std::string &local)
     m_crew.failed({ ErrorKind::LocalDiskFull, 0, "Not enough space left on the local disk" });
 }
 
-void TreeGetter::addFolder(const FolderPair &parent, const std::string &name,
-                           const std::string &shown)
+bool TreeGetter::isWanted(const FolderPair &folder, const TreeEntry &entry)
 {
-    auto below = std::make_shared<FolderPair>();
-    below->remote = joinPath(parent.remote, name);
-    below->local = joinPath(parent.local, shown);
-    below->depth = parent.depth + 1;
-    Job job;
-    job.folder = std::move(below);
-    add(std::move(job));
+    return isSafeName(entry.name) && isSafeName(shownName(folder, entry))
+        && (entry.type != 'd' || folder.depth < deepest);
 }
 
-void TreeGetter::takeEntry(Session &session, const std::shared_ptr<const FolderPair> &folder,
-                           const Entry &entry)
+void TreeGetter::reject(const FolderPair &folder, const TreeEntry &entry)
 {
-    if (entry.name == "." || entry.name == "..") {
-        return;
-    }
-    const std::string shown = client().names().decode(folder->remote, entry.name);
-    if (!isSafeName(entry.name) || !isSafeName(shown)) {
-        reject("Unzulässiger Name vom Server, nicht übertragen: " + shown,
-               "Unsafe name from the server");
-        return;
-    }
+    const std::string shown = shownName(folder, entry);
+    const bool safe = isSafeName(entry.name) && isSafeName(shown);
+    m_crew.note((safe ? "Zu tief verschachtelt, nicht übertragen: "
+                      : "Unzulässiger Name vom Server, nicht übertragen: ")
+                + shown);
+    m_crew.failed({ ErrorKind::UnsafeName, 0,
+                    safe ? "Folders are nested too deeply" : "Unsafe name from the server" });
+}
+
+/// What a file will need, and what it will set free.
+void TreeGetter::count(const FolderPair &folder, const TreeEntry &entry)
+{
     if (entry.type == 'd') {
-        if (folder->depth >= deepest) {
-            reject("Zu tief verschachtelt, nicht übertragen: " + shown,
-                   "Folders are nested too deeply");
-        } else {
-            addFolder(*folder, entry.name, shown);
-        }
         return;
     }
-    Job job;
-    job.folder = folder;
-    job.name = entry.name;
-    job.localName = shown;
-    job.link = entry.type == 'l';
-    job.size = job.link ? -1 : entry.size;
-    if (entry.time) {
-        const std::int64_t zone = entry.utc ? 0 : session.knowledge().zoneOffset.value_or(0);
-        job.time = toEpoch(*entry.time) - zone;
+    m_crew.addTotal(entry.type == 'l' ? 0 : entry.size);
+    m_replaced += fileSize(joinPath(folder.local, shownName(folder, entry))).value_or(0);
+}
+
+Job TreeGetter::nextFile(Listed &from)
+{
+    auto entry = from.entries.next(from.file);
+    while (entry->type == 'd' || !isWanted(*from.folder, *entry)) {
+        entry = from.entries.next(from.file);
     }
-    m_crew.addTotal(job.link ? 0 : entry.size);
-    m_replaced += fileSize(job.localPath()).value_or(0);
-    add(std::move(job));
+    --from.files;
+    --m_files;
+    Job job;
+    job.folder = from.folder;
+    job.name = entry->name;
+    job.localName = shownName(*from.folder, *entry);
+    job.link = entry->type == 'l';
+    job.size = job.link ? -1 : entry->size;
+    job.time = entry->time;
+    return job;
+}
+
+Job TreeGetter::nextFolder(Listed &from)
+{
+    auto entry = from.entries.next(from.subfolder);
+    while (entry->type != 'd' || !isWanted(*from.folder, *entry)) {
+        entry = from.entries.next(from.subfolder);
+    }
+    --from.subfolders;
+    auto below = std::make_shared<FolderPair>();
+    below->remote = joinPath(from.folder->remote, entry->name);
+    below->local = joinPath(from.folder->local, shownName(*from.folder, *entry));
+    below->depth = from.folder->depth + 1;
+    Job job;
+    job.folder = std::move(below);
+    return job;
 }
 
 } // namespace

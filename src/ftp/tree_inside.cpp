@@ -8,8 +8,6 @@
 namespace ftp {
 namespace {
 
-bool isDotEntry(const Entry &entry) { return entry.name == "." || entry.name == ".."; }
-
 /// The absolute path of a folder as raw bytes, without a separator at its end.
 std::string rawFolder(Client &client, const std::string &folder)
 {
@@ -20,11 +18,12 @@ std::string rawFolder(Client &client, const std::string &folder)
     return raw.starts_with('/') ? raw : joinPath(client.session().folder(), raw);
 }
 
-void count(const Listing &listing, FolderContent &content)
+void count(const TreeListing &listing, FolderContent &content)
 {
-    for (const Entry &entry : listing.entries) {
-        if (!isDotEntry(entry)) {
-            ++(entry.type == 'd' ? content.folders : content.files);
+    TreeListing::Position at;
+    while (const auto entry = listing.next(at)) {
+        if (!entry->isDot()) {
+            ++(entry->type == 'd' ? content.folders : content.files);
         }
     }
 }
@@ -38,24 +37,17 @@ public:
     {
     }
 
-    Awaitable<Status> visit(Session &session, std::string path, const Listing &listing)
+    Awaitable<Status> visit(Session &session, std::string path, const TreeListing &listing)
     {
-        std::vector<std::string> commands;
-        std::vector<std::string> paths;
-        for (const Entry &entry : listing.entries) {
-            if (isDotEntry(entry) || entry.type == 'l' || !isSafeName(entry.name)) {
-                continue; // SITE chmod would change what a link leads to
-            }
-            const int mode = entry.type == 'd' ? m_modes.folders : m_modes.files;
-            paths.push_back(joinPath(path, entry.name));
-            commands.push_back("SITE chmod " + std::to_string(mode) + ' ' + paths.back());
-        }
-        CommandStream stream(session, std::move(commands),
-                             [&](std::size_t index, const Status &changed) {
-                                 if (!changed) {
-                                     refused(paths[index], changed.error());
-                                 }
-                             });
+        TreeListing::Position at;
+        CommandStream::Source source = [&] { return nextCommand(path, listing, at); };
+        CommandStream::Answered answered
+            = [this](const CommandStream::Command &command, const Status &changed) {
+                  if (!changed) {
+                      refused(pathOf(command.text), changed.error());
+                  }
+              };
+        CommandStream stream(session, std::move(source), std::move(answered));
         co_return co_await stream.run();
     }
 
@@ -75,6 +67,25 @@ public:
     }
 
 private:
+    [[nodiscard]] std::optional<std::string> nextCommand(const std::string &path,
+                                                         const TreeListing &listing,
+                                                         TreeListing::Position &at) const
+    {
+        while (const auto entry = listing.next(at)) {
+            if (entry->isDot() || entry->type == 'l' || !isSafeName(entry->name)) {
+                continue; // SITE chmod would change what a link leads to
+            }
+            const int mode = entry->type == 'd' ? m_modes.folders : m_modes.files;
+            return "SITE chmod " + std::to_string(mode) + ' ' + joinPath(path, entry->name);
+        }
+        return std::nullopt;
+    }
+    /// What a command is about; paths are absolute.
+    [[nodiscard]] static std::string pathOf(const std::string &command)
+    {
+        return command.substr(command.find('/'));
+    }
+
     Client &m_client;
     InsideModes m_modes;
     std::optional<Error> m_first;
@@ -91,7 +102,7 @@ Awaitable<Result<FolderContent>> countInside(Client &client, std::vector<std::st
         tops.push_back(rawFolder(client, folder));
     }
     FolderVisitor visit
-        = [&content](Session &, std::string, const Listing &listing) -> Awaitable<Status> {
+        = [&content](Session &, std::string, const TreeListing &listing) -> Awaitable<Status> {
         count(listing, content);
         co_return Status {};
     };
@@ -112,9 +123,10 @@ Awaitable<Status> changeModesInside(Client &client, std::string folder, InsideMo
     const std::atomic_bool never = false;
     std::vector<std::string> tops;
     tops.push_back(rawFolder(client, folder));
-    FolderVisitor visit = [&change](Session &session, std::string path, const Listing &listing) {
-        return change.visit(session, std::move(path), listing);
-    };
+    FolderVisitor visit
+        = [&change](Session &session, std::string path, const TreeListing &listing) {
+              return change.visit(session, std::move(path), listing);
+          };
     WalkFailed failed
         = [&change](const std::string &at, const Error &error) { change.refused(at, error); };
     Status walked

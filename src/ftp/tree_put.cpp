@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <deque>
 #include <dirent.h>
+#include <string_view>
 #include <sys/stat.h>
 
 namespace ftp {
@@ -16,22 +17,47 @@ namespace {
 /// MKD commands on their way at a time.
 constexpr std::size_t burst = 64;
 
+/// The names in a folder, in order, in little memory: a folder may hold hundreds of thousands.
+class Names {
+public:
+    void add(std::string_view name)
+    {
+        m_starts.push_back(m_text.size());
+        m_text.append(name).push_back('\0');
+    }
+    void sort()
+    {
+        std::sort(m_starts.begin(), m_starts.end(),
+                  [this](auto a, auto b) { return at(a) < at(b); });
+    }
+    [[nodiscard]] std::size_t size() const { return m_starts.size(); }
+    [[nodiscard]] std::string operator[](std::size_t index) const
+    {
+        return std::string(at(m_starts[index]));
+    }
+
+private:
+    [[nodiscard]] std::string_view at(std::size_t start) const { return m_text.data() + start; }
+    std::string m_text;
+    std::vector<std::size_t> m_starts;
+};
+
 /// Names in a local folder, without "." and "..".
-Result<std::vector<std::string>> namesIn(const std::string &folder)
+Result<Names> namesIn(const std::string &folder)
 {
     DIR *directory = ::opendir(folder.c_str());
     if (directory == nullptr) {
         return localError(errno, folder);
     }
-    std::vector<std::string> names;
+    Names names;
     while (const dirent *entry = ::readdir(directory)) {
         const std::string name = entry->d_name;
         if (name != "." && name != "..") {
-            names.push_back(name);
+            names.add(name);
         }
     }
     ::closedir(directory);
-    std::sort(names.begin(), names.end());
+    names.sort();
     return names;
 }
 
@@ -52,11 +78,15 @@ private:
     Awaitable<Status> makeFolders();
     Awaitable<Status> checkFolder(std::string remote, Reply refused);
     void fill();
+    bool nextFolder();
+    void addJob(const std::string &name);
 
     Storer m_storer { *this };
     std::deque<Job> m_jobs;
     std::deque<std::shared_ptr<const FolderPair>> m_folders; ///< in order, parents first
-    std::size_t m_filled = 0; ///< folders whose files became jobs
+    std::size_t m_filled = 0; ///< folders whose names are or were in m_names
+    Names m_names; ///< of the folder whose files become jobs
+    std::size_t m_nextName = 0;
 };
 
 Awaitable<Status> TreePutter::run(std::string local, std::string remote)
@@ -82,11 +112,11 @@ Awaitable<Status> TreePutter::survey(std::shared_ptr<const FolderPair> folder)
         leaveOut(folder->local, names.error());
         co_return folder->depth == 0 ? Status(tl::unexpected(names.error())) : Status {};
     }
-    std::size_t seen = 0;
-    for (const std::string &name : *names) {
+    for (std::size_t i = 0; i < names->size(); ++i) {
+        const std::string name = (*names)[i];
         const std::string path = joinPath(folder->local, name);
         struct stat entry { };
-        if (++seen % 1000 == 0) { // others get their turn
+        if (i % 1000 == 999) { // others get their turn
             co_await asio::post(client().session().executor(), asio::use_awaitable);
         }
         if (::lstat(path.c_str(), &entry) != 0) {
@@ -161,25 +191,38 @@ Awaitable<Status> TreePutter::makeFolders()
     co_return result;
 }
 
-/// Turns the files of the next folders into jobs, as many as are useful at a time.
+/// Turns the next files into jobs, as many as are useful at a time.
 void TreePutter::fill()
 {
-    while (m_jobs.size() < enoughFiles && m_filled < m_folders.size() && !m_crew.stopped()) {
-        const auto folder = m_folders[m_filled++];
-        auto names = namesIn(folder->local);
-        if (!names) {
-            continue; // told by the survey
+    while (m_jobs.size() < enoughFiles && !m_crew.stopped()) {
+        if (m_nextName < m_names.size()) {
+            addJob(m_names[m_nextName++]);
+        } else if (!nextFolder()) {
+            return;
         }
-        for (const std::string &name : *names) {
-            Job job;
-            job.folder = folder;
-            job.name = job.localName = name; // local bytes are the wire's too
-            struct stat entry { };
-            if (::stat(job.localPath().c_str(), &entry) == 0 && S_ISREG(entry.st_mode)) {
-                m_jobs.push_back(std::move(job));
-                m_crew.jobAdded();
-            }
-        }
+    }
+}
+
+/// @return false when there is none
+bool TreePutter::nextFolder()
+{
+    if (m_filled == m_folders.size()) {
+        return false;
+    }
+    m_names = namesIn(m_folders[m_filled++]->local).value_or(Names()); // told by the survey
+    m_nextName = 0;
+    return true;
+}
+
+void TreePutter::addJob(const std::string &name)
+{
+    Job job;
+    job.folder = m_folders[m_filled - 1];
+    job.name = job.localName = name; // local bytes are the wire's too
+    struct stat entry { };
+    if (::stat(job.localPath().c_str(), &entry) == 0 && S_ISREG(entry.st_mode)) {
+        m_jobs.push_back(std::move(job));
+        m_crew.jobAdded();
     }
 }
 

@@ -10,6 +10,7 @@ namespace ftp {
 namespace {
 
 constexpr int mostTries = 3;
+const std::string deletion = "DELE ";
 
 /// A folder on its way out. It goes when nothing is left to do in it.
 struct Doomed {
@@ -24,6 +25,12 @@ struct Doomed {
     std::string real; ///< where the server says it is; empty = unknown
 };
 using DoomedPointer = std::shared_ptr<Doomed>;
+
+/// Intended: links inside a tree are neither followed nor deleted.
+bool isDoomed(const TreeEntry &entry)
+{
+    return !entry.isDot() && entry.type != 'l' && isSafeName(entry.name);
+}
 
 class TreeRemover {
 public:
@@ -55,10 +62,12 @@ public:
 private:
     Awaitable<Status> work(Session &session);
     Awaitable<Status> empty(Session &session, DoomedPointer &folder);
-    Awaitable<Status> removeFiles(Session &session, std::vector<std::string> files);
+    Awaitable<Status> removeFiles(Session &session, DoomedPointer folder,
+                                  const TreeListing &listing);
     Awaitable<Status> leave(Session &session, DoomedPointer &folder);
     Awaitable<Result<bool>> enter(Session &session, DoomedPointer folder);
-    std::vector<std::string> sort(const Listing &listing, const DoomedPointer &folder);
+    void addFolders(const TreeListing &listing, const DoomedPointer &folder);
+    void addFolder(std::string path, const DoomedPointer &parent);
     Awaitable<Status> removeLink(Session &session, const DoomedPointer &link);
 
     void add(DoomedPointer folder)
@@ -121,54 +130,55 @@ Awaitable<Status> TreeRemover::removeLink(Session &session, const DoomedPointer 
     co_return Status {};
 }
 
-Awaitable<Status> TreeRemover::removeFiles(Session &session, std::vector<std::string> files)
+Awaitable<Status> TreeRemover::removeFiles(Session &session, DoomedPointer folder,
+                                           const TreeListing &listing)
 {
-    std::vector<std::string> commands;
-    commands.reserve(files.size());
-    for (const std::string &file : files) {
-        commands.push_back("DELE " + file);
-    }
-    CommandStream stream(session, std::move(commands), [&](std::size_t index, const Status &done) {
-        if (!done) {
-            refuse(files[index], done.error());
+    TreeListing::Position at;
+    CommandStream::Source source = [&]() -> std::optional<std::string> {
+        auto entry = listing.next(at);
+        while (entry && (entry->type == 'd' || !isDoomed(*entry))) {
+            entry = listing.next(at);
         }
-    });
+        return entry ? std::optional(deletion + joinPath(folder->path, entry->name)) : std::nullopt;
+    };
+    CommandStream::Answered answered
+        = [this](const CommandStream::Command &command, const Status &done) {
+              if (!done) {
+                  refuse(command.text.substr(deletion.size()), done.error());
+              }
+          };
+    CommandStream stream(session, std::move(source), std::move(answered));
     stream.stopped = [this] { return m_crew.stopped(); };
     // When the line breaks, the folder is listed once more, and that tells what is still there.
     co_return co_await stream.run();
 }
 
-/// Adds the folders of a listing as jobs. @return paths of the files
-std::vector<std::string> TreeRemover::sort(const Listing &listing, const DoomedPointer &folder)
+/// Adds the folders of a listing as jobs, when it is the first one of its folder.
+void TreeRemover::addFolders(const TreeListing &listing, const DoomedPointer &folder)
 {
-    std::vector<std::string> files;
-    for (const Entry &entry : listing.entries) {
-        // Intended: links inside a tree are neither followed nor deleted.
-        if (entry.name == "." || entry.name == ".." || entry.type == 'l') {
-            continue;
-        }
-        if (!isSafeName(entry.name)) {
+    TreeListing::Position at;
+    while (const auto entry = listing.next(at)) {
+        if (!entry->isDot() && entry->type != 'l' && !isSafeName(entry->name)) {
             refuse(folder->path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
-            continue;
-        }
-        std::string path = joinPath(folder->path, entry.name);
-        if (entry.type != 'd') {
-            files.push_back(std::move(path));
-        } else if (folder->walked) {
-            continue;
-        } else if (folder->depth >= deepestFolder) {
-            refuse(path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
-        } else {
-            ++folder->pending;
-            auto below = std::make_shared<Doomed>();
-            below->parent = folder;
-            below->path = std::move(path);
-            below->depth = folder->depth + 1;
-            add(std::move(below));
+        } else if (entry->type == 'd' && isDoomed(*entry) && !folder->walked) {
+            addFolder(joinPath(folder->path, entry->name), folder);
         }
     }
     folder->walked = true;
-    return files;
+}
+
+void TreeRemover::addFolder(std::string path, const DoomedPointer &parent)
+{
+    if (parent->depth >= deepestFolder) {
+        refuse(path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+        return;
+    }
+    ++parent->pending;
+    auto below = std::make_shared<Doomed>();
+    below->parent = parent;
+    below->path = std::move(path);
+    below->depth = parent->depth + 1;
+    add(std::move(below));
 }
 
 /// Empties and leaves one folder. @param folder  afterwards the one whose turn it was, an ancestor
@@ -183,7 +193,7 @@ Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer &folder)
         folder->kept = true;
         co_return co_await leave(session, folder);
     }
-    Result<Listing> listing;
+    Result<TreeListing> listing;
     if (link) {
         listing = co_await listWithLinks(session);
     } else {
@@ -200,9 +210,8 @@ Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer &folder)
         }
         co_return tl::unexpected(listing.error());
     }
-    std::vector<std::string> files = sort(*listing, folder);
-    listing = Listing {};
-    Status removed = co_await removeFiles(session, std::move(files));
+    addFolders(*listing, folder);
+    Status removed = co_await removeFiles(session, folder, *listing);
     if (!removed) {
         co_return removed;
     }
@@ -280,15 +289,18 @@ Awaitable<Status> removeTree(Client &client, std::string folder)
 
 Awaitable<Status> removeFiles(Client &client, std::vector<std::string> paths, FileDone done)
 {
-    std::vector<std::string> commands;
-    commands.reserve(paths.size());
-    for (const std::string &path : paths) {
-        commands.push_back("DELE " + client.encode(path));
-    }
-    CommandStream stream(client.session(), std::move(commands), done);
+    CommandStream::Source source = [&, next = paths.begin()]() mutable {
+        return next == paths.end() ? std::nullopt
+                                   : std::optional(deletion + client.encode(*next++));
+    };
+    CommandStream::Answered answered
+        = [&done](const CommandStream::Command &command, const Status &removed) {
+              done(command.index, removed);
+          };
+    CommandStream stream(client.session(), std::move(source), std::move(answered));
     Status broken = co_await stream.run();
-    for (const std::size_t index : stream.unanswered()) {
-        done(index, broken);
+    for (const CommandStream::Command &command : stream.unanswered()) {
+        done(command.index, broken);
     }
     co_return broken;
 }

@@ -1,9 +1,8 @@
 #include "ftp/tree_walk.h"
 
 #include "ftp/path.h"
+#include "ftp/transfer.h"
 
-#include <algorithm>
-#include <set>
 #include <string_view>
 
 namespace ftp {
@@ -93,14 +92,15 @@ private:
         co_return co_await m_visit(m_session, folder.path, *listing);
     }
 
-    void addFolders(const Pending &folder, const std::string &here, const Listing &listing)
+    void addFolders(const Pending &folder, const std::string &here, const TreeListing &listing)
     {
-        for (const Entry &entry : listing.entries) {
-            if (entry.type != 'd' || entry.name == "." || entry.name == "..") {
+        TreeListing::Position at;
+        while (const auto entry = listing.next(at)) {
+            if (entry->type != 'd' || entry->isDot()) {
                 continue;
             }
-            const std::string path = joinPath(folder.path, entry.name);
-            if (!isSafeName(entry.name)) {
+            const std::string path = joinPath(folder.path, entry->name);
+            if (!isSafeName(entry->name)) {
                 m_failed(path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
             } else if (folder.depth >= deepestFolder) {
                 m_failed(path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
@@ -117,28 +117,6 @@ private:
 };
 
 } // namespace
-
-bool hasFolders(const Listing &listing)
-{
-    return std::any_of(listing.entries.begin(), listing.entries.end(), [](const Entry &entry) {
-        return entry.type == 'd' && entry.name != "." && entry.name != "..";
-    });
-}
-
-void markLinks(Listing &listing, const Listing &plain)
-{
-    std::set<std::string_view> links;
-    for (const Entry &entry : plain.entries) {
-        if (entry.type == 'l') {
-            links.insert(entry.name);
-        }
-    }
-    for (Entry &entry : listing.entries) {
-        if (links.contains(entry.name)) {
-            entry.type = 'l';
-        }
-    }
-}
 
 Awaitable<Result<std::string>> enterFolder(Session &session, std::string path)
 {
@@ -171,26 +149,36 @@ Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path)
         co_return session.usable() ? Result<FolderNature>(FolderNature {})
                                    : Result<FolderNature>(tl::unexpected(above.error()));
     }
-    auto listing = co_await listCurrentFolderPlainly(session);
-    if (!listing && !session.usable()) {
-        co_return tl::unexpected(listing.error());
-    }
     FolderNature nature { false, std::move(*above) };
-    if (listing) {
-        nature.link = std::any_of(
-            listing->entries.begin(), listing->entries.end(),
-            [&name](const Entry &entry) { return entry.type == 'l' && entry.name == name; });
+    ListingParser::Take take = [&](const Entry &entry) {
+        nature.link = nature.link || (entry.type == 'l' && entry.name == name);
+    };
+    auto listed = co_await readPlainListing(session, std::move(take));
+    if (!listed && !session.usable()) {
+        co_return tl::unexpected(listed.error());
     }
     co_return nature;
 }
 
-Awaitable<Result<Listing>> listWithLinks(Session &session)
+Awaitable<Result<TreeListing>> listWithLinks(Session &session)
 {
-    auto listing = co_await listCurrentFolder(session);
-    if (listing && session.features().mlstUnixMode() && hasFolders(*listing)) {
-        auto plain = co_await listCurrentFolderPlainly(session);
+    const std::int64_t zone = session.knowledge().zoneOffset.value_or(0);
+    TreeListing listing;
+    ListingParser::Take take = [&](const Entry &entry) { listing.add(entry, zone); };
+    auto listed = co_await readListing(session, std::move(take));
+    if (!listed) {
+        co_return tl::unexpected(listed.error());
+    }
+    if (session.features().mlstUnixMode() && listing.hasFolders()) {
+        TreeListing links;
+        ListingParser::Take takeLink = [&](const Entry &entry) {
+            if (entry.type == 'l') {
+                links.add(entry, zone);
+            }
+        };
+        auto plain = co_await readPlainListing(session, std::move(takeLink));
         if (plain) {
-            markLinks(*listing, *plain);
+            listing.markLinks(links);
         } else if (!session.usable()) {
             co_return tl::unexpected(plain.error());
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ftp/client.h"
+#include "ftp/tree_listing.h"
 
 #include <atomic>
 #include <functional>
@@ -29,18 +30,12 @@ struct FolderNature {
 /// Looks into the folder above. A folder above that may not be entered or listed tells nothing.
 Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path);
 
-/// Whether a listing shows folders besides the folder itself and its parent.
-[[nodiscard]] bool hasFolders(const Listing &listing);
-/// Some servers follow links in machine listings, and a link to a folder looks like a folder there.
-/// What LIST shows as a link is one.
-void markLinks(Listing &listing, const Listing &plain);
-
 /// Lists the current folder for a walk that must not follow links.
-Awaitable<Result<Listing>> listWithLinks(Session &session);
+Awaitable<Result<TreeListing>> listWithLinks(Session &session);
 
 /// Looks at one folder of a walk. The session stands in it.
-using FolderVisitor
-    = std::function<Awaitable<Status>(Session &session, std::string path, const Listing &listing)>;
+using FolderVisitor = std::function<Awaitable<Status>(Session &session, std::string path,
+                                                      const TreeListing &listing)>;
 /// Hears of what could not be looked at.
 using WalkFailed = std::function<void(const std::string &path, const Error &error)>;
 
