@@ -2,7 +2,6 @@
 
 #include <array>
 #include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
 #include <asio/redirect_error.hpp>
 #include <asio/use_awaitable.hpp>
 
@@ -12,6 +11,9 @@ namespace {
 /// Pauses before a lost connection is made again.
 constexpr std::array pauses { std::chrono::milliseconds(100), std::chrono::milliseconds(2000),
                               std::chrono::milliseconds(5000) };
+
+/// Servers end sessions that say nothing for some minutes.
+constexpr auto keepAlive = std::chrono::seconds(45);
 
 /// So many lost lines in a row without a file in between, and the work is given up.
 constexpr int mostFruitless = 3;
@@ -38,7 +40,7 @@ Crew::Crew(Client &client, Worker worker, CrewRules rules)
     if (!m_rules.progress) {
         m_rules.progress = client.session().hooks().progress;
     }
-    m_news.expires_at(asio::steady_timer::time_point::max());
+    m_news.expires_after(keepAlive);
 }
 
 void Crew::wakeAll() { m_news.cancel(); }
@@ -79,13 +81,27 @@ void Crew::jobDone()
     }
 }
 
-Awaitable<bool> Crew::wait()
+/// Waits until something changes. @return false when nothing did for a long while
+Awaitable<bool> Crew::news()
+{
+    if (m_news.expiry() <= asio::steady_timer::clock_type::now()) {
+        m_news.expires_after(keepAlive); // all who waited for it have been woken
+    }
+    std::error_code woken;
+    co_await m_news.async_wait(asio::redirect_error(asio::use_awaitable, woken));
+    co_return woken == asio::error::operation_aborted;
+}
+
+Awaitable<bool> Crew::wait(Session &session)
 {
     if (m_open > 0 && !m_stopped) {
         ++m_waiting;
-        std::error_code ignored; // the timer only ever ends by being cancelled
-        co_await m_news.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
+        const bool changed = co_await news();
         --m_waiting;
+        if (!changed && session.usable()) {
+            auto alive = co_await session.ask("NOOP");
+            ignoreError(alive, "the session says itself whether it is usable");
+        }
     }
     co_return m_open > 0 && !m_stopped;
 }
@@ -111,7 +127,14 @@ void Crew::hire()
     auto session = std::make_shared<Session>(first.executor(), first.loginData(), quietHooks(),
                                              first.sharedKnowledge());
     m_client.addHelper(session);
-    asio::co_spawn(first.executor(), join(std::move(session)), asio::detached);
+    asio::co_spawn(first.executor(), join(std::move(session)),
+                   [this](const std::exception_ptr &thrown) {
+                       if (thrown) { // out of memory, say; nobody must wait for it
+                           m_full = true;
+                           --m_helpers;
+                           wakeAll();
+                       }
+                   });
 }
 
 Awaitable<void> Crew::join(std::shared_ptr<Session> session)
@@ -142,15 +165,38 @@ Awaitable<Status> Crew::reopen()
 {
     Status opened = fail(ErrorKind::ConnectionClosed, "Connection closed by server");
     for (const auto pause : pauses) {
-        asio::steady_timer timer(m_client.session().executor(), pause);
-        std::error_code error;
-        co_await timer.async_wait(asio::redirect_error(asio::use_awaitable, error));
+        co_await rest(pause);
         if (m_client.aborted()) {
             co_return fail(ErrorKind::Aborted, "Aborted");
         }
         opened = co_await m_client.session().open();
         if (opened) {
             co_return co_await m_client.session().changeFolder(m_home);
+        }
+    }
+    co_return opened;
+}
+
+/// A pause that an abort ends soon.
+Awaitable<void> Crew::rest(Milliseconds pause)
+{
+    constexpr Milliseconds step { 100 };
+    asio::steady_timer timer(m_client.session().executor());
+    for (Milliseconds passed { 0 }; passed < pause && !m_client.aborted(); passed += step) {
+        timer.expires_after(step);
+        std::error_code ignored; // nobody cancels it
+        co_await timer.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
+    }
+}
+
+/// As long as others work, a server that does not let us in again just now has not ended it all.
+Awaitable<Status> Crew::reopenWhileOthersWork()
+{
+    Status opened = co_await reopen();
+    while (!opened && m_helpers > 0 && m_open > 0 && !m_stopped && !m_client.aborted()) {
+        const bool changed = co_await news();
+        if (!changed || m_helpers == 0) {
+            opened = co_await reopen();
         }
     }
     co_return opened;
@@ -178,7 +224,10 @@ Awaitable<void> Crew::workAlone()
         }
         note("Die Verbindung ging verloren (" + worked.error().text
              + "); sie wird wieder hergestellt.");
-        Status opened = co_await reopen();
+        Status opened = co_await reopenWhileOthersWork();
+        if (!opened && m_open == 0) {
+            break; // the others have done it
+        }
         if (!opened) {
             failed(worked.error());
             m_stopped = true;
@@ -199,8 +248,7 @@ Awaitable<void> Crew::dismiss()
         if (m_client.aborted()) {
             m_client.abort();
         }
-        std::error_code ignored; // the timer only ever ends by being cancelled
-        co_await m_news.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
+        co_await news();
     }
 }
 

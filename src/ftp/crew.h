@@ -46,8 +46,9 @@ public:
     void progressed() { m_fruitless = 0; }
     /// A job was given back; somebody who waits may take it.
     void jobReturned() { wakeAll(); }
-    /// Waits until there may be something to take. @return false when all is done or stopped
-    Awaitable<bool> wait();
+    /// Waits until there may be something to take; now and then the server hears from the session
+    /// meanwhile, which may turn out to be lost. @return false when all is done or stopped
+    Awaitable<bool> wait(Session &session);
 
     /// Keeps the first failure; the others go on unless it makes going on senseless.
     void failed(const Error &error);
@@ -71,6 +72,9 @@ public:
 
 private:
     Awaitable<void> workAlone();
+    Awaitable<bool> news();
+    Awaitable<void> rest(Milliseconds pause);
+    Awaitable<Status> reopenWhileOthersWork();
     Awaitable<void> join(std::shared_ptr<Session> session);
     Awaitable<Status> reopen();
     Awaitable<void> dismiss();
@@ -82,7 +86,7 @@ private:
     Worker m_worker;
     CrewRules m_rules;
     std::string m_home; ///< folder of the client's session at the start
-    asio::steady_timer m_news; ///< cancelled when something changes
+    asio::steady_timer m_news; ///< cancelled when something changes, see news()
     std::optional<Error> m_firstError;
     ProgressMeter m_meter;
     std::vector<std::shared_ptr<Session>> m_joining; ///< helpers that are still logging in

@@ -89,7 +89,9 @@ Awaitable<Status> CrewTask::workOff(Session &session)
 {
     Status typed = co_await session.setType(m_type);
     if (!typed) {
-        m_crew.failed(typed.error());
+        if (m_crew.isFirst(session)) { // what a helper cannot do the others will
+            m_crew.failed(typed.error());
+        }
         co_return session.usable() ? Status {} : typed;
     }
     std::optional<Flow> current, next;
@@ -105,9 +107,12 @@ Awaitable<Status> CrewTask::workOff(Session &session)
                 job = take(session);
             }
             if (!job) {
-                const bool more = co_await m_crew.wait();
+                const bool more = co_await m_crew.wait(session);
                 if (!more) {
                     co_return Status {};
+                }
+                if (!session.usable()) {
+                    co_return fail(ErrorKind::ConnectionClosed, "Connection closed by server");
                 }
                 continue;
             }
@@ -116,7 +121,7 @@ Awaitable<Status> CrewTask::workOff(Session &session)
         }
         Status step = co_await carryOut(session, *current, next);
         if (!step) {
-            const bool goesOn = session.usable() && step.error().kind == ErrorKind::Truncated;
+            const bool goesOn = session.usable() && brokeInTheMiddle(step.error());
             if (next && step.error().kind != ErrorKind::Aborted) {
                 session.knowledge().noLookAhead = true; // perhaps it was that, so it costs no try
                 --current->job.tries;

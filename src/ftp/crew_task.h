@@ -18,6 +18,7 @@ struct FolderPair {
     std::string remote; ///< raw bytes, absolute
     std::string local;
     int depth = 0;
+    std::string above = {}; ///< where the server says that the folder above is; empty = unknown
 };
 
 /// One file to be moved, or a remote folder to be listed.
@@ -30,11 +31,15 @@ struct Job {
     std::int64_t time = 0; ///< seconds since 1970, UTC; 0 unknown
     std::int64_t counted = 0; ///< bytes that the progress knows of
     int tries = 0;
-    bool begun = false; ///< the server agreed to take it, so that what it holds now is ours
+    /// What stands at the target is what this transfer brought so far.
+    bool begun = false;
+    std::optional<std::int64_t> before; ///< size of what stood at an upload's target; 0 nothing
     bool link = false;
     std::shared_ptr<TreeListing>
         machine; ///< what MLSD told of a folder, until LIST shows the links
+    std::string real = {}; ///< where the server says that the listed folder is; empty = unknown
     bool plain = false; ///< to be listed without any option
+    bool noMachine = false; ///< MLSD was refused
     bool unlisted = false; ///< size and time are to be asked for, since no listing tells them
 
     [[nodiscard]] bool isFolder() const { return name.empty(); }
@@ -51,6 +56,7 @@ struct Flow {
     std::unique_ptr<DataConnection> data;
     std::vector<std::string> facts; ///< those of its preparations that ask for size and time
     std::size_t owed = 0; ///< replies to its preparations that are still to come
+    bool withOption = false; ///< it is a listing with hidden names
     bool asked = false; ///< the transfer command went out with the preparations
 };
 
@@ -70,7 +76,7 @@ public:
         return std::nullopt;
     }
     /// The rest. The outcome is told to the task, except that of a job that broke off, which is the
-    /// error returned; the session goes on when it is usable and the error is Truncated.
+    /// error returned; the session goes on when it is usable and brokeInTheMiddle().
     /// @param replies  those to the preparations
     virtual Awaitable<Status> flow(Session &session, Flow &flow, std::vector<Reply> replies,
                                    LookAhead ahead)
@@ -96,6 +102,8 @@ public:
     virtual void done(const Job &job) = 0;
     /// The server or the disk does not want it.
     virtual void refused(Session &session, Job job, const Error &error) = 0;
+    /// A link that cannot be fetched as a file; it may lead to a folder.
+    virtual void linkRefused(const Job &job) { done(job); }
     virtual void listed(const Job & /*job*/, TreeListing /*listing*/) { }
     /// A job that was not begun, or a listing that has to be asked for in another way.
     virtual void putBack(Job job) = 0;

@@ -40,6 +40,23 @@ struct Error {
         text; ///< the server's reply lines (joined by CR LF) or a text of our own, never empty
 };
 
+/// The server refuses whenever it is asked (5xx).
+[[nodiscard]] inline bool isFinalRefusal(const Error &error)
+{
+    return error.kind == ErrorKind::Refused && error.replyCode / 100 == 5;
+}
+/// The server cannot just now (4xx), and not because its disk is full.
+[[nodiscard]] inline bool isPassingRefusal(const Error &error)
+{
+    return error.kind == ErrorKind::Refused && error.replyCode / 100 == 4 && error.replyCode != 451
+        && error.replyCode != 452;
+}
+/// The bytes stopped in the middle while the control connection stood: worth another try.
+[[nodiscard]] inline bool brokeInTheMiddle(const Error &error)
+{
+    return error.kind == ErrorKind::Truncated || error.replyCode == 426;
+}
+
 /// A value or the reason why there is none; must be looked at.
 template <class T> struct [[nodiscard]] Result : tl::expected<T, Error> {
     using tl::expected<T, Error>::expected;

@@ -36,10 +36,12 @@ Awaitable<Result<std::optional<Error>>> awaitStart(Session &session, DataConnect
     co_return std::optional<Error>();
 }
 
+const std::string listAll = "LIST -a";
+
 /// Whether a folder is listed by MLSD; LIST works in the current folder only.
 bool byMachine(const Session &session, const Job &job)
 {
-    return session.features().mlst && !job.machine;
+    return session.features().mlst && !job.machine && !job.noMachine;
 }
 bool mustEnter(const Session &session, const Job &job)
 {
@@ -59,6 +61,7 @@ Result<std::vector<std::string>> Fetcher::preparations(Session &session, Flow &f
     if (mustEnter(session, flow.job)) {
         m_entered = true;
         commands.push_back("CWD " + flow.job.folder->remote);
+        commands.emplace_back("PWD");
     } else if (flow.job.unlisted) {
         flow.facts = commands = factCommands(session, flow.job.remotePath(), m_task.type());
     }
@@ -74,7 +77,7 @@ std::string Fetcher::transferCommand(Session &session, const Job &job)
     if (byMachine(session, job)) {
         return "MLSD " + job.remotePath();
     }
-    return job.plain || session.knowledge().plainListOnly ? "LIST" : "LIST -a";
+    return job.plain || session.knowledge().plainListOnly ? "LIST" : listAll;
 }
 
 std::optional<std::string> Fetcher::transferAhead(Session &session, const Flow &flow)
@@ -92,6 +95,16 @@ Awaitable<Result<bool>> Fetcher::takeReplies(Session &session, Flow &flow,
     if (mustEnter(session, flow.job) && !replies.front().done()) {
         m_task.refused(session, flow.job, refusal(replies.front()).value());
         co_return false;
+    }
+    if (mustEnter(session, flow.job)) {
+        const FolderPair &folder = *flow.job.folder;
+        flow.job.real = folderTold(replies[1]);
+        const std::string name = folder.remote.substr(folder.remote.rfind('/') + 1);
+        if (leadsElsewhere(folder.above, name, flow.job.real)) { // a link that the listings hid
+            // The port that was opened for its listing is taken back by the next one.
+            m_task.done(flow.job);
+            co_return false;
+        }
     }
     if (!flow.facts.empty()) {
         const RemoteFacts facts = takeFacts(session, flow.facts, replies);
@@ -129,7 +142,9 @@ Awaitable<Status> Fetcher::flow(Session &session, Flow &flow, std::vector<Reply>
     }
     Status step;
     if (!flow.asked) {
-        step = session.line().queue(transferCommand(session, flow.job));
+        const std::string command = transferCommand(session, flow.job);
+        flow.withOption = command == listAll;
+        step = session.line().queue(command);
     }
     if (!step) { // a name that no command may carry
         m_task.refused(session, flow.job, step.error());
@@ -157,7 +172,7 @@ Awaitable<Status> Fetcher::receiveFile(Session &session, Flow &flow)
     }
     if (*start) {
         if (flow.job.link && (*start)->replyCode / 100 == 5) {
-            m_task.done(flow.job); // leads to a folder or nowhere
+            m_task.linkRefused(flow.job);
         } else {
             m_task.refused(session, flow.job, **start);
         }
@@ -169,7 +184,8 @@ Awaitable<Status> Fetcher::receiveFile(Session &session, Flow &flow)
         co_return Status {};
     }
     const ErrorKind kind = received.error().kind;
-    if (session.usable() && kind != ErrorKind::Truncated && kind != ErrorKind::ConnectionClosed) {
+    if (session.usable() && !brokeInTheMiddle(received.error())
+        && kind != ErrorKind::ConnectionClosed) {
         m_task.refused(session, flow.job, received.error());
         co_return Status {};
     }
@@ -184,6 +200,7 @@ Awaitable<Status> Fetcher::receiveBytes(Session &session, Flow &flow)
     std::int64_t bytes = 0;
     m_task.moved(job, -job.counted); // an earlier try counts no more
     Status received = file.open(job.localPath(), 0);
+    job.begun = file.inPlace();
     if (received) {
         received = co_await receiveAll(session, *flow.data, [&](std::string_view block) {
             bytes += static_cast<std::int64_t>(block.size());
@@ -224,16 +241,7 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
     ServerKnowledge &server = session.knowledge();
     const bool machine = byMachine(session, flow.job);
     if (*start) {
-        if (!machine && !server.plainListOnly) {
-            server.plainListOnly = true; // once more without the option
-            m_task.putBack(std::move(flow.job));
-        } else if (flow.job.machine) {
-            m_task.listed(flow.job, std::move(*flow.job.machine)); // MLSD must do
-            m_task.done(flow.job);
-        } else {
-            m_task.refused(session, flow.job, **start);
-        }
-        co_return Status {};
+        co_return listingRefused(session, flow, **start);
     }
     TreeListing listing;
     const std::int64_t zone = server.zoneOffset.value_or(0);
@@ -247,14 +255,15 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
     ListingParser parser = machine ? mlsdParser(take) : listParser(fromEpoch(now), take);
     const Status started;
     auto end = co_await ftp::receiveListing(session, *flow.data, started, std::move(parser));
-    if (!end && end.error().kind == ErrorKind::Refused && session.usable()) {
+    if (!end && end.error().kind == ErrorKind::Refused && session.usable()
+        && !brokeInTheMiddle(end.error())) {
         m_task.refused(session, flow.job, end.error());
         co_return Status {};
     }
     if (!end) {
         co_return tl::unexpected(end.error());
     }
-    if (!end->understood && !machine && !server.plainListOnly && !flow.job.plain) {
+    if (!end->understood && flow.withOption && !flow.job.plain) {
         flow.job.plain = true; // perhaps the option was taken for a name
         m_task.putBack(std::move(flow.job));
         co_return Status {};
@@ -265,6 +274,31 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
         co_return Status {};
     }
     co_return takeListing(session, flow.job, std::move(listing));
+}
+
+/// A refused listing is asked for in another way, where there is one.
+Status Fetcher::listingRefused(Session &session, Flow &flow, const Error &error)
+{
+    constexpr int moreTries = 2;
+    if (isPassingRefusal(error) && flow.job.tries < moreTries) {
+        ++flow.job.tries; // a folder is too much to lose for it
+        m_task.putBack(std::move(flow.job));
+        return {};
+    }
+    const bool final = isFinalRefusal(error);
+    if (final && flow.withOption) {
+        session.knowledge().plainListOnly = true;
+        m_task.putBack(std::move(flow.job));
+    } else if (final && byMachine(session, flow.job)) {
+        flow.job.noMachine = true;
+        m_task.putBack(std::move(flow.job));
+    } else if (flow.job.machine) {
+        m_task.listed(flow.job, std::move(*flow.job.machine)); // MLSD must do
+        m_task.done(flow.job);
+    } else {
+        m_task.refused(session, flow.job, error);
+    }
+    return {};
 }
 
 /// A machine listing with folders is compared with LIST before anything is done with it: links to
@@ -293,7 +327,8 @@ Awaitable<Status> Fetcher::again(Session &session, Job &job)
     request.type = m_task.type();
     const std::int64_t have = fileSize(request.localPath).value_or(0);
     // Only what this transfer brought may be continued; an older file is fetched anew.
-    request.offset = request.type == Type::Binary && have == job.counted ? have : 0;
+    const bool ours = job.begun && have == job.counted;
+    request.offset = request.type == Type::Binary && ours ? have : 0;
     m_task.moved(job, request.offset - job.counted);
     std::int64_t last = 0;
     request.progress = [&](std::int64_t bytes) {

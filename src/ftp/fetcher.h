@@ -28,6 +28,7 @@ private:
     Awaitable<Status> receiveListing(Session &session, Flow &flow);
     [[nodiscard]] static std::string transferCommand(Session &session, const Job &job);
 
+    Status listingRefused(Session &session, Flow &flow, const Error &error);
     Status takeListing(Session &session, Job &job, TreeListing listing);
 
     CrewTask &m_task;

@@ -102,7 +102,7 @@ Status takeChecks(Session &session, std::span<const std::string> commands,
     for (std::size_t i = 0; i < commands.size(); ++i) {
         const Reply &reply = replies[i];
         if (!commands[i].starts_with("SIZE ")) {
-            session.knowledge().noSetTime = reply.code / 100 == 5;
+            session.knowledge().noSetTime = isUnknown(reply);
         } else if (const auto size = sizeOf(reply); size && *size != file.size()) {
             complete = fail(ErrorKind::Truncated,
                             "The server holds " + std::to_string(*size) + " of "

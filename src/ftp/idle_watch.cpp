@@ -67,6 +67,8 @@ Awaitable<Status> IdleWatch::keepAlive()
 
 Awaitable<Status> IdleWatch::watch()
 {
+    constexpr int mostUnasked = 100; // replies in a row that a sane server would never send
+    int unasked = 0;
     auto &socket = m_session.line().stream().socket();
     for (;;) {
         std::error_code error;
@@ -103,6 +105,10 @@ Awaitable<Status> IdleWatch::watch()
         if (!alive && m_stopping && !asked) {
             co_return Status {}; // the reading was ended by stop(); a lost line shows in the next
                                  // command
+        }
+        unasked = asked ? 0 : unasked + 1;
+        if (alive && unasked > mostUnasked) {
+            alive = fail(ErrorKind::Protocol, "The server talks without being asked");
         }
         if (!alive) {
             m_session.markBroken();

@@ -41,19 +41,26 @@ Awaitable<Status> prepare(Session &session, DataConnection &data, bool machine)
     co_return co_await data.beginOrOpen(std::move(replies->back()));
 }
 
+/// What became of one command for a listing.
+struct Fetched {
+    Result<ListingEnd> end;
+    bool unknown = false; ///< the command itself was refused for good
+};
+
 /// Carries out one command for a listing and hands its text to the parser.
-Awaitable<Result<ListingEnd>> fetch(Session &session, std::string command, ListingParser parser)
+Awaitable<Fetched> fetch(Session &session, std::string command, ListingParser parser)
 {
     DataConnection data(session);
     Status begun = co_await prepare(session, data, command == "MLSD");
     if (!begun) {
-        co_return tl::unexpected(begun.error());
+        co_return Fetched { tl::unexpected(begun.error()) };
     }
     Status received = co_await startTransfer(session, data, std::move(command));
     if (!received && (!session.usable() || received.error().kind == ErrorKind::Refused)) {
-        co_return tl::unexpected(received.error());
+        co_return Fetched { tl::unexpected(received.error()), isFinalRefusal(received.error()) };
     }
-    co_return co_await receiveListing(session, data, received, std::move(parser));
+    auto end = co_await receiveListing(session, data, received, std::move(parser));
+    co_return Fetched { std::move(end) };
 }
 
 CivilTime serverNow(const ServerKnowledge &server)
@@ -97,21 +104,26 @@ Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::
 {
     ServerKnowledge &server = session.knowledge();
     if (!server.plainListOnly) {
-        ListingParser parser = listParser(serverNow(server), take);
-        auto all = co_await fetch(session, "LIST -a", std::move(parser));
-        if (all && all->bytes > 0 && all->understood) {
-            co_return all;
+        bool begun = false; // once an entry was told, nothing may be told twice
+        ListingParser parser = listParser(serverNow(server), [&](Entry &&entry) {
+            begun = true;
+            take(std::move(entry));
+        });
+        const Fetched all = co_await fetch(session, "LIST -a", std::move(parser));
+        if (all.end && all.end->bytes > 0 && all.end->understood) {
+            co_return all.end;
         }
-        if (!all && all.error().kind != ErrorKind::Refused) {
-            co_return tl::unexpected(all.error());
+        if (begun || (!all.end && all.end.error().kind != ErrorKind::Refused)) {
+            co_return all.end;
         }
         // Refused, or taken for a file of that name, perhaps with an error message in place of the
         // listing: this server knows no options. An empty answer alone proves nothing, since
-        // hidden names such as ".." may be left out.
-        server.plainListOnly = !all;
+        // hidden names such as ".." may be left out; nor does a refusal that passes.
+        server.plainListOnly = all.unknown;
     }
     ListingParser parser = listParser(serverNow(server), std::move(take));
-    co_return co_await fetch(session, "LIST", std::move(parser));
+    const Fetched plain = co_await fetch(session, "LIST", std::move(parser));
+    co_return plain.end;
 }
 
 Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take take)
@@ -122,9 +134,9 @@ Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take 
             begun = true;
             take(std::move(entry));
         });
-        auto machine = co_await fetch(session, "MLSD", std::move(parser));
-        if (machine || begun || machine.error().kind != ErrorKind::Refused) {
-            co_return machine;
+        const Fetched machine = co_await fetch(session, "MLSD", std::move(parser));
+        if (machine.end || begun || machine.end.error().kind != ErrorKind::Refused) {
+            co_return machine.end;
         }
     }
     co_return co_await readPlainListing(session, std::move(take));

@@ -35,6 +35,8 @@ public:
     /// @param offset  bytes of the existing file to keep; 0 writes it anew
     Status open(const std::string &path, std::int64_t offset);
     Status write(std::string_view bytes);
+    /// Whether the bytes go into the file itself, so that an earlier content of it is gone.
+    [[nodiscard]] bool inPlace() const { return m_temporary.empty(); }
     /// Completes the file: sets its modification time (seconds since 1970, UTC) when known and puts
     /// it in the place of an older one.
     Status commit(std::optional<std::int64_t> modified);

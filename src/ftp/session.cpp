@@ -370,7 +370,8 @@ Awaitable<Result<std::vector<Reply>>> Session::askAll(std::vector<std::string> c
             co_return tl::unexpected(sendable.error());
         }
     }
-    if (pipelining() && usable()) {
+    const bool together = pipelining() && usable(); // another session may find out meanwhile
+    if (together) {
         for (const std::string &command : commands) {
             Status queued = m_line->queue(command);
             if (!queued) {
@@ -383,10 +384,9 @@ Awaitable<Result<std::vector<Reply>>> Session::askAll(std::vector<std::string> c
             co_return tl::unexpected(sent.error());
         }
     }
-    const bool sentAll = pipelining() && usable();
     for (const std::string &command : commands) {
         Result<Reply> answer;
-        if (sentAll) {
+        if (together) {
             answer = co_await m_dialogue->finalReply();
         } else {
             answer = co_await ask(command);

@@ -4,9 +4,16 @@
 #include "ftp/side_task.h"
 #include "ftp/transfer.h"
 
-#include <cstdlib>
-
 namespace ftp {
+namespace {
+
+/// Answers to a command as such, which no stored file gets (RFC 959, section 4.2.1).
+bool refusesCommands(const Error &error)
+{
+    return error.kind == ErrorKind::Refused && error.replyCode >= 500 && error.replyCode <= 504;
+}
+
+} // namespace
 
 Result<std::vector<std::string>> Storer::preparations(Session &session, Flow &flow)
 {
@@ -39,8 +46,11 @@ Awaitable<Status> Storer::flow(Session &session, Flow &flow, std::vector<Reply> 
         m_task.refused(session, flow.job, sendable.error());
         co_return Status {};
     }
+    step = co_await lookBefore(session, flow.job, file);
     Checks checks;
-    step = queueAll(session, flow, file, checks);
+    if (step) {
+        step = queueAll(session, flow, file, checks);
+    }
     if (step) {
         step = ahead();
     }
@@ -51,6 +61,24 @@ Awaitable<Status> Storer::flow(Session &session, Flow &flow, std::vector<Reply> 
         co_return step;
     }
     co_return co_await send(session, flow, file, std::move(checks));
+}
+
+/// What stands there before a file that would be worth continuing: some servers keep it until the
+/// new one is complete, and the new one must not go on behind it.
+Awaitable<Status> Storer::lookBefore(Session &session, Job &job, const OutgoingFile &file)
+{
+    constexpr std::int64_t worthIt = 1024 * 1024;
+    if (file.size() < worthIt || m_task.type() != Type::Binary || session.knowledge().noSize) {
+        co_return Status {};
+    }
+    auto size = co_await session.ask("SIZE " + job.remotePath());
+    if (!size) {
+        co_return tl::unexpected(size.error());
+    }
+    if (!isUnknown(*size)) {
+        job.before = sizeOf(*size).value_or(0);
+    }
+    co_return Status {};
 }
 
 /// The transfer command and what may travel with it.
@@ -81,7 +109,7 @@ Status Storer::queueAll(Session &session, const Flow &flow, const OutgoingFile &
 
 void Storer::takeTime(Session &session, const Reply &reply)
 {
-    session.knowledge().noSetTime = reply.code / 100 == 5;
+    session.knowledge().noSetTime = isUnknown(reply);
 }
 
 /// The time of the last file, when no other follows that it could travel with.
@@ -112,7 +140,7 @@ Awaitable<Status> Storer::send(Session &session, Flow &flow, OutgoingFile &file,
     if (stored) {
         m_times[&session] = std::move(checks.time);
         m_task.done(flow.job);
-    } else if (stored.error().kind == ErrorKind::Truncated) {
+    } else if (brokeInTheMiddle(stored.error())) {
         co_return stored;
     } else {
         m_task.refused(session, flow.job, stored.error());
@@ -122,7 +150,6 @@ Awaitable<Status> Storer::send(Session &session, Flow &flow, OutgoingFile &file,
 
 Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &file, bool timeOwed)
 {
-    flow.job.begun = false;
     if (timeOwed) {
         auto told = co_await session.dialogue().finalReply();
         if (!told) {
@@ -142,7 +169,6 @@ Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &
                      sendFile(session, *flow.data, file, 0, m_task.type(), meter));
     auto answer = co_await session.dialogue().reply();
     const bool begins = answer && answer->preliminary();
-    job.begun = begins;
     begins ? flow.data->permit() : flow.data->abort();
     Status sent = co_await sending.join();
     meter.finish();
@@ -157,8 +183,15 @@ Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &
         }
         co_return refusal(*answer);
     }
-    co_return co_await finishTransfer(session, *flow.data, sent,
-                                      patience(session.timeout(), file.size()));
+    Status finished = co_await finishTransfer(session, *flow.data, sent,
+                                              patience(session.timeout(), file.size()));
+    if (sent && !finished && refusesCommands(finished.error()) && m_task.looksAhead(session)) {
+        // It was one of those behind, which came during the transfer; this one's is still to come.
+        session.knowledge().noLookAhead = true;
+        session.markBroken();
+        co_return fail(ErrorKind::Protocol, "The server does not take commands during a transfer");
+    }
+    co_return finished;
 }
 
 Awaitable<Status> Storer::verify(Session &session, OutgoingFile &file, const Checks &checks,
@@ -183,20 +216,19 @@ Awaitable<Status> Storer::verify(Session &session, OutgoingFile &file, const Che
     co_return stored ? takeChecks(session, checks.commands, replies, file) : stored;
 }
 
-/// Where an upload that broke off may go on. Bytes that went into the line prove nothing: until the
-/// server agreed, an older file stands there, and so it does when it holds more than was sent.
+/// Where an upload that broke off may go on. Bytes that went into the line prove nothing, and what
+/// stands there is ours only when it is not what stood there before.
 Awaitable<Result<std::int64_t>> Storer::resumeOffset(Session &session, const Job &job)
 {
-    if (m_task.type() != Type::Binary || job.counted <= 0 || !job.begun) {
+    if (m_task.type() != Type::Binary || job.counted <= 0 || !job.before) {
         co_return 0;
     }
     auto size = co_await session.ask("SIZE " + job.remotePath());
     if (!size) {
         co_return tl::unexpected(size.error());
     }
-    const std::int64_t have
-        = size->code == 213 ? std::strtoll(std::string(size->message()).c_str(), nullptr, 10) : 0;
-    co_return have <= job.counted ? have : 0;
+    const std::int64_t have = sizeOf(*size).value_or(0);
+    co_return have <= job.counted &&have != *job.before ? have : 0;
 }
 
 Awaitable<Status> Storer::again(Session &session, Job &job)

@@ -29,6 +29,7 @@ private:
         std::string time; ///< MFMT, once the file is known to be there
         bool timeOwed = false; ///< the reply to the MFMT of the file before is still to come
     };
+    Awaitable<Status> lookBefore(Session &session, Job &job, const OutgoingFile &file);
     Status queueAll(Session &session, const Flow &flow, const OutgoingFile &file, Checks &checks);
     void takeTime(Session &session, const Reply &reply);
     Awaitable<Status> send(Session &session, Flow &flow, OutgoingFile &file, Checks checks);

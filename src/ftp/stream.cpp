@@ -309,6 +309,21 @@ Awaitable<Status> Stream::startTls(TlsContext &context, std::string host, TlsRol
     }
 }
 
+bool Stream::holdsBytes() const
+{
+    if (!m_ssl) {
+        return false;
+    }
+    // Not SSL_pending or SSL_has_pending: the one knows only the record that was begun, the other
+    // counts tickets, too.
+    ERR_clear_error();
+    char byte = 0;
+    std::size_t count = 0;
+    const bool holds = SSL_peek_ex(m_ssl.get(), &byte, 1, &count) == 1;
+    ERR_clear_error();
+    return holds;
+}
+
 Awaitable<Status> Stream::finishSending(Milliseconds limit)
 {
     while (m_ssl && !m_aborted) {

@@ -61,6 +61,8 @@ public:
     [[nodiscard]] const asio::any_io_executor &executor() { return m_executor; }
     [[nodiscard]] bool encrypted() const { return m_ssl != nullptr; }
     [[nodiscard]] SSL *ssl() const { return m_ssl.get(); }
+    /// Whether decrypted bytes can be read without waiting.
+    [[nodiscard]] bool holdsBytes() const;
     [[nodiscard]] bool closeNotifyReceived() const { return m_closeNotify; }
 
     Awaitable<Status> connect(asio::ip::tcp::endpoint endpoint, Milliseconds limit);

@@ -15,6 +15,7 @@ namespace {
 /// memory needed does not grow with the tree.
 struct Listed {
     std::shared_ptr<const FolderPair> folder;
+    std::string real; ///< where the server says it is
     TreeListing entries;
     TreeListing::Position file {}, subfolder {}; ///< the next ones, if any
     std::size_t files = 0, subfolders = 0; ///< still to come
@@ -32,13 +33,19 @@ public:
         m_returned.push_back(std::move(job));
         m_crew.jobAdded();
         Status fetched = co_await m_crew.run();
-        if (m_fetcher.entered()) {
+        co_await judgeLinks();
+        if (m_fetcher.entered() || !m_links.empty()) {
             co_await m_crew.returnHome();
         }
         co_return fetched;
     }
 
     void putBack(Job job) override { m_returned.push_back(std::move(job)); }
+    void linkRefused(const Job &job) override
+    {
+        m_links.push_back(job.remotePath());
+        done(job);
+    }
     void listed(const Job &job, TreeListing listing) override;
 
 private:
@@ -51,6 +58,7 @@ private:
     [[nodiscard]] bool isWanted(const FolderPair &folder, const TreeEntry &entry);
     void count(const FolderPair &folder, const TreeEntry &entry);
     Job nextFile(Listed &from);
+    Awaitable<void> judgeLinks();
     Job nextFolder(Listed &from);
     void checkSpace(const std::string &local);
     void reject(const FolderPair &folder, const TreeEntry &entry);
@@ -62,14 +70,18 @@ private:
     Fetcher m_fetcher { *this };
     std::int64_t m_replaced = 0; ///< bytes of local files whose room comes free
     std::deque<Job> m_returned;
+    std::vector<std::string> m_links; ///< those that could not be fetched
     std::deque<Listed> m_listed;
     std::size_t m_files = 0; ///< in m_listed, still to come
 };
 
-std::optional<Job> TreeGetter::take(Session & /*session*/)
+std::optional<Job> TreeGetter::take(Session &session)
 {
     if (m_crew.stopped()) {
         return std::nullopt;
+    }
+    if (auto again = takeAgain(session)) {
+        return again;
     }
     if (!m_returned.empty()) {
         Job job = std::move(m_returned.front());
@@ -99,7 +111,7 @@ void TreeGetter::listed(const Job &job, TreeListing listing)
         m_crew.failed(error);
         return;
     }
-    m_listed.push_back({ job.folder, std::move(listing) });
+    m_listed.push_back({ job.folder, job.real, std::move(listing) });
     Listed &here = m_listed.back();
     TreeListing::Position at;
     while (const auto entry = here.entries.next(at)) {
@@ -149,6 +161,30 @@ void TreeGetter::reject(const FolderPair &folder, const TreeEntry &entry)
                     safe ? "Folders are nested too deeply" : "Unsafe name from the server" });
 }
 
+/// Links to folders are passed over: what they lead to is no part of the tree, or is in it anyway.
+/// Others that could not be fetched are told, but do not make a folder fail: web spaces are full of
+/// links that lead to where only the server's own programs may go.
+Awaitable<void> TreeGetter::judgeLinks()
+{
+    Session &session = client().session();
+    std::vector<std::string> commands;
+    for (const std::string &link : m_links) {
+        commands.push_back("CWD " + link);
+    }
+    if (commands.empty() || !session.usable()) {
+        co_return;
+    }
+    session.dialogue().setMuted(true);
+    auto replies = co_await session.askAll(commands);
+    session.dialogue().setMuted(false);
+    for (std::size_t i = 0; replies && i < m_links.size(); ++i) {
+        if (!(*replies)[i].done()) {
+            m_crew.note("Verknüpfung ohne Ziel oder ohne Leserecht, nicht übertragen: "
+                        + client().names().decodePath(m_links[i]));
+        }
+    }
+}
+
 /// What a file will need, and what it will set free.
 void TreeGetter::count(const FolderPair &folder, const TreeEntry &entry)
 {
@@ -172,7 +208,7 @@ Job TreeGetter::nextFile(Listed &from)
     job.name = entry->name;
     job.localName = shownName(*from.folder, *entry);
     job.link = entry->type == 'l';
-    job.size = job.link ? -1 : entry->size;
+    job.size = job.link || entry->size == 0 ? -1 : entry->size; // not every dialect has sizes
     job.time = entry->time;
     return job;
 }
@@ -188,6 +224,7 @@ Job TreeGetter::nextFolder(Listed &from)
     below->remote = joinPath(from.folder->remote, entry->name);
     below->local = joinPath(from.folder->local, shownName(*from.folder, *entry));
     below->depth = from.folder->depth + 1;
+    below->above = from.real;
     Job job;
     job.folder = std::move(below);
     return job;

@@ -226,12 +226,18 @@ void TreePutter::addJob(const std::string &name)
     }
 }
 
-std::optional<Job> TreePutter::take(Session & /*session*/)
+std::optional<Job> TreePutter::take(Session &session)
 {
     if (m_jobs.size() < enoughFiles / 2) {
         fill();
     }
-    if (m_crew.stopped() || m_jobs.empty()) {
+    if (m_crew.stopped()) {
+        return std::nullopt;
+    }
+    if (auto again = takeAgain(session)) {
+        return again;
+    }
+    if (m_jobs.empty()) {
         return std::nullopt;
     }
     Job job = std::move(m_jobs.front());

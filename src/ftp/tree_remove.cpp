@@ -252,9 +252,13 @@ Awaitable<Status> TreeRemover::work(Session &session)
     session.dialogue().setMuted(true);
     for (;;) {
         if (m_jobs.empty() || m_crew.stopped()) {
-            const bool more = co_await m_crew.wait();
+            const bool more = co_await m_crew.wait(session);
             if (!more) {
                 break;
+            }
+            if (!session.usable()) {
+                session.dialogue().setMuted(false);
+                co_return fail(ErrorKind::ConnectionClosed, "Connection closed by server");
             }
             continue;
         }

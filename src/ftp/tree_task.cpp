@@ -33,6 +33,29 @@ void TreeTask::leaveOut(const std::string &path, const Error &error)
     m_crew.failed(error);
 }
 
+/// A session besides the first is this program's own idea: what only it may not do just now, the
+/// first one tries again.
+void TreeTask::refused(Session &session, Job job, const Error &error)
+{
+    if (!m_crew.isFirst(session) && isPassingRefusal(error)) {
+        m_again.push_back(std::move(job));
+        m_crew.jobReturned();
+        return;
+    }
+    leaveOut(shownPath(job), error);
+    m_crew.jobDone();
+}
+
+std::optional<Job> TreeTask::takeAgain(const Session &session)
+{
+    if (m_again.empty() || !m_crew.isFirst(session)) {
+        return std::nullopt;
+    }
+    Job job = std::move(m_again.front());
+    m_again.pop_front();
+    return job;
+}
+
 void TreeTask::brokeOff(Session &session, Job job, const Error &error)
 {
     if (++job.tries >= mostTries || error.kind == ErrorKind::Aborted) {

@@ -2,6 +2,8 @@
 
 #include "ftp/crew_task.h"
 
+#include <deque>
+#include <optional>
 #include <string>
 
 namespace ftp {
@@ -25,11 +27,7 @@ public:
         m_crew.jobDone();
     }
     bool quiet() const override { return true; } // thousands of them
-    void refused(Session & /*session*/, Job job, const Error &error) override
-    {
-        leaveOut(shownPath(job), error);
-        m_crew.jobDone();
-    }
+    void refused(Session &session, Job job, const Error &error) override;
 
 protected:
     static constexpr int deepest = 64; ///< levels of folders
@@ -42,6 +40,11 @@ protected:
     [[nodiscard]] virtual std::string shownPath(const Job &job) = 0;
     void leaveOut(const std::string &path, const Error &error);
     void brokeOff(Session &session, Job job, const Error &error) override;
+    /// A job that only the first session may still do.
+    std::optional<Job> takeAgain(const Session &session);
+
+private:
+    std::deque<Job> m_again;
 };
 
 } // namespace ftp

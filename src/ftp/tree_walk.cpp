@@ -128,8 +128,12 @@ Awaitable<Result<std::string>> enterFolder(Session &session, std::string path)
     if (!replies->front().done()) {
         co_return refusal(replies->front());
     }
-    const Reply &told = replies->back();
-    co_return told.done() ? parsePwd(told.lines.back()).value_or(std::string()) : std::string();
+    co_return folderTold(replies->back());
+}
+
+std::string folderTold(const Reply &told)
+{
+    return told.done() ? parsePwd(told.lines.back()).value_or(std::string()) : std::string();
 }
 
 bool leadsElsewhere(const std::string &above, const std::string &name, const std::string &here)

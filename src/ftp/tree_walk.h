@@ -16,6 +16,9 @@ inline constexpr int deepestFolder = 64;
 /// Enters a folder. @return where the server says that is, empty when it does not say so
 Awaitable<Result<std::string>> enterFolder(Session &session, std::string path);
 
+/// The folder that a reply to PWD tells, empty when it tells none.
+[[nodiscard]] std::string folderTold(const Reply &told);
+
 /// Whether a folder that was entered is not the one below its parent but another that a link leads
 /// to. A server that does not tell its places is believed.
 /// @param above, here  the server's own words for the parent and for the folder

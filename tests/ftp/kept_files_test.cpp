@@ -297,3 +297,169 @@ TEST_F(KeptFiles, PermissionsGoToTheNameInTheServersBytes)
     EXPECT_TRUE(run(client.raw("SITE chmod 644 Käse.html")));
     EXPECT_EQ(server.lines("SITE").back(), "SITE chmod 644 K\xE4se.html");
 }
+
+TEST_F(KeptFiles, HiddenFilesAreFetchedAlthoughAListingWasRefusedOnce)
+{
+    servers::writeFile(server.root() / "web" / ".htaccess", "deny");
+    servers::writeFile(server.root() / "web" / "unten" / ".htaccess", "allow");
+    server.fault.noMlsd = true;
+    server.on({ .verb = "LIST", .argument = "-a", .text = "425 No data connection.", .times = 1 });
+    ftp::Client &client = connect();
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
+    EXPECT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::readFile(folder.path() / "web" / ".htaccess"), "deny");
+    EXPECT_EQ(servers::readFile(folder.path() / "web" / "unten" / ".htaccess"), "allow");
+}
+
+TEST_F(KeptFiles, APassingRefusalDoesNotHideFilesForGood)
+{
+    servers::writeFile(server.root() / ".htaccess", "deny");
+    server.fault.noMlsd = true;
+    server.on({ .verb = "LIST", .argument = "-a", .text = "425 No data connection.", .times = 1 });
+    ftp::Client &client = connect();
+    EXPECT_TRUE(run(client.list()));
+    const auto listed = run(client.list());
+    ASSERT_TRUE(listed);
+    EXPECT_TRUE(std::any_of(listed->entries.begin(), listed->entries.end(),
+                            [](const auto &entry) { return entry.name == ".htaccess"; }));
+}
+
+TEST_F(KeptFiles, AListingThatBreaksOffIsNotToldTwice)
+{
+    servers::writeFile(server.root() / "eins", "1");
+    servers::writeFile(server.root() / "zwei", "2");
+    server.fault.noMlsd = true;
+    server.fault.faultyListings = true;
+    server.fault.dropDataAfter = 100;
+    server.fault.faultyTransfers = 1;
+    ftp::Client &client = connect();
+    EXPECT_FALSE(run(client.list()));
+    EXPECT_EQ(server.lines("LIST").size(), 1U);
+}
+
+TEST_F(KeptFiles, AFolderIsFetchedWhereMachineListingsAreForbidden)
+{
+    servers::writeFile(server.root() / "web" / "unten" / "f", "inhalt");
+    server.on({ .verb = "MLSD", .text = "500 Forbidden." });
+    ftp::Client &client = connect();
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
+    EXPECT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::readFile(folder.path() / "web" / "unten" / "f"), "inhalt");
+}
+
+TEST_F(KeptFiles, AnUploadIsNotContinuedOnAFileThatTheServerKeepsMeanwhile)
+{
+    const std::string wanted(3'000'000, 'N');
+    servers::writeFile(server.root() / "web" / "f", std::string(10'000, 'O'));
+    servers::writeFile(folder.path() / "web" / "f", wanted);
+    server.fault.storesAside = true;
+    server.fault.dropAllAfter = 1'000'000;
+    server.fault.faultyTransfers = 1;
+    ftp::Client &client = connect();
+    const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
+    EXPECT_TRUE(put) << put.error().text;
+    EXPECT_TRUE(servers::readFile(server.root() / "web" / "f") == wanted);
+}
+
+TEST_F(KeptFiles, AnUploadThatBrokeOffGoesOnWhereNothingStoodBefore)
+{
+    const std::string wanted(3'000'000, 'N');
+    servers::writeFile(folder.path() / "web" / "f", wanted);
+    server.fault.dropAllAfter = 1'000'000;
+    server.fault.faultyTransfers = 1;
+    ftp::Client &client = connect();
+    const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
+    EXPECT_TRUE(put) << put.error().text;
+    EXPECT_TRUE(servers::readFile(server.root() / "web" / "f") == wanted);
+    EXPECT_EQ(server.lines("REST").size(), 1U);
+}
+
+TEST_F(KeptFiles, AServerThatRefusesCommandsDuringTransfersGetsEveryFile)
+{
+    for (const char *name : { "a", "b", "c", "d", "e" }) {
+        servers::writeFile(folder.path() / "web" / name, name);
+    }
+    server.fault.refusesDuringTransfers = true;
+    ftp::Client &client = connect();
+    const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
+    EXPECT_TRUE(put) << put.error().text;
+    for (const char *name : { "a", "b", "c", "d", "e" }) {
+        EXPECT_EQ(servers::readFile(server.root() / "web" / name), name);
+    }
+    EXPECT_LE(server.sessions(), 2); // it was learned once
+}
+
+TEST_F(KeptFiles, WhatOnlyAnotherSessionMayNotDoTheFirstOneDoes)
+{
+    for (int i = 0; i < 20; ++i) {
+        servers::writeFile(server.root() / "web" / std::to_string(i), std::to_string(i));
+    }
+    server.fault.replyDelay = 5; // so that there is time for others to join
+    server.on({ .verb = "RETR", .text = "450 One transfer at a time.", .fromSession = 2 });
+    m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
+                                            ftp::Encryption::Never, 3);
+    ASSERT_TRUE(m_client->open());
+    const auto got = run(ftp::getTree(m_client->client(), "/web", local("web"), Type::Binary));
+    EXPECT_TRUE(got) << got.error().text;
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(servers::readFile(folder.path() / "web" / std::to_string(i)), std::to_string(i));
+    }
+    EXPECT_GT(server.sessions(), 1);
+}
+
+TEST_F(KeptFiles, ALinkThatMayNotBeReadIsTold)
+{
+    servers::writeFile(server.root() / "web" / "f", "inhalt");
+    server.fault.noMlsd = true;
+    server.fault.listing = "lrwxrwxrwx 1 u g 4 Jan 01 2026 geheim -> /weg\r\n"
+                           "lrwxrwxrwx 1 u g 4 Jan 01 2026 ordner -> /web\r\n"
+                           "-rw-r--r-- 1 u g 6 Jan 01 2026 f\r\n";
+    server.on({ .verb = "RETR", .argument = "/web/geheim", .text = "550 Permission denied." });
+    server.on({ .verb = "RETR", .argument = "/web/ordner", .text = "550 Not a file." });
+    server.on({ .verb = "CWD", .argument = "/web/ordner", .text = "250 Okay." });
+    ftp::Client &client = connect();
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
+    EXPECT_TRUE(got) << got.error().text;
+    EXPECT_TRUE(noted("Verknüpfung ohne Ziel oder ohne Leserecht, nicht übertragen: /web/geheim"));
+    EXPECT_FALSE(noted("/web/ordner"));
+}
+
+TEST_F(KeptFiles, AReplyTooManyInARecordOfItsOwnAnswersNoLaterCommand)
+{
+    server.fault.tls = true;
+    servers::writeFile(server.root() / "f", "inhalt");
+    m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
+                                            ftp::Encryption::Always, 1);
+    m_client->trust(ftp::Trust::Once);
+    ASSERT_TRUE(m_client->open());
+    for (int i = 0; i < 20; ++i) {
+        server.fault.surplusReply = "226 Zuviel";
+        EXPECT_TRUE(run(m_client->client().raw("NOOP")));
+        server.fault.surplusReply = "";
+        // The next operation begins as the program's do.
+        runOn(m_client->context(), [](ftp::Client &client) -> ftp::Awaitable<bool> {
+            co_await client.stopWatching();
+            co_return true;
+        }(m_client->client()));
+        const auto removed = run(m_client->client().removeFile("gibtesnicht"));
+        ASSERT_FALSE(removed) << i;
+    }
+}
+
+TEST_F(KeptFiles, ASizeOfZeroIsNoProofThatAnEncryptedFileIsWhole)
+{
+    server.fault.tls = true;
+    server.fault.noMlsd = true;
+    servers::writeFile(server.root() / "web" / "f", std::string(5000, 'x'));
+    server.fault.listing = "-rw-r--r-- 1 u g 0 Jan 01 2026 f\r\n";
+    server.fault.noCloseNotify = true;
+    server.fault.truncateDataAfter = 1000;
+    server.fault.faultyTransfers = 1;
+    m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
+                                            ftp::Encryption::Always, 1);
+    m_client->trust(ftp::Trust::Once);
+    ASSERT_TRUE(m_client->open());
+    const auto got = run(ftp::getTree(m_client->client(), "/web", local("web"), Type::Binary));
+    EXPECT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::readFile(folder.path() / "web" / "f"), std::string(5000, 'x'));
+}

@@ -55,6 +55,8 @@ struct Faults {
     /// and EPSV close the running data connection then, and that reply never comes. Some servers do
     /// that.
     Shared<bool> answersDuringTransfers;
+    Shared<bool> refusesDuringTransfers; ///< the same, but all of them are refused with 503
+    Shared<std::string> surplusReply; ///< behind every reply, in a packet of its own
     Shared<int> maxSessions { -1 }; ///< further ones get tooManyReply
     Shared<std::string> tooManyReply { "421 Too many connections" }; ///< a 530 comes after PASS
 
@@ -76,6 +78,8 @@ struct Faults {
     Shared<bool> faultyListings; ///< listings are such transfers, too
     Shared<bool>
         dislikesEarlyData; ///< uploads: bytes that come before the 150 are a lost connection
+    /// Uploads: what comes is put in the place of an older file only when all is there.
+    Shared<bool> storesAside;
     Shared<bool> noFinalReply; ///< the 226 never comes
     Shared<std::string> finalReply; ///< in place of the 226 of an otherwise good transfer
     Shared<std::string> passiveAddress; ///< told in 227, as "10,9,9,9"; empty = the true one

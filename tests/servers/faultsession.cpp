@@ -221,6 +221,9 @@ void FaultSession::reply(const std::string &text)
         send(code + "\r\n");
         break;
     }
+    if (const std::string more = m_fault.surplusReply.get(); !more.empty()) {
+        send(more + "\r\n");
+    }
 }
 
 void FaultSession::type(const std::string &argument)

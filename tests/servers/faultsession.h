@@ -81,6 +81,7 @@ private:
     void sendListing(const std::string &text);
     void sendData(std::string bytes, bool mayBeFaulty);
     void receiveData(const std::filesystem::path &path, long offset);
+    bool receiveInto(const std::filesystem::path &path, long offset);
     enum class Wrong { Nothing, Drop, Truncate, Stall, DropAll, DiskFull };
     /// What goes wrong with the next transfer. @param bytes  receives after how many bytes
     Wrong wrongAfter(long &bytes, bool upload) const;

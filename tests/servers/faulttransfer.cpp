@@ -257,15 +257,32 @@ void FaultSession::appe(const std::string &argument)
 
 void FaultSession::receiveData(const fs::path &path, long offset)
 {
+    if (!m_fault.storesAside.get()) {
+        receiveInto(path, offset);
+        return;
+    }
+    const fs::path aside = path.string() + ".aside";
+    std::error_code none; // there may be no older file
+    fs::copy_file(path, aside, fs::copy_options::overwrite_existing, none);
+    if (receiveInto(aside, offset)) {
+        fs::rename(aside, path);
+    } else {
+        fs::remove(aside);
+    }
+}
+
+/// @return whether the data arrived to the end
+bool FaultSession::receiveInto(const fs::path &path, long offset)
+{
     const Handle file(
         open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | (offset == 0 ? O_TRUNC : 0), 0644));
     if (!file) {
         reply("553 Could not create file.");
-        return;
+        return false;
     }
     const auto data = openData();
     if (!data) {
-        return;
+        return false;
     }
     long limit = -1;
     const Wrong wrong = wrongAfter(limit, true);
@@ -286,19 +303,20 @@ void FaultSession::receiveData(const fs::path &path, long offset)
         }
         if (pwrite(file.get(), block.data(), block.size(), offset) < 0) {
             reply("451 Failure writing to local file.");
-            return;
+            return false;
         }
         offset += static_cast<long>(block.size());
         if (!mayGoOn(*data)) {
-            return;
+            return false;
         }
     }
     if (got < 0) {
         data->drop();
         reply("426 Failure reading network stream.");
-        return;
+        return false;
     }
     finishTransfer(*data, wrong);
+    return wrong == Wrong::Nothing;
 }
 
 void FaultSession::finishTransfer(Stream &data, Wrong wrong)
@@ -343,6 +361,10 @@ bool FaultSession::mayGoOn(Stream &data)
         return false;
     }
     std::string line;
+    while (m_fault.refusesDuringTransfers.get() && m_buffer.find('\n') != std::string::npos
+           && readLine(line)) {
+        reply("503 Not during a transfer.");
+    }
     while (m_fault.answersDuringTransfers.get() && m_buffer.find('\n') != std::string::npos
            && readLine(line)) {
         execute(line);
