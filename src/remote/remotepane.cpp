@@ -50,6 +50,7 @@ RemotePane::RemotePane(FtpOperations &ftp, Globals &globals, Shell &shell, QWidg
     connect(&box(), &QComboBox::activated, this, &RemotePane::takeEntry);
     connect(box().lineEdit(), &QLineEdit::returnPressed, this, &RemotePane::chooseFolder);
     connect(&view(), &PaneView::rowOpened, this, &RemotePane::OpenRemoteRow);
+    connect(&model(), &QAbstractItemModel::modelReset, this, &RemotePane::forgetClosedSession);
     connect(&model(), &QAbstractItemModel::modelReset, this, &RemotePane::showHint);
     connect(&model(), &QAbstractItemModel::rowsInserted, this, &RemotePane::showHint);
     showHint();
@@ -61,6 +62,14 @@ bool RemotePane::isReady() const
 }
 
 bool RemotePane::maySort() const { return FilePane::maySort() && isReady(); }
+
+/// The control keeps its listing; what it says of a folder is true of that session's server alone.
+void RemotePane::forgetClosedSession()
+{
+    if (m_ftp.state() != FtpOperations::Connected) {
+        m_listed.clear();
+    }
+}
 
 void RemotePane::showHint()
 {
@@ -110,7 +119,6 @@ void RemotePane::fillRows(const QString &folder, bool listed)
 {
     if (m_ftp.state() != FtpOperations::Connected) {
         model().clear();
-        m_listed.clear();
         return;
     }
     // After a refused listing the control still holds the one before, perhaps of another folder.

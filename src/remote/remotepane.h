@@ -52,6 +52,7 @@ protected:
 
 private:
     void chooseFolder();
+    void forgetClosedSession();
     void takeEntry(); ///< an entry of the folder box was chosen
     [[nodiscard]] QString goTo(const QString &wanted);
     void fillRows(const QString &folder, bool listed);

@@ -263,6 +263,18 @@ TEST_F(RemotePaneTest, AConnectionLostMeanwhileLeavesAnEmptyPaneAndNoCommands)
     EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Nicht mit einem Server verbunden."));
 }
 
+TEST_F(RemotePaneTest, TheNextServersFolderNeverShowsTheFilesOfTheOneBefore)
+{
+    m_ftp.close();
+    m_pane.model().clear(); // as every end of a session does
+    m_ftp.connectionState = FtpOperations::Connected;
+    m_ftp.refuseAll(QStringLiteral("LIST"), QStringLiteral("425 Cannot open data connection."));
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_EQ(names(), "<up>");
+    EXPECT_EQ(m_pane.view().hint(),
+              QStringLiteral("Die Dateiliste konnte nicht gelesen werden."));
+}
+
 TEST_F(RemotePaneTest, TextOfTheBoxIsNormalised)
 {
     m_pane.box().setEditText(QStringLiteral(" /www/leer [Archiv] "));
