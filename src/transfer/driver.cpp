@@ -96,6 +96,7 @@ void TransferDriver::runFiles(int first, int end)
     present(first);
     const auto told = [&](qsizetype file, const FtpStatus &outcome) {
         const int slot = first + static_cast<int>(file);
+        fill(m_batch.item(slot)); // files before it that were never begun have no outcome
         record(m_batch.item(slot).sizeText, errorOf(outcome), success());
         finishItem();
         if (slot + 1 < end) {

@@ -215,6 +215,9 @@ FtpStatus FakeFtp::runList(const QList<FtpFile> &files, const FtpFileDone &done,
     }
     ++lists;
     for (qsizetype at = 0; at < files.size() && connectionState == Connected; ++at) {
+        if (neverBegun && neverBegun(files.at(at))) {
+            continue;
+        }
         const FtpStatus outcome = move(files.at(at));
         done(at, outcome);
         if (!outcome && outcome.error().kind == ftp::ErrorKind::LocalDiskFull) {

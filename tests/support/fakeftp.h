@@ -43,6 +43,8 @@ public:
 
     /// Asked before every command; an error refuses it.
     std::function<std::optional<FtpError>(const QString &command)> refuse;
+    /// Files of a list that are never begun, as after a lost connection: they have no outcome.
+    std::function<bool(const FtpFile &file)> neverBegun;
     /// Called while a command runs, after refuse; may call close().
     std::function<void(const QString &command)> during;
     std::function<void(const FtpEvent &event)> onEvent;

@@ -286,6 +286,18 @@ TEST_F(UploadTest, FilesThatNeedNoQuestionGoInOneCallAndTheOrderStands)
     EXPECT_TRUE(local.markedNames().isEmpty());
 }
 
+TEST_F(UploadTest, ARowTellsOfTheFileThatWentWhenAnotherNeverBegan)
+{
+    for (const char *name : { "a", "b", "c" }) {
+        writeLocal(QString::fromLatin1(name), "neu");
+    }
+    ftp.neverBegun = [](const FtpFile &file) { return file.remotePath == u"/www/b"_s; };
+    upload({ u"a"_s, u"b"_s, u"c"_s });
+    ASSERT_EQ(shell.queue.size(), 2);
+    EXPECT_EQ(shell.queue[1].local, disk(u"c"_s));
+    EXPECT_EQ(shell.queue[1].remote, u"/www/c"_s);
+}
+
 TEST_F(UploadTest, AResumedFileNeverGoesInARun)
 {
     for (const char *name : { "a", "b", "c" }) {
