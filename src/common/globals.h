@@ -31,6 +31,13 @@ struct ConnectionProfile {
     int encryption = -1; ///< -1 as in the program settings, else as ProgramSettings::encryption
 };
 
+/// "user@host:port", which tells web spaces apart: one host may serve many users.
+[[nodiscard]] inline QString webSpaceOf(const ConnectionProfile &connection)
+{
+    return connection.UserName + u'@' + connection.RemoteHost + u':'
+        + QString::number(connection.RemotePort);
+}
+
 /// Folders of this run; every folder ends in the separator unless said otherwise.
 struct WorkingFolders {
     QString program; ///< folder that takes the place of the executable's own when that is read-only

@@ -10,6 +10,7 @@ struct QueueRow {
     /// Whether the two paths may be taken apart again for another try: folder and name, cut at the
     /// last separator, are what they were only for names without one.
     bool repeatable = true;
+    QString webSpace = {}; ///< webSpaceOf the connection of a transfer
 };
 
 /// What the features ask of the main window. The window wires the features; they never include it.

@@ -33,12 +33,7 @@ PutBack::PutBack(const Workplace &work, ProgressDisplay &progress)
     connect(&m_edits, &EditWatch::saved, this, &PutBack::saved);
 }
 
-QString PutBack::currentServer() const
-{
-    const ConnectionProfile &connection = m_work.globals.connection;
-    return connection.UserName + u'@' + connection.RemoteHost + u':'
-        + QString::number(connection.RemotePort);
-}
+QString PutBack::currentServer() const { return webSpaceOf(m_work.globals.connection); }
 
 void PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
 {
@@ -195,6 +190,7 @@ void PutBack::record(const QString &localPath, const Fetched &file, const QStrin
     row.direction = u"-->"_s;
     row.remote = file.remotePath;
     row.server = m_work.globals.connection.RemoteHost;
+    row.webSpace = file.server;
     row.detail = refusal;
     row.failed = !refusal.isEmpty();
     m_work.shell.AddQueueRow(row);

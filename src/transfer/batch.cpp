@@ -70,6 +70,7 @@ void Batch::record(QueueRow row, const std::optional<FtpError> &failure, const Q
 {
     m_tools.work.shell.ShowTransferItem({}, {});
     row.server = m_tools.work.globals.connection.RemoteHost;
+    row.webSpace = webSpaceOf(m_tools.work.globals.connection);
     row.failed = failure.has_value();
     row.detail = failure ? failure->text : success;
     m_tools.work.shell.AddQueueRow(row);

@@ -40,7 +40,7 @@ bool isFailedTransfer(const QueueRow &row)
 bool isSameTransfer(const QueueRow &one, const QueueRow &other)
 {
     return one.direction == other.direction && one.local == other.local
-        && one.remote == other.remote && one.server == other.server;
+        && one.remote == other.remote && one.webSpace == other.webSpace;
 }
 
 QVariant statusIcon(const QueueRow &row)

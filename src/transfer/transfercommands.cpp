@@ -114,6 +114,7 @@ bool TransferCommands::dropConfirmed(Pane &source, const QString &text, const QS
 void TransferCommands::RetryTransfers(const QList<QueueRow> &rows)
 {
     Globals &globals = m_tools.work.globals;
+    const QString here = webSpaceOf(globals.connection);
     for (qsizetype at = 0; at < rows.size();) {
         if (!mayStart(m_tools.work.ftp)) {
             return;
@@ -121,7 +122,7 @@ void TransferCommands::RetryTransfers(const QList<QueueRow> &rows)
         const Retry batch = retryOf(rows.at(at));
         globals.marked = {};
         for (; at < rows.size() && retryOf(rows.at(at)) == batch; ++at) {
-            if (rows.at(at).repeatable && rows.at(at).server == globals.connection.RemoteHost) {
+            if (rows.at(at).repeatable && rows.at(at).webSpace == here) {
                 globals.marked.MarkedItems.append(itemOf(rows.at(at)));
                 ++globals.marked.MarkedCount;
             }

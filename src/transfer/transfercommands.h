@@ -24,8 +24,8 @@ public:
     /// A drop of the marked local rows on the remote pane. @param row  -1 for empty space
     void dropOnRemote(int row);
 
-    /// Tries failed rows of the queue again; rows of other servers and rows whose name was refused
-    /// are left out.
+    /// Tries failed rows of the queue again; rows of other web spaces and rows whose name was
+    /// refused are left out.
     void RetryTransfers(const QList<QueueRow> &rows);
 
 private:

@@ -484,10 +484,30 @@ TEST_F(DownloadTest, FailedRowsCanBeRepeated)
     QList<QueueRow> rows = shell.queue;
     shell.queue.clear();
     rows.append(rows.first());
-    rows.last().server = u"anderswo"_s;
+    rows.last().webSpace = u"anderswo"_s;
     QDir(disk(u"ordner"_s)).removeRecursively();
     commands.RetryTransfers(rows);
     EXPECT_EQ(readLocal(u"a"_s), "eins");
     EXPECT_EQ(readLocal(u"ordner/b"_s), "zwei");
     EXPECT_EQ(shell.queue.size(), 2);
+}
+
+TEST_F(DownloadTest, NoFailedRowIsRepeatedInAnotherUsersWebSpace)
+{
+    ftp.addFile(u"/www/a"_s, "eins");
+    ftp.refuseAll(u"GET"_s, u"450 Besetzt."_s);
+    globals.connection.UserName = u"anna"_s;
+    download({ u"a"_s });
+    ftp.refuse = nullptr;
+    ftp.commands.clear();
+    const auto repeatAs = [this](const QString &user, int port) {
+        globals.connection.UserName = user;
+        globals.connection.RemotePort = port;
+        commands.RetryTransfers({ shell.queue.first() });
+    };
+    repeatAs(u"bert"_s, 21);
+    repeatAs(u"anna"_s, 2121);
+    EXPECT_TRUE(ftp.commands.isEmpty());
+    repeatAs(u"anna"_s, 21);
+    EXPECT_EQ(readLocal(u"a"_s), "eins");
 }

@@ -111,7 +111,7 @@ TEST(QueueModel, KeepsFailedTransfersUntilTheyAreTriedAgain)
     QueueRow failed = row(u"Download"_s, u"/a/x"_s);
     failed.failed = true;
     QueueRow other = failed;
-    other.server = u"files02"_s;
+    other.webSpace = u"b@files01:21"_s; // another user of the same host
     QueueRow removal = failed;
     removal.direction.clear(); // a refused deletion
     for (const QueueRow &each : { failed, other, row(u"Download"_s, u"/a/y"_s), removal }) {
@@ -125,7 +125,7 @@ TEST(QueueModel, KeepsFailedTransfersUntilTheyAreTriedAgain)
     failed.failed = false;
     model.append(failed);
     ASSERT_EQ(model.failedTransfers().size(), 1);
-    EXPECT_EQ(model.failedTransfers().first().server, u"files02"_s);
+    EXPECT_EQ(model.failedTransfers().first().webSpace, u"b@files01:21"_s);
     EXPECT_TRUE(model.row(3).failed);
     EXPECT_EQ(model.rowCount(), 6);
     EXPECT_TRUE(model.hasFailedTransfers());
