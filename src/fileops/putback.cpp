@@ -191,6 +191,8 @@ void PutBack::record(const QString &localPath, const Fetched &file, const QStrin
     row.remote = file.remotePath;
     row.server = m_work.globals.connection.RemoteHost;
     row.webSpace = file.server;
+    // Only the offer compares with the server's copy; repeating it as a plain upload would not.
+    row.repeatable = false;
     row.detail = refusal;
     row.failed = !refusal.isEmpty();
     m_work.shell.AddQueueRow(row);

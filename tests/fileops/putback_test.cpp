@@ -123,6 +123,7 @@ TEST_F(PutBackTest, ARefusedUploadIsTold)
     waitForOffer();
     EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
     EXPECT_EQ(shell.queue[0].detail, u"553 Verboten."_s);
+    EXPECT_FALSE(shell.queue[0].repeatable) << "it would go without a look at the server's copy";
 }
 
 TEST_F(PutBackTest, TheOfferWaitsForTheEndOfWhatRuns)
