@@ -16,6 +16,8 @@ public:
     virtual void listFolder(const QString &folder) = 0; ///< lists into the pane, keeps the box
     virtual void rememberFolder(const QString &folder) = 0; ///< history and text of the box
     virtual void forgetFolder(const QString &folder) = 0; ///< removes it from the box's history
+    /// Rows are missing because the folder could not be read; what stands in it is not known.
+    [[nodiscard]] virtual bool isUnread() const { return false; }
     [[nodiscard]] virtual QList<int> selectedRows() const = 0; ///< ascending
     [[nodiscard]] virtual int currentRow() const = 0; ///< selected current row, -1 for none
     virtual void clearSelection() = 0;

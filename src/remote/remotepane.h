@@ -18,6 +18,7 @@ public:
 
     void listFolder(const QString &folder) override;
     void rememberFolder(const QString &folder) override;
+    [[nodiscard]] bool isUnread() const override { return m_unread; }
 
     /// Lists a folder into the pane and changes the server's folder to it where that differs.
     /// @param folder  becomes the folder that is listed in the end, with "/" at its end

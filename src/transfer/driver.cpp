@@ -37,7 +37,7 @@ bool TransferDriver::isPlain(int record)
         return false;
     }
     fill(item);
-    if (refusal(item)) {
+    if (!knowsTarget() || refusal(item)) {
         return false;
     }
     targetSize() = existingSize();

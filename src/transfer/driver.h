@@ -43,6 +43,8 @@ private:
     /// Size of what stands at a file's target, 0 for nothing.
     [[nodiscard]] virtual qint64 existingSize() const = 0;
     [[nodiscard]] virtual bool folderExists() const = 0;
+    /// Whether existingSize() tells without asking the server.
+    [[nodiscard]] virtual bool knowsTarget() const { return true; }
     [[nodiscard]] virtual std::optional<FtpError> moveFile() = 0;
     [[nodiscard]] virtual std::optional<FtpError> moveFolder() = 0;
     [[nodiscard]] virtual FtpStatus moveFiles(const QList<FtpFile> &files, const FtpFileDone &done)

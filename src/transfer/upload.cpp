@@ -27,13 +27,13 @@ void Upload::listTarget()
 
 void Upload::enterTarget()
 {
-    if (withSeparator(m_tools.work.ftp.currentFolder(), u'/') == m_target) {
-        return;
+    const bool there = withSeparator(m_tools.work.ftp.currentFolder(), u'/') == m_target;
+    if (!there) {
+        // The pane ignores a folder that cannot be entered and would go on showing another one, by
+        // which no conflict could be seen.
+        m_unreachable = errorOf(m_tools.work.ftp.setCurrentFolder(m_target));
     }
-    // The pane ignores a folder that cannot be entered and would go on showing another one, by
-    // which no conflict could be seen.
-    m_unreachable = errorOf(m_tools.work.ftp.setCurrentFolder(m_target));
-    if (!m_unreachable) {
+    if (!m_unreachable && (!there || m_tools.work.remote.isUnread())) {
         m_tools.work.remote.listFolder(m_target);
     }
 }
@@ -56,13 +56,23 @@ std::optional<FtpError> Upload::refusal(const MarkedItem &item) const
 
 qint64 Upload::existingSize() const
 {
+    if (m_tools.work.remote.isUnread()) {
+        const auto facts = m_tools.work.ftp.fileFacts(remotePath());
+        return facts ? facts->size.value_or(0) : 0; // it fails only with the session itself
+    }
     const int row = m_tools.work.remote.model().findRow(m_state.RemoteName);
     return row < 0 ? 0 : lenientInteger(m_tools.work.remote.model().row(row).size);
 }
 
-bool Upload::folderExists() const
+bool Upload::isListed() const
 {
     return m_tools.work.remote.model().findRow(m_state.RemoteName) >= 0;
+}
+
+bool Upload::folderExists() const
+{
+    // Files inside an accepted folder are replaced without questions: better one too many.
+    return isListed() || m_tools.work.remote.isUnread();
 }
 
 std::optional<FtpError> Upload::moveFile()
@@ -74,7 +84,7 @@ std::optional<FtpError> Upload::moveFile()
 std::optional<FtpError> Upload::moveFolder()
 {
     // Asked again: a rename may just have moved the folder away.
-    if (!folderExists()) {
+    if (!isListed()) {
         ignoreError(m_tools.work.ftp.makeFolder(remotePath()),
                     "it may be there unseen; otherwise the put fails and tells");
     }

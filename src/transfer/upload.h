@@ -22,10 +22,12 @@ private:
     void oneFolder(int record) override { UploadFolder(record); }
     void enterTarget();
     void listTarget();
+    [[nodiscard]] bool isListed() const;
     void fill(const MarkedItem &item) override;
     [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item) const override;
     [[nodiscard]] qint64 existingSize() const override;
     [[nodiscard]] bool folderExists() const override;
+    [[nodiscard]] bool knowsTarget() const override { return !m_tools.work.remote.isUnread(); }
     [[nodiscard]] std::optional<FtpError> moveFile() override;
     [[nodiscard]] std::optional<FtpError> moveFolder() override;
     [[nodiscard]] FtpStatus moveFiles(const QList<FtpFile> &files,

@@ -271,8 +271,11 @@ TEST_F(RemotePaneTest, TheNextServersFolderNeverShowsTheFilesOfTheOneBefore)
     m_ftp.refuseAll(QStringLiteral("LIST"), QStringLiteral("425 Cannot open data connection."));
     m_pane.DoRemoteRefresh(QStringLiteral("/www"));
     EXPECT_EQ(names(), "<up>");
-    EXPECT_EQ(m_pane.view().hint(),
-              QStringLiteral("Die Dateiliste konnte nicht gelesen werden."));
+    EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Die Dateiliste konnte nicht gelesen werden."));
+    EXPECT_TRUE(m_pane.isUnread());
+    m_ftp.refuse = nullptr;
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_FALSE(m_pane.isUnread());
 }
 
 TEST_F(RemotePaneTest, TextOfTheBoxIsNormalised)

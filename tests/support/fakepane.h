@@ -33,6 +33,7 @@ public:
     QList<int> selected;
     int current = -1;
     QString text;
+    std::function<bool()> unread = [] { return false; }; ///< answers isUnread()
 
     [[nodiscard]] PaneModel &model() override { return m_model; }
     [[nodiscard]] QString folder() const override { return text; }
@@ -40,6 +41,7 @@ public:
     void listFolder(const QString &folder) override;
     void rememberFolder(const QString &folder) override;
     void forgetFolder(const QString &folder) override;
+    [[nodiscard]] bool isUnread() const override { return unread(); }
     [[nodiscard]] QList<int> selectedRows() const override { return selected; }
     [[nodiscard]] int currentRow() const override { return current; }
     void clearSelection() override;

@@ -178,6 +178,43 @@ TEST_F(UploadTest, ATargetThatCannotBeEnteredOverwritesNothing)
     EXPECT_EQ(shell.queue[0].detail, u"550 Verboten."_s);
 }
 
+TEST_F(UploadTest, InAFolderThatCannotBeListedTheServerIsAskedAboutEveryFile)
+{
+    ftp.addFile(u"/www/a"_s, "alt");
+    writeLocal(u"a"_s, "neuer");
+    writeLocal(u"b"_s, "x");
+    writeLocal(u"bilder/c"_s, "y");
+    showBoth();
+    remote.model().setRows({ upRow() });
+    remote.unread = [] { return true; };
+    local.select({ u"a"_s, u"b"_s, u"bilder"_s });
+    dialogs.steps
+        = { { ConflictAnswer::Skip, false, {} }, { ConflictAnswer::Overwrite, false, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_EQ(dialogs.questions.value(0).message,
+              u"Überschreiben /www/bilder(0) mit "_s + disk(u"bilder(0)"_s));
+    EXPECT_EQ(dialogs.questions.value(1).message,
+              u"Überschreiben /www/a(3) mit "_s + disk(u"a(5)"_s));
+    EXPECT_EQ(ftp.content(u"/www/a"_s), "neuer");
+    EXPECT_EQ(ftp.content(u"/www/b"_s), "x");
+    EXPECT_FALSE(ftp.has(u"/www/bilder/c"_s));
+    EXPECT_EQ(ftp.lists, 0);
+}
+
+TEST_F(UploadTest, ATargetThatWasNotReadIsListedOnceMore)
+{
+    ftp.addFile(u"/www/a"_s, "alt");
+    writeLocal(u"a"_s, "neuer");
+    showBoth();
+    remote.model().setRows({ upRow() });
+    remote.unread = [this] { return ftp.commandsOf(u"LIST"_s).isEmpty(); };
+    local.select({ u"a"_s });
+    dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_EQ(ftp.content(u"/www/a"_s), "alt");
+    EXPECT_TRUE(ftp.commandsOf(u"FACTS"_s).isEmpty());
+}
+
 TEST_F(UploadTest, ADropOnAFileRowStaysInTheFolder)
 {
     ftp.addFile(u"/www/datei"_s, "x");
