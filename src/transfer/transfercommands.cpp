@@ -57,10 +57,9 @@ QString TransferCommands::localTarget() const
 QString TransferCommands::remoteTarget() const
 {
     QString text = m_tools.work.remote.folder();
-    const QString literal = withSeparator(text, u'/');
-    return literal == withSeparator(m_tools.work.ftp.currentFolder(), u'/')
-        ? literal
-        : NormalizeFolderPath(text, u'/');
+    const QString current = withSeparator(m_tools.work.ftp.currentFolder(), u'/');
+    const bool isCurrent = trimBlanks(text).isEmpty() || withSeparator(text, u'/') == current;
+    return isCurrent ? current : NormalizeFolderPath(text, u'/');
 }
 
 void TransferCommands::cmd_download_Click()
@@ -94,7 +93,9 @@ void TransferCommands::dropOnLocal(int row)
 
 void TransferCommands::dropOnRemote(int row)
 {
-    const QString target = dropTarget(m_tools.work.remote, row, remoteTarget(), u'/');
+    // The folder shown, not the text of the box: the row under the pointer stands in it.
+    const QString current = withSeparator(m_tools.work.ftp.currentFolder(), u'/');
+    const QString target = dropTarget(m_tools.work.remote, row, current, u'/');
     if (dropConfirmed(m_tools.work.local, u" Dateien oder Ordner Uploaden?"_s, u"Store..."_s)) {
         Upload(m_tools).UploadSelection(target);
     }

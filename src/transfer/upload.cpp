@@ -33,6 +33,9 @@ void Upload::enterTarget()
         // which no conflict could be seen.
         m_unreachable = errorOf(m_tools.work.ftp.setCurrentFolder(m_target));
     }
+    if (!m_unreachable && !m_target.startsWith(u'/')) {
+        m_target = withSeparator(m_tools.work.ftp.currentFolder(), u'/'); // once is enough
+    }
     if (!m_unreachable && (!there || m_tools.work.remote.isUnread())) {
         m_tools.work.remote.listFolder(m_target);
     }

@@ -215,6 +215,49 @@ TEST_F(UploadTest, ATargetThatWasNotReadIsListedOnceMore)
     EXPECT_TRUE(ftp.commandsOf(u"FACTS"_s).isEmpty());
 }
 
+TEST_F(UploadTest, ARelativeFolderOfTheBoxIsEnteredOnce)
+{
+    ftp.addFile(u"/www/www/a"_s, "alt");
+    ftp.addFolder(u"/www/www/www"_s);
+    writeLocal(u"a"_s, "neuer");
+    showBoth();
+    remote.text = u"www"_s;
+    local.select({ u"a"_s });
+    dialogs.steps = { { ConflictAnswer::Overwrite, false, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_EQ(ftp.commandsOf(u"CWD"_s), QStringList { u"CWD www/"_s });
+    EXPECT_EQ(ftp.content(u"/www/www/a"_s), "neuer");
+    EXPECT_EQ(shell.queue.value(0).remote, u"/www/www/a"_s);
+}
+
+TEST_F(UploadTest, AnEmptyBoxMeansTheFolderShown)
+{
+    writeLocal(u"a"_s, "neu");
+    for (const QString &text : { QString(), u"  "_s }) {
+        ftp.nodes.remove(u"/www/a"_s);
+        showBoth();
+        remote.text = text;
+        local.select({ u"a"_s });
+        commands.cmd_upload_Click();
+        EXPECT_EQ(ftp.content(u"/www/a"_s), "neu");
+    }
+}
+
+TEST_F(UploadTest, ADropGoesByTheFolderShownNotByTheBox)
+{
+    ftp.addFolder(u"/www/bilder"_s);
+    ftp.addFolder(u"/alt/bilder"_s);
+    writeLocal(u"a"_s, "neu");
+    showBoth();
+    remote.text = u"/alt"_s; // typed, not entered
+    local.selectAll();
+    MarkSelectedLocal(local, globals, false);
+    prompts.expectConfirm(u"1 Dateien oder Ordner Uploaden?"_s, true, u"Store..."_s);
+    commands.dropOnRemote(remote.model().findRow(u"bilder"_s));
+    EXPECT_EQ(ftp.content(u"/www/bilder/a"_s), "neu");
+    EXPECT_FALSE(ftp.has(u"/alt/bilder/a"_s));
+}
+
 TEST_F(UploadTest, ADropOnAFileRowStaysInTheFolder)
 {
     ftp.addFile(u"/www/datei"_s, "x");
