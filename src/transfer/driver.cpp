@@ -37,7 +37,7 @@ bool TransferDriver::isPlain(int record)
         return false;
     }
     fill(item);
-    if (!knowsTarget() || refusal(item)) {
+    if (!knowsTarget() || whyNot(record)) {
         return false;
     }
     targetSize() = existingSize();
@@ -49,7 +49,7 @@ void TransferDriver::runFile(int record)
     const MarkedItem item = m_batch.item(record);
     fill(item);
     const auto finished = qScopeGuard([this] { finishItem(); });
-    if (m_state.SkipCurrent || refuse(item, item.sizeText)) {
+    if (m_state.SkipCurrent || refuse(record, item.sizeText)) {
         return;
     }
     targetSize() = existingSize();
@@ -70,7 +70,7 @@ void TransferDriver::runFolder(int record)
     fill(item);
     sourceSize() = 0; // folders have no size of their own
     const auto finished = qScopeGuard([this] { finishItem(); });
-    if (m_state.SkipCurrent || refuse(item, {})) {
+    if (m_state.SkipCurrent || refuse(record, {})) {
         return;
     }
     if (folderExists() && asksForFolder(m_state)) {
@@ -120,12 +120,29 @@ void TransferDriver::present(int record)
     m_batch.announce(u"Datei: "_s + item.name, item.sizeText);
 }
 
-bool TransferDriver::refuse(const MarkedItem &item, const QString &sizeText)
+/// Why an item is not even tried; fill() was called for it.
+std::optional<FtpError> TransferDriver::whyNot(int record)
 {
-    const auto why = refusal(item);
+    // Files of two folders may be dropped together, and two names may become one on the other side.
+    // No question would tell of it, and in a run both would be written at once.
+    const QString target = m_upload ? remotePath() : localPath();
+    const auto owner = m_targets.constFind(target);
+    if (owner != m_targets.constEnd() && *owner != record) {
+        return FtpError { ftp::ErrorKind::LocalFile, 0,
+                          target
+                              + u": Mehrere der markierten Objekte haben dieses Ziel, nur das "
+                                u"erste wird übertragen."_s };
+    }
+    m_targets.insert(target, record);
+    return refusal(m_batch.item(record));
+}
+
+bool TransferDriver::refuse(int record, const QString &sizeText)
+{
+    const auto why = whyNot(record);
     if (why) {
         m_tools.work.shell.AppendLog(why->text + u"\r\n"_s);
-        record(sizeText, why, {});
+        this->record(sizeText, why, {});
     }
     return why.has_value();
 }

@@ -3,6 +3,8 @@
 #include "ftp/ftpoperations.h"
 #include "transfer/batch.h"
 
+#include <QHash>
+
 /// What downloads and uploads have in common: the order of questions, calls and records. One object
 /// for one batch.
 class TransferDriver {
@@ -58,11 +60,13 @@ private:
     [[nodiscard]] bool isPlain(int record);
     void runFiles(int first, int end);
     void present(int record);
-    bool refuse(const MarkedItem &item, const QString &sizeText);
+    [[nodiscard]] std::optional<FtpError> whyNot(int record);
+    bool refuse(int record, const QString &sizeText);
     void askAboutFile();
     void finishItem();
     void record(const QString &sizeText, const std::optional<FtpError> &failure,
                 const QString &success);
 
     bool m_upload;
+    QHash<QString, int> m_targets; ///< record that a target path belongs to
 };

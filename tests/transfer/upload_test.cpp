@@ -258,6 +258,25 @@ TEST_F(UploadTest, ADropGoesByTheFolderShownNotByTheBox)
     EXPECT_FALSE(ftp.has(u"/alt/bilder/a"_s));
 }
 
+TEST_F(UploadTest, OfTwoFilesWithOneTargetOnlyTheFirstGoes)
+{
+    writeLocal(u"eins/index.html"_s, "eins");
+    writeLocal(u"zwei/index.html"_s, "zwei");
+    showBoth();
+    for (const QString &folder : { u"eins/"_s, u"zwei/"_s }) {
+        globals.marked.MarkedItems.append(
+            { u"index.html"_s, disk(folder), ItemKind::File, u"4"_s, -1 });
+        ++globals.marked.MarkedCount;
+    }
+    prompts.expectConfirm(u"2 Dateien oder Ordner Uploaden?"_s, true, u"Store..."_s);
+    commands.dropOnRemote(-1);
+    EXPECT_EQ(ftp.content(u"/www/index.html"_s), "eins");
+    EXPECT_EQ(ftp.lists, 0) << "both would be written at once";
+    EXPECT_EQ(statuses(), (QStringList { u"Upload"_s, u"Upload verweigert"_s }));
+    EXPECT_EQ(shell.queue.value(1).local, disk(u"zwei/index.html"_s));
+    EXPECT_TRUE(shell.log.contains(u"/www/index.html: Mehrere der markierten Objekte"_s));
+}
+
 TEST_F(UploadTest, ADropOnAFileRowStaysInTheFolder)
 {
     ftp.addFile(u"/www/datei"_s, "x");
