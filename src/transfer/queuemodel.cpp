@@ -3,6 +3,7 @@
 #include "remote/icons.h"
 
 #include <QCollator>
+#include <QTextDocument>
 #include <algorithm>
 #include <iterator>
 #include <numeric>
@@ -66,8 +67,11 @@ QVariant alignmentOf(int column)
 
 QString toolTip(const QueueRow &row, int column)
 {
-    return column == QueueModel::Status && !row.detail.isEmpty() ? row.detail
-                                                                 : cellText(row, column);
+    const QString text = column == QueueModel::Status && !row.detail.isEmpty()
+        ? row.detail
+        : cellText(row, column);
+    // A server's words must not be taken for markup: that could name files to be opened.
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }
 
 } // namespace

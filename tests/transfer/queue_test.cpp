@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QTest>
+#include <QTextDocument>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -103,6 +104,25 @@ TEST(QueueModel, ShowsWhatHappenedAsToolTip)
     EXPECT_TRUE(model.index(0, 0).data(QueueModel::FailedRole).toBool());
     EXPECT_FALSE(model.index(1, 0).data(QueueModel::FailedRole).toBool());
     EXPECT_FALSE(model.index(0, 0).data(Qt::DecorationRole).isNull());
+}
+
+TEST(QueueModel, AServersTextIsNoMarkupInAToolTip)
+{
+    const QString text = u"550 <img src='file:///dev/zero'> & <b>fett</b>"_s;
+    QueueModel model;
+    QueueRow hostile = row(u"Download"_s, u"/a/<b>x</b>"_s);
+    hostile.detail = text;
+    model.append(hostile);
+    for (const auto &[column, expected] :
+         { std::pair { int(QueueModel::Status), text },
+           std::pair { int(QueueModel::Local), u"/a/<b>x</b>"_s } }) {
+        const QString tip = model.index(0, column).data(Qt::ToolTipRole).toString();
+        ASSERT_TRUE(Qt::mightBeRichText(tip));
+        QTextDocument shown;
+        shown.setHtml(tip);
+        EXPECT_EQ(shown.toPlainText(), expected);
+        EXPECT_FALSE(tip.contains(u"<img"_s) || tip.contains(u"<b>"_s));
+    }
 }
 
 TEST(QueueModel, KeepsFailedTransfersUntilTheyAreTriedAgain)
