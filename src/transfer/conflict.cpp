@@ -15,15 +15,28 @@ bool paneHolds(Pane &pane, const QString &folder, const QString &name)
     return withSeparator(pane.folder(), folder.back()) == folder && pane.model().findRow(name) >= 0;
 }
 
+/// The question comes back just as after a renaming; without a word it would be taken for one.
+void tellTaken(const Workplace &work, const QString &name)
+{
+    work.shell.AppendLog(name + u": Der Name ist schon vergeben."_s + lineBreak);
+}
+
 void renameRemote(const Workplace &work, const QString &name)
 {
     const TransferState &item = work.globals.transfer;
     if (work.remote.model().findRow(name) >= 0) {
+        tellTaken(work, name);
         return;
     }
     const FtpResult<bool> taken = remoteNameTaken(work.ftp, name);
-    if (!taken || *taken) {
-        work.shell.AppendLog(name + u": Der Name ist schon vergeben."_s + lineBreak);
+    if (!taken) {
+        work.shell.AppendLog(
+            name + u": Ob der Name frei ist, ließ sich nicht feststellen; nichts wurde umbenannt."_s
+            + lineBreak);
+        return;
+    }
+    if (*taken) {
+        tellTaken(work, name);
         return;
     }
     ignoreError(work.ftp.rename(item.RemoteDir + item.RemoteName, item.RemoteDir + name),
@@ -35,6 +48,7 @@ void renameLocalFile(const Workplace &work, const QString &name)
 {
     const TransferState &item = work.globals.transfer;
     if (paneHolds(work.local, item.LocalDir, name)) {
+        tellTaken(work, name);
         return;
     }
     if (const auto failed = renameLocal(item.LocalDir + item.LocalName, item.LocalDir + name)) {

@@ -484,6 +484,7 @@ TEST_F(UploadTest, RenamesTheRemoteFileWithFullPathsAndAsksAgain)
     EXPECT_EQ(ftp.content(u"/www/b.txt"_s), "alt");
     EXPECT_EQ(ftp.content(u"/www/vergeben"_s), "x");
     EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "neuer");
+    EXPECT_EQ(shell.log.count(u"vergeben: Der Name ist schon vergeben.\r\n"_s), 1);
     EXPECT_EQ(dialogs.offeredNames, (QStringList { u"a.txt"_s, u"a.txt"_s }));
     ASSERT_EQ(dialogs.questions.size(), 3);
     EXPECT_EQ(dialogs.questions[2].message, dialogs.questions[0].message);
@@ -502,6 +503,21 @@ TEST_F(UploadTest, ANameThatOnlyTheServerKnowsIsNotReplaced)
     EXPECT_EQ(ftp.content(u"/www/heimlich"_s), "wertvoll");
     EXPECT_EQ(ftp.content(u"/www/a.txt"_s), "alt");
     EXPECT_TRUE(shell.log.contains(u"heimlich: Der Name ist schon vergeben."_s));
+}
+
+TEST_F(UploadTest, ANewNameThatCannotBeLookedUpIsNotCalledTaken)
+{
+    ftp.addFile(u"/www/a.txt"_s, "alt");
+    writeLocal(u"a.txt"_s, "neuer");
+    showBoth();
+    local.select({ u"a.txt"_s });
+    ftp.refuseAll(u"LIST"_s, u"425 No data connection."_s);
+    dialogs.steps
+        = { { ConflictAnswer::Rename, false, u"frei"_s }, { ConflictAnswer::Skip, false, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_TRUE(ftp.commandsOf(u"RENAME"_s).isEmpty());
+    EXPECT_TRUE(shell.log.contains(u"frei: Ob der Name frei ist, ließ sich nicht feststellen"_s));
+    EXPECT_FALSE(shell.log.contains(u"vergeben"_s));
 }
 
 TEST_F(UploadTest, ANewNameThatLeadsElsewhereIsRefusedAndAskedForAgain)
