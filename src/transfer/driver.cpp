@@ -54,6 +54,9 @@ void TransferDriver::runFile(int record)
     }
     targetSize() = existingSize();
     askAboutFile();
+    if (!stillConnected()) {
+        return;
+    }
     m_tools.progress.setMaximumFor(sourceSize());
     m_tools.progress.setValue(targetSize());
     if (m_state.SkipCurrent) {
@@ -75,6 +78,9 @@ void TransferDriver::runFolder(int record)
     }
     if (folderExists() && asksForFolder(m_state)) {
         askConflict(m_tools.work, m_tools.dialogs);
+    }
+    if (!stillConnected()) {
+        return;
     }
     m_tools.progress.setValue(0);
     if (m_state.SkipCurrent) {
@@ -145,6 +151,12 @@ bool TransferDriver::refuse(int record, const QString &sizeText)
         this->record(sizeText, why, {});
     }
     return why.has_value();
+}
+
+/// The line may go while a question stands; what was never begun has no row.
+bool TransferDriver::stillConnected() const
+{
+    return m_tools.work.ftp.state() == FtpOperations::Connected;
 }
 
 void TransferDriver::askAboutFile()

@@ -63,6 +63,7 @@ private:
     [[nodiscard]] std::optional<FtpError> whyNot(int record);
     bool refuse(int record, const QString &sizeText);
     void askAboutFile();
+    [[nodiscard]] bool stillConnected() const;
     void finishItem();
     void record(const QString &sizeText, const std::optional<FtpError> &failure,
                 const QString &success);

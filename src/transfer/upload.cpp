@@ -111,4 +111,7 @@ QueueRow Upload::row(bool failed) const
     return made;
 }
 
-QString Upload::success() const { return QString::number(m_state.LocalSize) + u" Bytes"_s; }
+QString Upload::success() const
+{
+    return QString::number(localEntry(localPath()).size) + u" Bytes"_s; // it may have grown
+}

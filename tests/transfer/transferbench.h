@@ -22,6 +22,7 @@ public:
     std::deque<ConflictStep> steps;
     QList<ConflictQuestion> questions;
     QStringList offeredNames;
+    std::function<void()> whileAsked = [] {}; ///< happens while frmTransfer stands
 
     ConflictReply askTransfer(const ConflictQuestion &question) override
     {
@@ -30,6 +31,7 @@ public:
             ADD_FAILURE() << "not expected: " << question.message.toStdString();
             return {};
         }
+        whileAsked();
         m_current = steps.front();
         steps.pop_front();
         return { m_current.answer, m_current.all };

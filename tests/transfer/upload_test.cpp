@@ -562,6 +562,32 @@ TEST_F(UploadTest, AVanishedFileIsRefused)
     EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
 }
 
+TEST_F(UploadTest, ALineLostAtTheQuestionLeavesNoRow)
+{
+    ftp.addFile(u"/www/a"_s, "alt");
+    ftp.addFolder(u"/www/bilder"_s);
+    writeLocal(u"a"_s, "neuer");
+    writeLocal(u"bilder/b"_s, "x");
+    for (const QString &name : { u"a"_s, u"bilder"_s }) {
+        ftp.connectionState = FtpOperations::Connected;
+        dialogs.whileAsked = [this] { ftp.close(); };
+        dialogs.steps = { { ConflictAnswer::Overwrite, false, {} } };
+        upload({ name });
+        EXPECT_TRUE(shell.queue.isEmpty()) << name.toStdString();
+    }
+}
+
+TEST_F(UploadTest, TheRowTellsWhatWasSentNotWhatWasListed)
+{
+    writeLocal(u"a"_s, "kurz");
+    showBoth();
+    writeLocal(u"a"_s, "inzwischen länger");
+    local.select({ u"a"_s });
+    commands.cmd_upload_Click();
+    ASSERT_EQ(shell.queue.size(), 1);
+    EXPECT_EQ(shell.queue[0].detail, u"18 Bytes"_s);
+}
+
 TEST_F(UploadTest, ALostConnectionEndsTheBatch)
 {
     for (const char *name : { "a", "b", "c" }) {
