@@ -8,16 +8,21 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr mode_t ownerOnly = 0700;
+constexpr int mostWindows = 9; ///< whose temporary folders have names that come back
 
 /// Whether the path is a real folder, not a link, that belongs to this user.
 bool isOwnFolder(const QString &path)
@@ -33,6 +38,27 @@ bool makeOwnFolder(const QString &path)
     const QByteArray name = QFile::encodeName(path);
     (void)::mkdir(name.constData(), ownerOnly); // it may be there already
     return isOwnFolder(path) && ::chmod(name.constData(), ownerOnly) == 0;
+}
+
+/// Descriptor of the folder that this process works in, -1 for none; its lock goes with it.
+int &heldFolder()
+{
+    static int descriptor = -1;
+    return descriptor;
+}
+
+/// Takes a folder for this process. @return false when another process has it
+bool takeFolder(const QString &path)
+{
+    const int folder
+        = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    // A file system without locks leaves it to the user to open one window at a time.
+    if (folder >= 0 && ::flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        ::close(folder);
+        return false;
+    }
+    heldFolder() = folder;
+    return true;
 }
 
 /// Packages install below /usr, where nothing is to be written even when root runs the program.
@@ -96,18 +122,25 @@ void makeProfileFolder(const WorkingFolders &folders)
 
 QString makeTemporaryFolder(const QString &folder)
 {
+    if (const int held = std::exchange(heldFolder(), -1); held >= 0) {
+        ::close(held);
+    }
     const QString name = folder.chopped(1);
     EnsureFolder(name, true); // everything above it
-    if (makeOwnFolder(name)) {
-        return folder;
-    }
     const QString own = name + u'_' + QString::number(::geteuid());
-    // Whoever holds this name, too, means harm; then one that cannot be known beforehand.
-    if (!makeOwnFolder(own)) {
-        QByteArray unique = QFile::encodeName(own) + "_XXXXXX";
-        if (::mkdtemp(unique.data()) != nullptr) {
-            return QFile::decodeName(unique) + LocalSeparator;
+    QStringList names { name, own };
+    for (int window = 3; window <= mostWindows; ++window) {
+        names.append(own + u'_' + QString::number(window));
+    }
+    for (const QString &each : std::as_const(names)) {
+        if (makeOwnFolder(each) && takeFolder(each)) {
+            return each + LocalSeparator;
         }
+    }
+    // Whoever holds all these names means harm; then one that cannot be known beforehand.
+    QByteArray unique = QFile::encodeName(own) + "_XXXXXX";
+    if (::mkdtemp(unique.data()) != nullptr) {
+        return QFile::decodeName(unique) + LocalSeparator;
     }
     return own + LocalSeparator;
 }

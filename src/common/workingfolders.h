@@ -22,8 +22,9 @@ struct FolderSources {
 /// Makes the profile folder (with what is missing above it), for its owner alone.
 void makeProfileFolder(const WorkingFolders &folders);
 /// Makes the temporary folder, for its owner alone. A name that somebody else holds, or a link, is
-/// not used: the user's number is added to it. @return the folder to be used, ending in the
-/// separator
+/// not used, nor is one that another process works in, whose fetched files would be replaced: the
+/// user's number is added to it, then a count. The folder is this process's own until it ends or
+/// makes another one. @return the folder to be used, ending in the separator
 [[nodiscard]] QString makeTemporaryFolder(const QString &folder);
 
 /// One entry of the drive lists.

@@ -4,7 +4,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -100,6 +102,37 @@ TEST_F(Folders, MakingThemCreatesMissingFoldersAboveTemp)
     EXPECT_EQ(QFile(folder).permissions() & others, QFile::Permissions());
 }
 
+TEST_F(Folders, TwoProcessesNeverShareTheTemporaryFolder)
+{
+    const QString folder = workingFolders(sources).temporary;
+    QDir().mkpath(folder);
+    // As another process would hold it.
+    const int other = ::open(QFile::encodeName(folder).constData(), O_RDONLY);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    const QString second = base.filePath(u"tmp/tarvelo_ftp_temp_%1"_s.arg(::geteuid()));
+    EXPECT_EQ(makeTemporaryFolder(folder), second + u'/');
+    const int another = ::open(QFile::encodeName(second).constData(), O_RDONLY);
+    EXPECT_NE(::flock(another, LOCK_EX | LOCK_NB), 0) << "the second window does not hold its own";
+    ::close(another);
+    ::close(other);
+    EXPECT_EQ(makeTemporaryFolder(folder), folder);
+}
+
+TEST_F(Folders, WithManyWindowsTheNamesGoOn)
+{
+    const QString folder = workingFolders(sources).temporary;
+    QDir().mkpath(folder);
+    const QString second = base.filePath(u"tmp/tarvelo_ftp_temp_%1"_s.arg(::geteuid()));
+    QDir().mkpath(second);
+    const int first = ::open(QFile::encodeName(folder).constData(), O_RDONLY);
+    const int other = ::open(QFile::encodeName(second).constData(), O_RDONLY);
+    ASSERT_EQ(::flock(first, LOCK_EX), 0);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    EXPECT_EQ(makeTemporaryFolder(folder), second + u"_3/"_s);
+    ::close(first);
+    ::close(other);
+}
+
 TEST_F(Folders, ALinkInPlaceOfTheTemporaryFolderIsNotUsed)
 {
     const QString folder = workingFolders(sources).temporary;
@@ -111,7 +144,7 @@ TEST_F(Folders, ALinkInPlaceOfTheTemporaryFolderIsNotUsed)
     EXPECT_TRUE(QFileInfo(own).isDir());
 }
 
-TEST_F(Folders, WhenBothNamesAreTakenAnUnknownOneIsMade)
+TEST_F(Folders, WhenAllNamesAreTakenAnUnknownOneIsMade)
 {
     const QString folder = workingFolders(sources).temporary;
     const QString second = base.filePath(u"tmp/tarvelo_ftp_temp_%1"_s.arg(::geteuid()));
@@ -119,6 +152,9 @@ TEST_F(Folders, WhenBothNamesAreTakenAnUnknownOneIsMade)
     QDir(base.path()).mkpath(u"fremd"_s);
     QFile::link(base.filePath(u"fremd"_s), folder.chopped(1));
     QFile::link(base.filePath(u"fremd"_s), second);
+    for (int window = 3; window <= 9; ++window) {
+        QFile::link(base.filePath(u"fremd"_s), second + u'_' + QString::number(window));
+    }
     const QString made = makeTemporaryFolder(folder);
     EXPECT_TRUE(made.startsWith(second + u'_')) << made.toStdString();
     EXPECT_TRUE(made.endsWith(u'/'));
