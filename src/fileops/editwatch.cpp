@@ -4,6 +4,10 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
+#include <utility>
+
 namespace {
 
 constexpr int quietTime = 400;
@@ -20,6 +24,17 @@ QByteArray contentHash(const QString &path)
     return hash.result();
 }
 
+FileStamp FileStamp::of(const QString &path)
+{
+    struct stat found { };
+    if (::stat(QFile::encodeName(path).constData(), &found) != 0) {
+        return {};
+    }
+    const auto nanoseconds
+        = [](const timespec &time) { return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec; };
+    return { found.st_ino, found.st_size, nanoseconds(found.st_ctim), nanoseconds(found.st_mtim) };
+}
+
 EditWatch::EditWatch(QObject *parent)
     : QObject(parent)
 {
@@ -34,7 +49,8 @@ EditWatch::EditWatch(QObject *parent)
 
 void EditWatch::watch(const QString &path)
 {
-    m_known.insert(path, contentHash(path));
+    const FileStamp stamp = FileStamp::of(path); // before the reading, or a change would be missed
+    m_known.insert(path, { stamp, contentHash(path) });
     m_watcher.addPaths({ path, QFileInfo(path).path() });
 }
 
@@ -48,12 +64,18 @@ void EditWatch::look()
 {
     const QStringList paths = m_known.keys();
     for (const QString &path : paths) {
+        const FileStamp stamp = FileStamp::of(path);
+        Known &known = m_known[path];
+        if (stamp == known.stamp) {
+            continue; // reading every file anew at each look would be felt
+        }
         const QByteArray now = contentHash(path);
         if (now.isEmpty()) {
             continue; // gone for the moment, or for good
         }
         m_watcher.addPath(path); // a new file has taken the place of the watched one
-        if (std::exchange(m_known[path], now) != now) {
+        known.stamp = stamp;
+        if (std::exchange(known.hash, now) != now) {
             Q_EMIT saved(path);
         }
     }

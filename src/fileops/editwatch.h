@@ -8,6 +8,17 @@
 /// A fingerprint of a file's content; empty when it cannot be read.
 [[nodiscard]] QByteArray contentHash(const QString &path);
 
+/// What a file's record on the disk says. While it stays the same, so does the content, as long as
+/// nobody takes pains.
+struct FileStamp {
+    quint64 inode = 0;
+    qint64 size = -1; ///< bytes, -1 when there is no such file
+    qint64 changed = 0, modified = 0; ///< nanoseconds since 1970
+    bool operator==(const FileStamp &) const = default;
+
+    [[nodiscard]] static FileStamp of(const QString &path);
+};
+
 /// Notices when files get another content, whether a program writes into them or puts a new file in
 /// their place. One report for each saving, even when that takes several steps.
 class EditWatch : public QObject {
@@ -26,9 +37,14 @@ Q_SIGNALS:
     void saved(const QString &path);
 
 private:
+    struct Known {
+        FileStamp stamp;
+        QByteArray hash;
+    };
+
     void look();
 
     QFileSystemWatcher m_watcher;
     QTimer m_quiet;
-    QHash<QString, QByteArray> m_known; ///< content hashes by path
+    QHash<QString, Known> m_known; ///< by path
 };

@@ -1,5 +1,7 @@
 #include "fileops/putback.h"
 
+#include "fileops/rename.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
@@ -10,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int retryTime = 300;
+constexpr int mostCopies = 99; ///< of one file that are kept
 constexpr qint64 longestText = 16 * 1024 * 1024;
 
 /// Whether a file may be a text that somebody edits: short, and without zero bytes at its start.
@@ -35,12 +38,44 @@ PutBack::PutBack(const Workplace &work, ProgressDisplay &progress)
 
 QString PutBack::currentServer() const { return webSpaceOf(m_work.globals.connection); }
 
-void PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
+/// Whether the copy here holds something that the server never got.
+bool PutBack::isEdited(const QString &localPath) const
 {
+    const auto file = m_files.constFind(localPath);
+    const FileStamp now = FileStamp::of(localPath);
+    if (file == m_files.constEnd() || file->stamp.size < 0 || now.size < 0 || now == file->stamp) {
+        return false;
+    }
+    return file->hash.isEmpty() || contentHash(localPath) != file->hash;
+}
+
+bool PutBack::moveAside(const QString &localPath)
+{
+    for (int attempt = 1; attempt <= mostCopies; ++attempt) {
+        const QString kept
+            = localPath + u".bearbeitet"_s + (attempt > 1 ? QString::number(attempt) : QString());
+        if (QFileInfo::exists(kept) || renameLocal(localPath, kept)) {
+            continue;
+        }
+        m_work.shell.AppendLog(localPath + u": Ihre geänderte Fassung steht jetzt in "_s + kept
+                               + u"\r\n"_s);
+        return true;
+    }
+    m_work.shell.AppendLog(localPath
+                           + u": Ihre geänderte Fassung ließ sich nicht umbenennen; die Datei "
+                             u"wurde nicht geholt.\r\n"_s);
+    return false;
+}
+
+bool PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
+{
+    if (isEdited(localPath) && !moveAside(localPath)) {
+        return false;
+    }
     // What is written from now on is the fetching, no edit.
     m_edits.forget(localPath);
     m_waiting.removeAll(localPath);
-    Fetched file { remotePath, currentServer(), {}, {}, m_work.ftp.transferType(), false };
+    Fetched file { remotePath, currentServer(), {}, {}, m_work.ftp.transferType(), {}, false };
     if (const auto before = m_files.constFind(localPath); before != m_files.constEnd()) {
         // An editor may still show the file of the other folder; sending that one back would
         // replace the wrong file.
@@ -52,15 +87,24 @@ void PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
         file.facts = *facts;
     }
     m_files.insert(localPath, file);
+    return true;
 }
 
 void PutBack::afterFetch(const QString &localPath)
 {
     Fetched &file = m_files[localPath];
-    if (!file.ambiguous && looksLikeText(localPath)) {
-        file.hash = contentHash(localPath);
-        m_edits.watch(localPath);
+    file.stamp = FileStamp::of(localPath);
+    if (!looksLikeText(localPath)) {
+        return;
     }
+    if (file.ambiguous) {
+        m_work.shell.AppendLog(localPath
+                               + u": Änderungen werden nicht zurückgespielt, denn unter diesem "
+                                 u"Namen wurden Dateien aus zwei Ordnern angesehen.\r\n"_s);
+        return;
+    }
+    file.hash = contentHash(localPath);
+    m_edits.watch(localPath);
 }
 
 void PutBack::saved(const QString &localPath)
@@ -140,6 +184,7 @@ QString PutBack::whyNot(const QString &localPath, const Fetched &file)
                u"steht in "_s
             + localPath;
     }
+    const FileStamp stamp = FileStamp::of(localPath);
     const QByteArray hash = contentHash(localPath);
     m_progress.setMaximumFor(QFileInfo(localPath).size());
     m_progress.setValue(0);
@@ -152,6 +197,7 @@ QString PutBack::whyNot(const QString &localPath, const Fetched &file)
     }
     Fetched &now = m_files[localPath];
     now.hash = hash;
+    now.stamp = stamp;
     const auto facts = m_work.ftp.fileFacts(file.remotePath);
     now.facts = facts ? *facts : FtpFileFacts {};
     return {};

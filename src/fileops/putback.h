@@ -20,7 +20,9 @@ public:
     [[nodiscard]] EditWatch &edits() { return m_edits; }
 
     /// A file is about to be fetched: what the server says about it is the state to come back to.
-    void beforeFetch(const QString &localPath, const QString &remotePath);
+    /// An edited copy that the server does not have gets out of the way.
+    /// @return false when it cannot, so that nothing may be fetched
+    [[nodiscard]] bool beforeFetch(const QString &localPath, const QString &remotePath);
     /// It was fetched. Text files are watched from now on.
     void afterFetch(const QString &localPath);
 
@@ -31,9 +33,12 @@ private:
         FtpFileFacts facts; ///< of the server's copy
         QByteArray hash; ///< of its content here
         int transferType = 0;
+        FileStamp stamp = {}; ///< of the copy that the server has, too
         bool ambiguous = false; ///< files of two folders met under this name
     };
 
+    [[nodiscard]] bool isEdited(const QString &localPath) const;
+    [[nodiscard]] bool moveAside(const QString &localPath);
     void saved(const QString &localPath);
     void offerNext();
     void offer(const QString &localPath);

@@ -93,7 +93,9 @@ bool ViewCommand::fetch(const PaneRow &entry)
     m_work.ftp.setTransferType(m_work.globals.connection.TransferType);
     item.TransferStart = QTime::currentTime().msecsSinceStartOfDay() / 1000.0;
     const QString path = m_work.globals.folders.temporary + entry.name;
-    m_putBack.beforeFetch(path, entry.tag);
+    if (!m_putBack.beforeFetch(path, entry.tag)) {
+        return false;
+    }
     const FtpStatus fetched = m_work.ftp.getFile(entry.tag, path, item.LocalSize);
     takeExecuteBits(path);
     if (fetched) {

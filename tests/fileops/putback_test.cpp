@@ -98,6 +98,42 @@ TEST_F(PutBackTest, ATimeAloneTellsOfAChange)
     EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
 }
 
+TEST_F(PutBackTest, AnUnsentEditIsNeverReplacedByViewingAnew)
+{
+    for (const char *kept : { "temp/a.html.bearbeitet", "temp/a.html.bearbeitet2" }) {
+        view(u"a.html"_s);
+        shell.log.clear();
+        expectOffer(false);
+        edit(kept);
+        waitForOffer();
+        view(u"a.html"_s);
+        EXPECT_EQ(readLocal(u"temp/a.html"_s), "alt");
+        EXPECT_EQ(readLocal(QString::fromLatin1(kept)), kept);
+        EXPECT_TRUE(shell.log.contains(u"steht jetzt in "_s + disk(QString::fromLatin1(kept))));
+    }
+}
+
+TEST_F(PutBackTest, AnEditedPictureIsKeptToo)
+{
+    ftp.addFile(u"/www/bild.png"_s, QByteArray("\x89PNG\0\0", 6));
+    showBoth();
+    view(u"bild.png"_s);
+    writeLocal(u"temp/bild.png"_s, "bemalt");
+    view(u"bild.png"_s);
+    EXPECT_EQ(readLocal(u"temp/bild.png.bearbeitet"_s), "bemalt");
+}
+
+TEST_F(PutBackTest, WhatTheServerHasIsReplacedByViewingAnew)
+{
+    view(u"a.html"_s);
+    view(u"a.html"_s);
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    view(u"a.html"_s);
+    EXPECT_EQ(QDir(disk(u"temp"_s)).entryList(QDir::Files), QStringList { u"a.html"_s });
+}
+
 TEST_F(PutBackTest, WithoutTimesTheContentIsCompared)
 {
     ftp.nodes[u"/www/a.html"_s].time.reset();
@@ -163,6 +199,7 @@ TEST_F(PutBackTest, FilesOfTwoFoldersWithOneNameAreNeverMixedUp)
     row.kind = u"File"_s;
     row.tag = u"/b/a.html"_s;
     viewer.ViewRemoteFile(remote.model().appendRow(row));
+    EXPECT_TRUE(shell.log.contains(u"Änderungen werden nicht zurückgespielt"_s));
     edit("neu"); // an editor may still show the first one
     remote.show(u"/www"_s);
     view(u"b.html"_s);
