@@ -6,13 +6,19 @@
 #include "fileops/marking.h"
 #include "remote/itemkind.h"
 
+#include <QElapsedTimer>
 #include <QScopeGuard>
 #include <QTimer>
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// Files deleted beside the window before their rows are told; whatever comes first.
+constexpr qsizetype mostAtOnce = 200;
+constexpr qint64 longestAside = 50; ///< milliseconds
 
 QString labelOf(const MarkedItem &item)
 {
@@ -69,16 +75,16 @@ QStringList withoutLinks(QStringList folders)
 FtpFolderContent countLocal(const QStringList &folders,
                             const std::shared_ptr<std::atomic_bool> &stop)
 {
-    FtpFolderContent whole;
-    runAside([&] {
+    const auto whole = std::make_shared<FtpFolderContent>();
+    const auto count = [folders, stop, whole] {
         for (const QString &folder : folders) {
             const FtpFolderContent inside = countLocalTree(folder, *stop);
-            whole.files += inside.files;
-            whole.folders += inside.folders;
-            whole.complete = whole.complete && inside.complete;
+            whole->files += inside.files;
+            whole->folders += inside.folders;
+            whole->complete = whole->complete && inside.complete;
         }
-    });
-    return whole;
+    };
+    return runAsideUntil(count, stop) ? *whole : FtpFolderContent { 0, 0, false };
 }
 
 std::optional<QString> reasonOf(const FtpStatus &status)
@@ -120,11 +126,7 @@ void DeleteCommand::DeleteLocalItems()
     }
     const MarkedItemList items = m_work.globals.marked;
     if (confirmed(items, withoutLinks(foldersIn(items, LocalSeparator)), countLocal)) {
-        deleteMarked(m_work.local, items, [&] {
-            for (int slot = 1; slot < items.MarkedCount && !m_stop; ++slot) {
-                deleteLocalItem(items.MarkedItems.at(slot));
-            }
-        });
+        deleteMarked(m_work.local, items, [&] { deleteLocalItems(items); });
         listAgain(items.MarkedItems.last().folder);
     } else {
         UnmarkAll(m_work.local, m_work.globals);
@@ -265,37 +267,71 @@ DeleteCommand::Reason DeleteCommand::removeRemote(const MarkedItem &item, const 
     return reasonOf(deleted);
 }
 
-void DeleteCommand::deleteLocalItem(const MarkedItem &item)
+void DeleteCommand::deleteLocalItems(const MarkedItemList &items)
+{
+    QList<MarkedItem> files; // neighbours, which go together
+    for (int slot = 1; slot < items.MarkedCount && !m_stop; ++slot) {
+        const MarkedItem &item = items.MarkedItems.at(slot);
+        if (!ItemKind::isFolderLike(item.kind)) {
+            files.append(item);
+            continue;
+        }
+        deleteLocalFiles(std::exchange(files, {}));
+        if (!m_stop) {
+            deleteLocalFolder(item);
+        }
+    }
+    deleteLocalFiles(files);
+}
+
+/// A slow disk must not hold up the window, nor a thread for every file the disk.
+void DeleteCommand::deleteLocalFiles(const QList<MarkedItem> &files)
+{
+    for (qsizetype told = 0; told < files.size() && !m_stop;) {
+        m_work.shell.ShowTransferItem(labelOf(files.at(told)), {});
+        QList<Reason> reasons;
+        runAside([&] {
+            const qsizetype most = std::min(files.size() - told, mostAtOnce);
+            QElapsedTimer since;
+            since.start();
+            do {
+                const MarkedItem &next = files.at(told + reasons.size());
+                reasons.append(removeLocalFile(pathOf(next, LocalSeparator)));
+            } while (reasons.size() < most && !m_stop && !since.hasExpired(longestAside));
+        });
+        for (const Reason &reason : std::as_const(reasons)) {
+            // Intended: the row goes also when the file could not be deleted; the next listing
+            // shows it again.
+            removeRow(m_work.local, files.at(told));
+            recordLocal(files.at(told), reason);
+            ++told;
+        }
+        m_work.shell.ShowTransferItem({}, {});
+    }
+}
+
+void DeleteCommand::deleteLocalFolder(const MarkedItem &item)
 {
     const QString path = pathOf(item, LocalSeparator);
     m_work.shell.ShowTransferItem(labelOf(item), {});
-    const Reason reason = removeLocal(item, path);
+    Reason reason;
+    runAside([&] { reason = RemoveLocalTree(path, m_stop); });
     m_work.shell.ShowTransferItem({}, {});
-    if (!ItemKind::isFolderLike(item.kind)) {
-        // Intended: also when the file could not be deleted; the next listing shows it again.
-        removeRow(m_work.local, item);
-    } else {
-        m_work.local.forgetFolder(path);
-    }
+    m_work.local.forgetFolder(path);
+    recordLocal(item, reason);
+}
+
+void DeleteCommand::recordLocal(const MarkedItem &item, const Reason &reason)
+{
     if (reason) {
         refuse(m_work.local, item, *reason);
     } else {
         removeRow(m_work.local, item);
     }
     QueueRow row = outcome(reason);
-    row.local = path;
+    row.local = pathOf(item, LocalSeparator);
     row.size = item.sizeText;
     m_work.shell.AddQueueRow(row);
-}
-
-DeleteCommand::Reason DeleteCommand::removeLocal(const MarkedItem &item, const QString &path)
-{
-    if (!ItemKind::isFolderLike(item.kind)) {
-        return removeLocalFile(path);
-    }
-    Reason reason;
-    runAside([&] { reason = RemoveLocalTree(path, m_stop); });
-    return reason;
 }
 
 void DeleteCommand::refuse(Pane &pane, const MarkedItem &item, const QString &reason)

@@ -45,9 +45,11 @@ private:
     void deleteRemoteFiles(const QList<MarkedItem> &files);
     void deleteRemoteFolder(const MarkedItem &item);
     void recordRemote(const MarkedItem &item, const Reason &reason);
-    void deleteLocalItem(const MarkedItem &item);
+    void deleteLocalItems(const MarkedItemList &items);
+    void deleteLocalFiles(const QList<MarkedItem> &files);
+    void deleteLocalFolder(const MarkedItem &item);
+    void recordLocal(const MarkedItem &item, const Reason &reason);
     [[nodiscard]] Reason removeRemote(const MarkedItem &item, const QString &path);
-    [[nodiscard]] Reason removeLocal(const MarkedItem &item, const QString &path);
     void refuse(Pane &pane, const MarkedItem &item, const QString &reason);
 
     Workplace m_work;

@@ -363,6 +363,41 @@ TEST_F(DeleteTest, TheWindowLivesWhileALocalTreeGoes)
     EXPECT_EQ(shell.queue.size(), 1);
 }
 
+TEST_F(DeleteTest, TheWindowLivesWhileLocalFilesGo)
+{
+    for (int number = 0; number < 500; ++number) {
+        writeLocal(u"datei%1"_s.arg(number), "x");
+    }
+    showBoth();
+    local.selectAll();
+    expectQuestion(500, true);
+    QTimer stopper;
+    QObject::connect(&stopper, &QTimer::timeout, [this] {
+        if (!shell.queue.isEmpty()) {
+            command.stop();
+        }
+    });
+    stopper.start(0);
+    command.DeleteLocalItems();
+    EXPECT_FALSE(shell.queue.isEmpty());
+    EXPECT_LT(shell.queue.size(), 500) << "no event came between the files";
+    EXPECT_EQ(QDir(disk()).entryList(QDir::Files).size(), 500 - shell.queue.size());
+}
+
+TEST_F(DeleteTest, LocalFilesAndFoldersGoInTheirOrder)
+{
+    writeLocal(u"a/x"_s, "x");
+    writeLocal(u"b"_s, "x");
+    writeLocal(u"c"_s, "x");
+    deleteLocal({ u"a"_s, u"b"_s, u"c"_s }, u"In den Ordnern: 1 Datei und 0 Ordner."_s);
+    QStringList paths;
+    for (const QueueRow &row : shell.queue) {
+        paths.append(row.local);
+    }
+    EXPECT_EQ(paths, (QStringList { disk(u"a"_s), disk(u"b"_s), disk(u"c"_s) }));
+    EXPECT_TRUE(local.names().isEmpty());
+}
+
 TEST_F(DeleteTest, AStopAtTheQuestionDeletesNothing)
 {
     writeLocal(u"ordner/a"_s, "x");
