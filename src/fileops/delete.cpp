@@ -168,9 +168,15 @@ bool DeleteCommand::confirmed(const MarkedItemList &items, const QStringList &fo
     details.find = [&] {
         QTimer limit;
         limit.setSingleShot(true);
-        QObject::connect(&limit, &QTimer::timeout, &limit, [stop = details.stop] { *stop = true; });
+        QObject::connect(&limit, &QTimer::timeout, &limit, [this, stop = details.stop] {
+            *stop = true;
+            // A server that does not answer now would keep everything waiting for its time-out.
+            m_work.shell.SetAbortEnabled(m_work.ftp.isBusy());
+        });
         limit.start(m_countLimit);
-        return contentText(count(folders, details.stop));
+        const FtpFolderContent content = count(folders, details.stop);
+        m_work.shell.SetAbortEnabled(false);
+        return contentText(content);
     };
     return m_work.prompts.confirmLate(text, title, details) && !m_stop;
 }

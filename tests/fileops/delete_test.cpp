@@ -290,6 +290,9 @@ TEST_F(DeleteTest, CountingEndsWhenItTakesTooLong)
     };
     deleteRemote({ u"ordner"_s }, u"In den Ordnern: mehr als 1 Datei und 0 Ordner."_s);
     EXPECT_FALSE(ftp.has(u"/www/ordner"_s));
+    EXPECT_EQ(shellCalls(u"SetAbortEnabled"_s),
+              (QStringList { u"SetAbortEnabled 1"_s, u"SetAbortEnabled 0"_s }))
+        << "a server that stalls now could not be left";
 }
 
 TEST_F(DeleteTest, AFailedCountSaysNothingAndTheQuestionStands)
