@@ -110,6 +110,9 @@ void DeleteCommand::DeleteRemoteItems()
         m_work.shell.SetFtpProperties();
         deleteMarked(m_work.remote, items, [&] { deleteRemoteItems(items); });
         m_work.shell.DoRemoteRefresh(folder);
+        if (withSeparator(m_work.ftp.currentFolder(), u'/') != withSeparator(folder, u'/')) {
+            return; // the box held a folder that was never entered; it says by now what is shown
+        }
     } else {
         UnmarkAll(m_work.remote, m_work.globals);
     }

@@ -93,6 +93,18 @@ TEST_F(DeleteTest, ARemoteFileGoesWithItsRow)
     EXPECT_EQ(remote.calls.filter(u"text"_s), QStringList { u"text /www/"_s });
 }
 
+TEST_F(DeleteTest, ATypedFolderThatWasNotEnteredDoesNotComeBackIntoTheBox)
+{
+    ftp.addFile(u"/www/a"_s, "abc");
+    showBoth();
+    remote.text = u"/getippt"_s;
+    remote.select({ u"a"_s });
+    expectQuestion(1, true);
+    command.DeleteRemoteItems();
+    EXPECT_FALSE(ftp.has(u"/www/a"_s));
+    EXPECT_TRUE(remote.calls.filter(u"text"_s).isEmpty());
+}
+
 TEST_F(DeleteTest, ButtonsAndBoxesAreOffMeanwhileAndOnAfterwards)
 {
     ftp.addFile(u"/www/a"_s, "abc");
