@@ -54,7 +54,10 @@ void NewFolderCommand::MakeRemoteFolder()
         return;
     }
     m_work.shell.SetToolbarsEnabled(false);
-    const auto restore = qScopeGuard([this] { m_work.shell.SetToolbarsEnabled(true); });
+    const auto restore = qScopeGuard([this] {
+        m_work.shell.SetAbortEnabled(false);
+        m_work.shell.SetToolbarsEnabled(true);
+    });
     m_work.shell.SetFtpProperties();
     if (const QString made = makeUntilDone(unique); !made.isEmpty()) {
         addAndEdit(m_work.remote, made, withSeparator(m_work.ftp.currentFolder(), u'/'));
@@ -67,6 +70,8 @@ QString NewFolderCommand::makeUntilDone(const QString &name)
     state = {};
     QString candidate = name;
     for (int count = 1; count <= LastCount; ++count) {
+        // A server that calls every name taken must not hold the user for thousands of tries.
+        m_work.shell.SetAbortEnabled(count > 1);
         const FtpStatus made = m_work.ftp.makeFolder(candidate);
         if (made) {
             return candidate;

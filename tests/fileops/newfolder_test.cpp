@@ -86,6 +86,23 @@ TEST_F(NewFolderTest, RemoteCountsWhileTheNameExists)
     EXPECT_EQ(remote.model().rows().last().name, u"Ordner(2)"_s);
 }
 
+TEST_F(NewFolderTest, AServerThatCallsEveryNameTakenCanBeLeft)
+{
+    showBoth();
+    ftp.refuseAll(u"MKD"_s, u"550 File exists."_s);
+    int tries = 0;
+    ftp.onEvent = [&](const FtpEvent &) {
+        const bool mayAbort = shellCalls(u"SetAbortEnabled"_s).last() == u"SetAbortEnabled 1"_s;
+        EXPECT_EQ(mayAbort, tries > 0) << "the first try is not worth a button";
+        if (++tries == 3) {
+            ftp.close(); // what the button does
+        }
+    };
+    command.MakeRemoteFolder();
+    EXPECT_EQ(tries, 3);
+    EXPECT_EQ(shellCalls(u"SetAbortEnabled"_s).last(), u"SetAbortEnabled 0"_s);
+}
+
 TEST_F(NewFolderTest, AnotherRefusalEndsTheLoop)
 {
     showBoth();
