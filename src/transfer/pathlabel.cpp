@@ -34,13 +34,22 @@ PathLabel::PathLabel(QWidget *parent)
     setSizePolicy(policy);
 }
 
+/// A server's paths may be thousands of characters long: whole they would push the buttons off the
+/// screen.
+QString PathLabel::shownText() const
+{
+    constexpr qsizetype most = 600; // of each end
+    const QString whole = text();
+    return whole.size() <= 2 * most ? whole : whole.left(most) + u'…' + whole.right(most);
+}
+
 QSize PathLabel::sizeHint() const { return { UsualWidth, heightForWidth(UsualWidth) }; }
 
 QSize PathLabel::minimumSizeHint() const { return sizeHint(); }
 
 int PathLabel::heightForWidth(int width) const
 {
-    QTextLayout layout(text(), font());
+    QTextLayout layout(shownText(), font());
     return static_cast<int>(std::ceil(arrange(layout, width)));
 }
 
@@ -48,7 +57,7 @@ void PathLabel::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    QTextLayout layout(text(), font());
+    QTextLayout layout(shownText(), font());
     arrange(layout, width());
     layout.draw(&painter, QPointF(0, 0));
 }

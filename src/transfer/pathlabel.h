@@ -3,7 +3,8 @@
 #include <QLabel>
 
 /// A label for plain text with long paths: breaks lines at blanks and separators where it can, and
-/// anywhere where it must, so that nothing is cut off.
+/// anywhere where it must, so that nothing is cut off. Of a text beyond reason the middle is left
+/// out.
 class PathLabel : public QLabel {
     Q_OBJECT
 
@@ -18,5 +19,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    [[nodiscard]] QString shownText() const;
+
     static constexpr int UsualWidth = 460;
 };

@@ -37,6 +37,15 @@ TEST(FrmTransfer, ShowsQuestionAndButtons)
     EXPECT_FALSE(child<QCheckBox>(dialog, u"chkSelectedAll"_s)->isChecked());
 }
 
+TEST(FrmTransfer, PathsBeyondReasonDoNotPushTheButtonsOffTheScreen)
+{
+    ConflictQuestion endless = question;
+    endless.message = u"/www/"_s + QString(8000, u'x') + u"(1)"_s;
+    const frmTransfer dialog(endless);
+    EXPECT_LT(dialog.sizeHint().height(), 600);
+    EXPECT_EQ(child<QLabel>(dialog, u"lblMessage"_s)->text(), endless.message);
+}
+
 TEST(FrmTransfer, OffersResumingOnlyWhenItIsPossible)
 {
     ConflictQuestion without = question;
