@@ -2,6 +2,7 @@
 
 #include "app/commandline.h"
 #include "common/globals.h"
+#include "common/intime.h"
 #include "common/mo_standard.h"
 #include "common/prompts.h"
 #include "common/settingsstore.h"
@@ -10,6 +11,20 @@
 #include "remote/pane.h"
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::chrono::seconds patience { 2 };
+
+/// Whether a start folder is there; one on a dead network mount is not, or the window would stand
+/// still behind every login.
+bool isThere(const QString &folder)
+{
+    return !trimBlanks(folder).isEmpty()
+        && yesInTime([folder] { return EnsureFolder(folder, false); }, patience);
+}
+
+} // namespace
 
 Logins::Logins(Globals &globals, SettingsStore &store, Prompts &prompts, Shell &shell, Pane &local,
                LoginWindow &window)
@@ -49,7 +64,7 @@ void Logins::enterStartFolders()
     if (!trimBlanks(remote).isEmpty()) {
         m_window.EnterRemoteFolder(remote);
     }
-    if (!trimBlanks(local).isEmpty() && EnsureFolder(local, false)) {
+    if (isThere(local)) {
         m_local.setFolderText(local);
         m_local.listFolder(local);
     }
@@ -74,7 +89,7 @@ void Logins::load_commands(const QString &commandLine)
     m_window.setRememberButtonsEnabled(false); // there is no profile to write into
 
     connect();
-    if (!trimBlanks(connection->LocalDir).isEmpty() && EnsureFolder(connection->LocalDir, false)) {
+    if (isThere(connection->LocalDir)) {
         m_window.selectLocalRowsFromSecond();
     }
     if (m_window.isLogoutEnabled()) {
