@@ -28,7 +28,8 @@ public:
         std::function<QString()> find;
         std::shared_ptr<std::atomic_bool> stop; ///< set by the box when it was answered
     };
-    /// As confirm; the answer never waits for the line.
+    /// As confirm. The user never waits for the line with the answer, but the call comes back only
+    /// behind details.find.
     [[nodiscard]] virtual bool confirmLate(const QString &text, const QString &title,
                                            const LateDetails &details)
         = 0;

@@ -6,7 +6,7 @@
 #include <utility>
 
 /// Runs work in another thread while the window goes on painting, and returns when it is done.
-/// Clicks and keys wait meanwhile, so no command can begin in between. The work must not touch
+/// Clicks and keys wait meanwhile; timers run. The work must not touch
 /// widgets or models.
 void runBesideWindow(const std::function<void()> &work);
 

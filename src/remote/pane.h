@@ -11,7 +11,8 @@ public:
     virtual ~Pane() = default;
 
     [[nodiscard]] virtual PaneModel &model() = 0;
-    [[nodiscard]] virtual QString folder() const = 0; ///< text of the folder box
+    [[nodiscard]] virtual QString folder() const
+        = 0; ///< remote: text of the box; local: folder shown
     virtual void setFolderText(const QString &folder) = 0; ///< changes the box only, lists nothing
     virtual void listFolder(const QString &folder) = 0; ///< lists into the pane, keeps the box
     virtual void rememberFolder(const QString &folder) = 0; ///< history and text of the box

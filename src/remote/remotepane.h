@@ -8,7 +8,8 @@ struct Globals;
 
 /// The right half of the window: the server's current folder.
 ///
-/// Every operation does and says nothing unless the session is connected and idle. What the server
+/// Commands of the user do and say nothing unless the session is connected and idle; listFolder and
+/// ListRemoteFolder are steps of such commands and look at nothing. What the server
 /// answers reaches the log through the control's reply event; nothing here shows a box.
 class RemotePane : public FilePane {
     Q_OBJECT
