@@ -86,8 +86,25 @@ bool PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
     if (const auto facts = m_work.ftp.fileFacts(remotePath)) {
         file.facts = *facts;
     }
+    m_stampBefore = FileStamp::of(localPath);
+    m_before.reset();
+    if (m_stampBefore.size >= 0 && m_files.contains(localPath)) {
+        m_before = m_files.value(localPath);
+    }
     m_files.insert(localPath, file);
     return true;
+}
+
+void PutBack::fetchFailed(const QString &localPath)
+{
+    // One that broke off has left something else than the server's copy.
+    if (!m_before || FileStamp::of(localPath) != m_stampBefore) {
+        return;
+    }
+    m_files.insert(localPath, *m_before);
+    if (!m_before->hash.isEmpty()) {
+        m_edits.watch(localPath);
+    }
 }
 
 void PutBack::afterFetch(const QString &localPath)

@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QObject>
 #include <functional>
+#include <optional>
 
 /// Offers to send a viewed text file back to the server each time that it was changed and saved.
 class PutBack : public QObject {
@@ -25,6 +26,8 @@ public:
     [[nodiscard]] bool beforeFetch(const QString &localPath, const QString &remotePath);
     /// It was fetched. Text files are watched from now on.
     void afterFetch(const QString &localPath);
+    /// It could not be fetched. A copy that stands as it was is watched on.
+    void fetchFailed(const QString &localPath);
 
 private:
     /// A fetched file.
@@ -54,5 +57,7 @@ private:
     EditWatch m_edits;
     QTimer m_retry;
     QHash<QString, Fetched> m_files; ///< by local path
+    std::optional<Fetched> m_before; ///< what the file that is being fetched takes the place of
+    FileStamp m_stampBefore; ///< of its copy here
     QStringList m_waiting; ///< local paths to be asked about
 };

@@ -100,6 +100,8 @@ bool ViewCommand::fetch(const PaneRow &entry)
     takeExecuteBits(path);
     if (fetched) {
         m_putBack.afterFetch(path);
+    } else {
+        m_putBack.fetchFailed(path);
     }
     return fetched.has_value();
 }

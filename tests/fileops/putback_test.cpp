@@ -113,6 +113,18 @@ TEST_F(PutBackTest, AnUnsentEditIsNeverReplacedByViewingAnew)
     }
 }
 
+TEST_F(PutBackTest, ARefusedSecondViewLeavesTheOfferStanding)
+{
+    view(u"a.html"_s);
+    ftp.refuseAll(u"GET"_s, u"450 Besetzt."_s);
+    view(u"a.html"_s);
+    ftp.refuse = nullptr;
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
+}
+
 TEST_F(PutBackTest, AnEditedPictureIsKeptToo)
 {
     ftp.addFile(u"/www/bild.png"_s, QByteArray("\x89PNG\0\0", 6));
