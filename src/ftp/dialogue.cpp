@@ -45,13 +45,4 @@ Awaitable<Result<Reply>> Dialogue::ask(std::string command)
     co_return co_await finalReply();
 }
 
-Awaitable<Result<Reply>> Dialogue::expect(std::string command)
-{
-    auto answer = co_await ask(std::move(command));
-    if (answer && !answer->done()) {
-        co_return refusal(*answer);
-    }
-    co_return answer;
-}
-
 } // namespace ftp

@@ -30,8 +30,6 @@ public:
     Awaitable<Result<Reply>> finalReply(Milliseconds limit);
     /// Sends a command and returns its final reply, whatever it says.
     Awaitable<Result<Reply>> ask(std::string command);
-    /// Sends a command that must be answered with 2xx.
-    Awaitable<Result<Reply>> expect(std::string command);
 
     [[nodiscard]] ControlLine &line() { return m_line; }
     [[nodiscard]] Milliseconds limit() const { return m_limit; }
