@@ -23,9 +23,6 @@ if(SANITIZE)
     target_compile_options(build_flags INTERFACE -Wno-tsan)
   endif()
 endif()
-if(COVERAGE) # of src/, see there
-  target_link_options(build_flags INTERFACE --coverage)
-endif()
 
 # A library of one room of the house: add_room(name SOURCES.. LIBS..).
 function(add_room name)

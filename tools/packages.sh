@@ -21,9 +21,6 @@ PACKAGES_STYLE=(clang-format-16)
 # To run the fuzz targets.
 PACKAGES_FUZZ=(clang-16 libclang-rt-16-dev)
 
-# To measure which lines the tests run.
-PACKAGES_COVERAGE=(gcovr)
-
 # FTP servers for the tests. These packages conflict with one another, so they are downloaded and
 # unpacked side by side (tests/servers/setup.sh); only the libraries they need are installed.
 PACKAGES_SERVERS_UNPACKED=(vsftpd pure-ftpd proftpd-core proftpd-mod-crypto)

@@ -85,7 +85,8 @@ class Program:
         listener.bind(folder + "/socket")
         listener.listen(1)
         home = Path(home)
-        preloaded = ":".join([*runtime_of_sanitizer(program), str(driver)])
+        others = os.environ.get("LD_PRELOAD", "").split()
+        preloaded = ":".join([*runtime_of_sanitizer(program), *others, str(driver)])
         environment = dict(os.environ, LD_PRELOAD=preloaded, TARVELO_DRIVER=folder + "/socket",
                            HOME=str(home), LANG="de_DE.UTF-8", LC_ALL="C.UTF-8")
         for name in ("XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR",
