@@ -128,6 +128,13 @@ TEST(Socks4, AsksForTheAddressAndTakesOnlyAGrant)
     expectRefused(socks4, "\0\x5a\0"s, "connection closed");
 }
 
+TEST(Socks4, ANameGoesAsItsAddress)
+{
+    EXPECT_EQ(connectBy(socks4, "localhost", "\0\x5a\0\0\0\0\0\0"s).asked,
+              "\x04\x01\x08\x49\x7f\0\0\x01"
+              "fu\0"s);
+}
+
 TEST(Socks4, ANameThatWeCannotResolveIsLeftToTheProxy)
 {
     const Outcome named = connectBy(socks4, "web.invalid", "\0\x5a\0\0\0\0\0\0"s);
