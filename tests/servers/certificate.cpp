@@ -27,6 +27,11 @@ void check(bool good)
     }
 }
 
+Bio memory(const std::string &text)
+{
+    return Bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+}
+
 void addExtension(X509 *certificate, int kind, const std::string &value)
 {
     X509V3_CTX context;
@@ -43,7 +48,6 @@ void setNames(X509 *certificate, const CertificateOptions &options)
               subject, "CN", MBSTRING_UTF8,
               reinterpret_cast<const unsigned char *>(options.commonName.c_str()), -1, -1, 0)
           == 1);
-    check(X509_set_issuer_name(certificate, subject) == 1);
     std::string list;
     for (const std::string &name : options.names) {
         list += (list.empty() ? "" : ",") + name;
@@ -59,6 +63,22 @@ std::string text(BIO *bio)
     char *data = nullptr;
     const long size = BIO_get_mem_data(bio, &data);
     return { data, static_cast<std::size_t>(size) };
+}
+
+/// By the issuer, or by its own key.
+void sign(X509 *certificate, EVP_PKEY *own, const Certificate &issuer)
+{
+    if (issuer.certificate.empty()) {
+        check(X509_set_issuer_name(certificate, X509_get_subject_name(certificate)) == 1);
+        check(X509_sign(certificate, own, EVP_sha256()) > 0);
+        return;
+    }
+    const X509Pointer by(
+        PEM_read_bio_X509(memory(issuer.certificate).get(), nullptr, nullptr, nullptr));
+    const Key key(PEM_read_bio_PrivateKey(memory(issuer.key).get(), nullptr, nullptr, nullptr));
+    check(by && key);
+    check(X509_set_issuer_name(certificate, X509_get_subject_name(by.get())) == 1);
+    check(X509_sign(certificate, key.get(), EVP_sha256()) > 0);
 }
 
 } // namespace
@@ -79,7 +99,7 @@ Certificate makeCertificate(const CertificateOptions &options)
     X509_gmtime_adj(X509_getm_notAfter(certificate.get()), options.validUntilSeconds);
     check(X509_set_pubkey(certificate.get(), key.get()) == 1);
     setNames(certificate.get(), options);
-    check(X509_sign(certificate.get(), key.get(), EVP_sha256()) > 0);
+    sign(certificate.get(), key.get(), options.issuer);
 
     const Bio certificateText(BIO_new(BIO_s_mem()));
     const Bio keyText(BIO_new(BIO_s_mem()));
