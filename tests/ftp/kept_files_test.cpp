@@ -435,6 +435,9 @@ TEST_F(KeptFiles, AReplyTooManyInARecordOfItsOwnAnswersNoLaterCommand)
     for (int i = 0; i < 20; ++i) {
         server.fault.surplusReply = "226 Zuviel";
         EXPECT_TRUE(run(m_client->client().raw("NOOP")));
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+        while (!m_client->client().session().line().hasUnreadBytes()
+               && std::chrono::steady_clock::now() < end) { } // it is on its way
         server.fault.surplusReply = "";
         // The next operation begins as the program's do.
         runOn(m_client->context(), [](ftp::Client &client) -> ftp::Awaitable<bool> {
