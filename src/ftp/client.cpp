@@ -78,9 +78,9 @@ void Client::abort()
     }
 }
 
-void Client::watchIdle(std::function<void()> lost)
+void Client::watchIdle(std::function<void()> lost, Milliseconds every)
 {
-    m_watch = std::make_unique<IdleWatch>(m_session, std::move(lost));
+    m_watch = std::make_unique<IdleWatch>(m_session, std::move(lost), every);
     m_watch->start();
 }
 

@@ -48,7 +48,7 @@ public:
     void addHelper(std::shared_ptr<Session> session) { m_helpers.push_back(std::move(session)); }
     void removeHelper(const std::shared_ptr<Session> &session) { std::erase(m_helpers, session); }
     /// Watches the idle session; lost is called when the server ends it.
-    void watchIdle(std::function<void()> lost);
+    void watchIdle(std::function<void()> lost, Milliseconds every = keepAliveEvery);
     Awaitable<void> stopWatching();
 
     [[nodiscard]] std::string folder(); ///< UTF-8

@@ -7,8 +7,6 @@
 namespace ftp {
 namespace {
 
-constexpr std::chrono::seconds keepAliveEvery { 60 };
-
 /// Whether something is there to be read, the end of the line included. A wait may end without: the
 /// reactor can still hold the news of bytes that were read long ago.
 bool hasNews(asio::ip::tcp::socket &socket)
@@ -20,9 +18,10 @@ bool hasNews(asio::ip::tcp::socket &socket)
 
 } // namespace
 
-IdleWatch::IdleWatch(Session &session, std::function<void()> lost)
+IdleWatch::IdleWatch(Session &session, std::function<void()> lost, Milliseconds every)
     : m_session(session)
     , m_lost(std::move(lost))
+    , m_every(every)
     , m_timer(session.executor())
 {
 }
@@ -73,7 +72,7 @@ Awaitable<Status> IdleWatch::watch()
     for (;;) {
         std::error_code error;
         auto elapsed = std::make_shared<bool>(false); // the handler may run after this round
-        m_timer.expires_after(keepAliveEvery);
+        m_timer.expires_after(m_every);
         m_timer.async_wait([&socket, elapsed](const std::error_code &cancelled) {
             if (!cancelled) {
                 *elapsed = true;

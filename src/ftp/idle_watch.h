@@ -8,12 +8,16 @@
 
 namespace ftp {
 
+/// How often an idle line is kept alive: firewalls forget lines after some minutes.
+constexpr Milliseconds keepAliveEvery { 60000 };
+
 /// Looks after a session while nothing runs: notices at once when the server hangs up, and keeps
 /// the line alive with small commands.
 class IdleWatch {
 public:
     /// @param lost  called once when the connection has ended
-    IdleWatch(Session &session, std::function<void()> lost);
+    /// @param every  time without any command before one is sent
+    IdleWatch(Session &session, std::function<void()> lost, Milliseconds every);
     void start();
     /// Ends the watch; the session may be used when this returns.
     Awaitable<void> stop();
@@ -24,6 +28,7 @@ private:
 
     Session &m_session;
     std::function<void()> m_lost;
+    Milliseconds m_every;
     std::unique_ptr<SideTask> m_task;
     asio::steady_timer m_timer;
     bool m_stopping = false;
