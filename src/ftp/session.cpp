@@ -44,6 +44,9 @@ std::string cleanHost(std::string host)
     while (!host.empty() && host.back() == '/') {
         host.pop_back();
     }
+    if (host.starts_with('[') && host.ends_with(']')) { // an address of version 6 as in a URL
+        host = host.substr(1, host.size() - 2);
+    }
     return host;
 }
 

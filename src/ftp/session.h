@@ -176,7 +176,8 @@ private:
     bool m_aborted = false;
 };
 
-/// The server's host name as typed by people: without blanks, "ftp://" and trailing slashes.
+/// The server's host name as typed by people: without blanks, "ftp://", trailing slashes
+/// and the brackets around an IPv6 address.
 [[nodiscard]] std::string cleanHost(std::string host);
 
 } // namespace ftp

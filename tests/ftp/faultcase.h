@@ -13,11 +13,18 @@
 
 class FaultCase : public testing::Test {
 protected:
+    explicit FaultCase(const std::string &address = "127.0.0.1")
+        : server(address)
+        , m_address(address)
+    {
+    }
+
     /// A client that is still to open its session; its settings may be changed before.
     TestClient &prepared(ftp::Encryption encryption = ftp::Encryption::Never, int sessions = 1)
     {
         m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
                                                 encryption, sessions);
+        m_client->login().host = m_address;
         m_client->login().timeout = std::chrono::milliseconds(2000);
         m_client->trust(ftp::Trust::Once);
         return *m_client;
@@ -43,4 +50,7 @@ protected:
     servers::FaultServer server;
     servers::TemporaryFolder folder;
     std::unique_ptr<TestClient> m_client;
+
+private:
+    std::string m_address;
 };
