@@ -121,7 +121,7 @@ std::vector<std::string> proftpd(const Launch &l)
         "AllowStoreRestart on",
         "AllowRetrieveRestart on",
         "UseEncoding UTF-8 UTF-8",
-        "TimesGMT on",
+        std::string("TimesGMT ") + (o.timeZone == "UTC" ? "on" : "off"), // off: lists by its clock
         "MaxInstances none",
         "MaxLoginAttempts 20",
         "MaxClientsPerHost " + (o.maxPerIp > 0 ? std::to_string(o.maxPerIp) : "none"),
