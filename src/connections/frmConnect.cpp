@@ -4,29 +4,18 @@
 #include "common/globals.h"
 #include "connections/connecttabs.h"
 #include "connections/formparts.h"
+#include "dialogs/dialogparts.h"
 #include "dialogs/helpkey.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QPushButton *button(const QString &name, const QString &caption)
-{
-    auto *made = new QPushButton(caption);
-    made->setObjectName(name);
-    made->setAutoDefault(false); // Enter is for Login
-    return made;
-}
-
-} // namespace
+using DialogParts::button;
 
 frmConnect::frmConnect(const ConnectDialogServices &services, bool connectionStands,
                        QWidget *parent)
@@ -88,8 +77,6 @@ QLayout *frmConnect::profileRow()
     connect(m_cbo_profil, &QComboBox::currentIndexChanged, this, &frmConnect::onChosen);
     connect(m_cbo_profil, &QComboBox::activated, this, &frmConnect::onChosen);
 
-    auto *label = new QLabel(u"&Verbindungen"_s);
-    label->setBuddy(m_cbo_profil);
     auto *neu = button(u"cmd_profil_neu"_s, u"&Neu"_s);
     auto *save = button(u"cmd_profil_speichern"_s, u"&Speichern"_s);
     auto *remove = button(u"cmd_profil_loeschen"_s, u"Löschen"_s);
@@ -99,7 +86,7 @@ QLayout *frmConnect::profileRow()
 
     auto *row = new QHBoxLayout;
     row->setSpacing(6);
-    row->addWidget(label);
+    row->addWidget(DialogParts::labelFor(m_cbo_profil, u"&Verbindungen"_s));
     row->addSpacing(6);
     row->addWidget(m_cbo_profil, 1);
     for (QPushButton *command : { neu, save, remove }) {

@@ -1,5 +1,6 @@
 #include "connections/frm_zertifikat.h"
 
+#include "dialogs/dialogparts.h"
 #include "dialogs/helpkey.h"
 
 #include <QFontDatabase>
@@ -11,6 +12,7 @@
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
+using DialogParts::button;
 
 namespace {
 
@@ -39,14 +41,6 @@ QString inTwoLines(const QString &fingerprint)
     const qsizetype half = (pairs.size() + 1) / 2;
     return pairs.size() < 2 ? fingerprint
                             : pairs.first(half).join(u':') + u":\n"_s + pairs.mid(half).join(u':');
-}
-
-QPushButton *button(const QString &name, const QString &caption)
-{
-    auto *made = new QPushButton(caption);
-    made->setObjectName(name);
-    made->setAutoDefault(false);
-    return made;
 }
 
 } // namespace

@@ -35,6 +35,7 @@ private:
     [[nodiscard]] QWidget *logTab();
     [[nodiscard]] QWidget *otherTab();
     [[nodiscard]] QWidget *securityTab();
+    void buildSecurity();
     [[nodiscard]] QLayout *buttonRow();
     void load();
     void browse();

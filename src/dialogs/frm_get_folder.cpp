@@ -2,6 +2,7 @@
 
 #include "common/mo_standard.h"
 #include "common/prompts.h"
+#include "dialogs/dialogparts.h"
 
 #include <QAbstractFileIconProvider>
 #include <QComboBox>
@@ -20,6 +21,8 @@
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
+using DialogParts::button;
+using DialogParts::labelFor;
 
 namespace {
 
@@ -36,22 +39,6 @@ public:
 private:
     QIcon m_icon;
 };
-
-QPushButton *button(const QString &name, const QString &caption, const QString &toolTip = {})
-{
-    auto *made = new QPushButton(caption);
-    made->setObjectName(name);
-    made->setToolTip(toolTip);
-    made->setAutoDefault(false);
-    return made;
-}
-
-QLabel *labelFor(QWidget *field, const QString &text)
-{
-    auto *label = new QLabel(text);
-    label->setBuddy(field);
-    return label;
-}
 
 /// Whether a folder is the drive's or lies below it.
 bool isOnDrive(const QString &folder, const QString &drive)
