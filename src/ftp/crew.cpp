@@ -226,7 +226,8 @@ Awaitable<void> Crew::workAlone()
              + "); sie wird wieder hergestellt.");
         Status opened = co_await reopenWhileOthersWork();
         if (!opened && m_open == 0) {
-            break; // the others have done it
+            m_lost = true; // the others have done it
+            break;
         }
         if (!opened) {
             failed(worked.error());
@@ -257,6 +258,10 @@ Awaitable<Status> Crew::run()
     announce();
     co_await workAlone();
     co_await dismiss();
+    if (m_lost) { // there is room again
+        Status opened = co_await reopen();
+        ignoreError(opened, "the work is done; the next command tells");
+    }
     m_meter.finish();
     co_return m_firstError ? Status(tl::unexpected(*m_firstError)) : Status {};
 }

@@ -466,3 +466,23 @@ TEST_F(KeptFiles, ASizeOfZeroIsNoProofThatAnEncryptedFileIsWhole)
     EXPECT_TRUE(got) << got.error().text;
     EXPECT_EQ(servers::readFile(folder.path() / "web" / "f"), std::string(5000, 'x'));
 }
+
+TEST_F(KeptFiles, AFirstSessionThatMayNotComeBackDoesNotStopTheOthers)
+{
+    for (int i = 0; i < 30; ++i) {
+        servers::writeFile(server.root() / "web" / std::to_string(i), std::to_string(i));
+    }
+    server.fault.replyDelay = 5; // so that there is time for others to join
+    server.on({ .verb = "RETR", .action = Rule::Drop, .toSession = 1, .skip = 4, .times = 1 });
+    // As long as the work lasts the server counts the lost connection, too.
+    server.on({ .verb = "USER", .text = "421 Too many", .fromSession = 4, .times = 3 });
+    m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
+                                            ftp::Encryption::Never, 3);
+    ASSERT_TRUE(m_client->open());
+    const auto got = run(ftp::getTree(m_client->client(), "/web", local("web"), Type::Binary));
+    EXPECT_TRUE(got) << got.error().text;
+    for (int i = 0; i < 30; ++i) {
+        EXPECT_EQ(servers::readFile(folder.path() / "web" / std::to_string(i)), std::to_string(i));
+    }
+    EXPECT_TRUE(m_client->client().usable());
+}

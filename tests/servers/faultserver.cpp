@@ -110,6 +110,7 @@ std::optional<Rule> FaultServer::Private::ruleFor(int session, const std::string
     const std::scoped_lock lock(mutex);
     for (Rule &rule : rules) {
         if ((rule.verb != "*" && rule.verb != verb) || rule.times == 0 || session < rule.fromSession
+            || session > rule.toSession
             || fnmatch(rule.argument.c_str(), argument.c_str(), 0) != 0) {
             continue;
         }

@@ -35,6 +35,7 @@ struct Rule {
     Action action = Reply;
     std::string text = {}; ///< verbatim; a line end is added when there is none
     int fromSession = 1; ///< only for connections of this number and above
+    int toSession = 1 << 30; ///< and below
     int skip = 0; ///< so many matching commands are carried out as usual first
     int times = -1; ///< then the rule holds so many times; -1 = for ever
 };
