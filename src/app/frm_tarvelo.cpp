@@ -21,6 +21,7 @@
 #include "dialogs/helpkeyfilter.h"
 #include "dialogs/helpmenu.h"
 #include "ftp/ftpcontrol.h"
+#include "ftp/ftplocalnames.h"
 #include "local/localpane.h"
 #include "remote/icons.h"
 #include "remote/itemkind.h"
@@ -405,6 +406,12 @@ void frm_tarvelo::rememberFolder(bool remote)
 {
     if (remote && m_remote->box().currentText().isEmpty()) {
         return; // Intended: without a connection there is no folder that could be meant.
+    }
+    if (!remote && holdsRawBytes(m_local->box().currentText())) {
+        // The file of a connection is text: it would name another folder or none.
+        m_services.prompts.message(u"Der Name dieses Ordners enthält Zeichen, die sich nicht in "
+                                   "der Verbindung speichern lassen."_s);
+        return;
     }
     const auto written = remote ? rememberRemote(m_globals, m_remote->box().currentText())
                                 : rememberLocal(m_globals, m_local->box().currentText());

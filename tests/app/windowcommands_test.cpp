@@ -1,11 +1,15 @@
 #include "app/windowbench.h"
+#include "ftp/ftplocalnames.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QDrag>
 #include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTreeView>
+
+#include <filesystem>
 
 using WindowCommands = WindowBench;
 
@@ -73,6 +77,115 @@ TEST_F(WindowCommands, ControlASelectsWhatHasTheFocus)
     EXPECT_TRUE(local.selectedRows().isEmpty());
     select(local.view());
     EXPECT_EQ(local.selectedRows().size(), local.model().rowCount());
+}
+
+TEST_F(WindowCommands, TheFolderBoxIsOpenedAndChosenFromByKeys)
+{
+    for (const char *name : { "a", "b" }) {
+        QDir(home.path()).mkdir(QString::fromLatin1(name));
+    }
+    LocalPane &local = window->localPane();
+    QComboBox *box = find<QComboBox>("cmbLocalDir");
+    const QString top = home.path() + u'/';
+    for (const char *name : { "/a/", "/b/" }) {
+        box->setEditText(home.path() + QString::fromLatin1(name));
+        local.RememberLocalFolder(box->currentText());
+    }
+    const auto open = [&] {
+        focus(local.view());
+        QTest::keyClick(&local.view(), Qt::Key_Down, Qt::AltModifier);
+        ASSERT_TRUE(QTest::qWaitFor([box] { return box->view()->isVisible(); }));
+    };
+    const auto entry
+        = [&](const char *name) { return box->findText(home.path() + QString::fromLatin1(name)); };
+    ASSERT_EQ(entry("/b/"), entry("/a/") + 1);
+
+    open();
+    QTest::keyClick(box->view(), Qt::Key_Up);
+    EXPECT_EQ(local.folder(), home.path() + QStringLiteral("/b/")) << "not chosen yet";
+    QTest::keyClick(box->view(), Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    EXPECT_EQ(local.folder(), home.path() + QStringLiteral("/a/"));
+    EXPECT_EQ(box->currentText(), home.path() + QStringLiteral("/a/"));
+
+    open();
+    QTest::keyClick(box->view(), Qt::Key_Down);
+    QTest::keyClick(box->view(), Qt::Key_Escape);
+    EXPECT_EQ(local.folder(), home.path() + QStringLiteral("/a/")) << "given up";
+
+    focus(*box);
+    QTest::keyClick(box, Qt::Key_Down); // without the list
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    EXPECT_EQ(local.folder(), home.path() + QStringLiteral("/b/"));
+    box->lineEdit()->setText(top);
+    QTest::keyClick(box, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    EXPECT_EQ(local.folder(), top);
+}
+
+TEST_F(WindowCommands, WithoutAConnectionNothingIsDragged)
+{
+    file("a.txt");
+    refreshLocal();
+    for (FilePane *pane : { static_cast<FilePane *>(&window->localPane()),
+                            static_cast<FilePane *>(&window->remotePane()) }) {
+        if (pane == &window->remotePane()) { // rows may still be shown
+            PaneRow row;
+            row.name = QStringLiteral("a.txt");
+            pane->model().setRows({ upRow(), row });
+        }
+        bool dragged = false;
+        pane->view().setDragRunner([&dragged](QDrag &) {
+            dragged = true;
+            return Qt::IgnoreAction;
+        });
+        QWidget *viewport = pane->view().viewport();
+        const int row = rowOf(*pane, "a.txt");
+        const QPoint from = pane->view().visualRect(pane->model().index(row, 0)).center();
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        for (const int distance : { 20, 40 }) {
+            const QPoint to = from + QPoint(0, distance);
+            QMouseEvent move(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::LeftButton,
+                             Qt::LeftButton, {});
+            QCoreApplication::sendEvent(viewport, &move);
+        }
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, from);
+        EXPECT_FALSE(dragged);
+        EXPECT_FALSE(pane->model().row(row).marked);
+        EXPECT_EQ(globals.marked.MarkedCount, 1);
+    }
+}
+
+TEST_F(WindowCommands, AFolderWhoseNameIsNoTextIsNotRememberedInAProfile)
+{
+    const QString folder = home.path() + u'/' + textOfName("Bilder \xe4");
+    ASSERT_TRUE(makeLocalFolder(folder));
+    QDir(home.path()).mkdir(QStringLiteral("mo_def"));
+    globals.session.Lastconnect = QStringLiteral("Heim");
+    globals.connection.LocalDir = home.path();
+    open();
+    LocalPane &local = window->localPane();
+    focus(local.view());
+    local.view().setCurrentIndex(
+        local.model().index(local.model().findRow(textOfName("Bilder \xe4")), 0));
+    QTest::keyClick(&local.view(), Qt::Key_Return);
+    ASSERT_EQ(local.folder(), folder + u'/');
+    // The file holds text: what it would name is another folder or none.
+    prompts.expectMessage(QStringLiteral(
+        "Der Name dieses Ordners enthält Zeichen, die sich nicht in der Verbindung speichern "
+        "lassen."));
+    find<QAbstractButton>("cmd_dir_merken_lokal")->click();
+    EXPECT_EQ(globals.connection.LocalDir, home.path());
+    EXPECT_TRUE(QDir(globals.folders.profiles).isEmpty());
+    // Left and chosen from the history again, it is the same folder.
+    local.goUp();
+    find<QComboBox>("cmbLocalDir")
+        ->setCurrentIndex(find<QComboBox>("cmbLocalDir")->findText(folder + u'/'));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    EXPECT_EQ(local.folder(), folder + u'/');
+    EXPECT_EQ(local.view().hint(), QStringLiteral("Dieser Ordner ist leer."));
+    local.goUp();
+    std::filesystem::remove_all(bytesOfName(folder).toStdString()); // QTemporaryDir cannot
 }
 
 TEST_F(WindowCommands, TheLocalToolBarWorksOnTheLocalPane)

@@ -94,6 +94,25 @@ TEST_P(OnlineWindow, AFileWhoseNameIsNoUtf8IsSentAndRenamed)
     EXPECT_EQ(servers::readFile(localPath("Äpfel.txt")), "rot");
 }
 
+TEST_P(OnlineWindow, AFolderWhoseNameIsNoUtf8IsFilledAndSentWithItsFolders)
+{
+    const std::filesystem::path folder = localPath("Bilder \xe4");
+    servers::writeFile(folder / "\xf6" / "größer.txt", "mehr");
+    refreshLocal();
+    LocalPane &pane = window->localPane();
+    pane.OpenLocalRow(pane.model().findRow(textOfName("Bilder \xe4")), true);
+    settle();
+    ASSERT_EQ(bytesOfName(pane.folder()).toStdString(), folder.string() + '/');
+    select(window->remotePane(), { "index.html" });
+    press("cmd_download");
+    EXPECT_EQ(servers::readFile(folder / "index.html"), servers::readFile(remote("index.html")));
+    pane.view().selectRowNumbers({ pane.model().findRow(textOfName("\xf6")) });
+    press("cmd_upload");
+    EXPECT_EQ(queue(), "Download <-- index.html|Upload --> ?") << log();
+    EXPECT_EQ(servers::readFile(remote("ö") / "größer.txt"), "mehr");
+    std::filesystem::remove_all(folder); // QTemporaryDir cannot
+}
+
 TEST_P(OnlineWindow, WalksThroughTheFolders)
 {
     FilePane &pane = window->remotePane();
