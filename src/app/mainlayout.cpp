@@ -1,5 +1,7 @@
 #include "app/mainlayout.h"
 
+#include "remote/icons.h"
+
 #include <QLabel>
 #include <QMainWindow>
 #include <QToolButton>
@@ -31,6 +33,8 @@ QWidget *withCaption(QWidget *list, const QString &caption)
     label->setBuddy(list);
     QToolButton button;
     button.setText(caption);
+    button.setIcon(Icons::icon(u"cmd_log_clipboard"_s));
+    button.setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     label->setFixedHeight(button.sizeHint().height());
     column->addWidget(label);
     column->addWidget(list, 1);

@@ -43,6 +43,14 @@ TEST_F(WindowSizes, NeverGetsSmallerThanItsMinimum)
     EXPECT_GE(find<QWidget>("lvwLocal")->height(), 60);
 }
 
+TEST_F(WindowSizes, QueueAndLogBeginAtOneHeight)
+{
+    const auto top = [this](const char *name) {
+        return find<QWidget>(name)->mapTo(window.get(), QPoint()).y();
+    };
+    EXPECT_EQ(top("lvwStatus"), top("txtLog"));
+}
+
 TEST_F(WindowSizes, RemembersItsSizeAndSplitters)
 {
     window->resize(900, 600);
