@@ -2,6 +2,7 @@
 
 #include "app/commandline.h"
 #include "app/frm_tarvelo.h"
+#include "app/indicatorstyle.h"
 #include "app/qtsetup.h"
 #include "app/startup.h"
 #include "app/traynotifier.h"
@@ -131,5 +132,6 @@ int runProgram(int argc, char **argv)
     QGuiApplication::setDesktopFileName(u"tarvelo-ftp"_s);
     QTranslator texts;
     installGermanTexts(texts);
+    IndicatorStyle::install();
     return Run(commandLineText(QCoreApplication::arguments().mid(1))).exec();
 }

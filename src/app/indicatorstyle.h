@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QProxyStyle>
+
+/// Qt's own style with check boxes and options that show on a dark desktop, where it draws their
+/// edges in black.
+class IndicatorStyle final : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    IndicatorStyle();
+    /// Takes the place of Qt's own style; the style of a desktop stays.
+    static void install();
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override;
+};

@@ -1,0 +1,54 @@
+#include "app/indicatorstyle.h"
+
+#include <QCheckBox>
+#include <QImage>
+#include <QRadioButton>
+#include <QStyleFactory>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+QImage drawn(QAbstractButton &button, QStyle &style, const QPalette &palette)
+{
+    button.setStyle(&style);
+    button.setPalette(palette);
+    button.resize(40, 30);
+    QImage image(button.size(), QImage::Format_RGB32);
+    image.fill(palette.window().color());
+    button.render(&image);
+    return image;
+}
+
+int brightest(const QImage &image)
+{
+    int most = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            most = std::max(most, image.pixelColor(x, y).lightness());
+        }
+    }
+    return most;
+}
+
+} // namespace
+
+TEST(IndicatorStyle, EmptyBoxesAndOptionsShowOnADarkDesktopAndStayOnALightOne)
+{
+    IndicatorStyle ours;
+    const std::unique_ptr<QStyle> usual(QStyleFactory::create(QStringLiteral("fusion")));
+    QPalette dark(QColor(0x31, 0x33, 0x38), QColor(0x2b, 0x2d, 0x31));
+    dark.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));
+    const int ground = dark.window().color().lightness();
+    const QPalette light(QColor(0xef, 0xef, 0xef), QColor(0xef, 0xef, 0xef));
+    QRadioButton option;
+    QCheckBox box;
+    for (QAbstractButton *button :
+         { static_cast<QAbstractButton *>(&option), static_cast<QAbstractButton *>(&box) }) {
+        EXPECT_GE(brightest(drawn(*button, ours, dark)), ground + 60);
+        EXPECT_EQ(drawn(*button, ours, light), drawn(*button, *usual, light));
+        button->setStyle(nullptr);
+    }
+}
