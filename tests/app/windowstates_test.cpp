@@ -179,6 +179,40 @@ TEST_F(WindowStates, TheListThatHadTheFocusLastIsTheActiveOne)
     EXPECT_EQ(flags(), std::tuple(false, false, true)) << "only lists count";
 }
 
+TEST_F(WindowStates, OpeningAMenuLeavesTheActiveListAsItIs)
+{
+    focus(window->localPane().view());
+    for (const char *name : { "mnuFile", "mnuActions", "mnu_einstellungen", "mnuHelp" }) {
+        auto *menu = find<QMenu>(name);
+        menu->popup(window->mapToGlobal(QPoint(10, 10)));
+        ASSERT_TRUE(QTest::qWaitFor([menu] { return menu->isVisible(); })) << name;
+        QTest::keyClick(menu, Qt::Key_Down);
+        EXPECT_TRUE(globals.active.LocalListActive) << name;
+        QTest::keyClick(menu, Qt::Key_Escape);
+        EXPECT_FALSE(menu->isVisible()) << name;
+        EXPECT_TRUE(globals.active.LocalListActive) << name;
+        EXPECT_FALSE(globals.active.RemoteListActive || globals.active.QueueListActive) << name;
+    }
+}
+
+TEST_F(WindowStates, ARefreshOfTheLocalPaneIsFollowedByItsStates)
+{
+    file("a.txt");
+    refreshLocal();
+    const auto selectIt = [this] {
+        select(window->localPane(), { "a.txt" });
+        EXPECT_TRUE(button("tbToolBar", "DeleteFiles")->isEnabled() && enabled("mnuDelete"));
+    };
+    selectIt();
+    button("tbToolBar", "Refresh")->trigger();
+    EXPECT_FALSE(button("tbToolBar", "DeleteFiles")->isEnabled() || enabled("mnuDelete"));
+    EXPECT_TRUE(enabled("mnuRefresh") && enabled("mnuMakeDirectory"));
+    focus(window->localPane().view());
+    selectIt();
+    item("mnuRefresh")->trigger();
+    EXPECT_FALSE(button("tbToolBar", "DeleteFiles")->isEnabled() || enabled("mnuDelete"));
+}
+
 TEST_F(WindowStates, TheSharedMenuFollowsTheListThatIsTakenUpAgain)
 {
     file("a.txt");
