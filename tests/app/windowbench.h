@@ -88,6 +88,21 @@ protected:
         pane.view().selectionModel()->setCurrentIndex(pane.model().index(rows.last(), 0),
                                                       QItemSelectionModel::NoUpdate);
     }
+    /// Drags a row with the mouse; the view's drag runner does the rest.
+    static void dragRow(FilePane &pane, const char *name)
+    {
+        QWidget *viewport = pane.view().viewport();
+        const QPoint from
+            = pane.view().visualRect(pane.model().index(rowOf(pane, name), 0)).center();
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        for (const int distance : { 20, 40 }) {
+            const QPoint to = from + QPoint(0, distance);
+            QMouseEvent move(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::LeftButton,
+                             Qt::LeftButton, {});
+            QCoreApplication::sendEvent(viewport, &move);
+        }
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, from);
+    }
     void focus(QWidget &widget)
     {
         widget.setFocus();

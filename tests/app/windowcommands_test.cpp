@@ -139,19 +139,9 @@ TEST_F(WindowCommands, WithoutAConnectionNothingIsDragged)
             dragged = true;
             return Qt::IgnoreAction;
         });
-        QWidget *viewport = pane->view().viewport();
-        const int row = rowOf(*pane, "a.txt");
-        const QPoint from = pane->view().visualRect(pane->model().index(row, 0)).center();
-        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
-        for (const int distance : { 20, 40 }) {
-            const QPoint to = from + QPoint(0, distance);
-            QMouseEvent move(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::LeftButton,
-                             Qt::LeftButton, {});
-            QCoreApplication::sendEvent(viewport, &move);
-        }
-        QTest::mouseRelease(viewport, Qt::LeftButton, {}, from);
+        dragRow(*pane, "a.txt");
         EXPECT_FALSE(dragged);
-        EXPECT_FALSE(pane->model().row(row).marked);
+        EXPECT_FALSE(pane->model().row(rowOf(*pane, "a.txt")).marked);
         EXPECT_EQ(globals.marked.MarkedCount, 1);
     }
 }

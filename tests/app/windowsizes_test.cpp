@@ -6,6 +6,8 @@
 #include <QSplitter>
 #include <QTreeView>
 
+#include <cstdlib>
+
 using WindowSizes = WindowBench;
 
 TEST_F(WindowSizes, TheQueueStartsEmptyAndIsNeverSaved)
@@ -49,6 +51,18 @@ TEST_F(WindowSizes, QueueAndLogBeginAtOneHeight)
         return find<QWidget>(name)->mapTo(window.get(), QPoint()).y();
     };
     EXPECT_EQ(top("lvwStatus"), top("txtLog"));
+}
+
+TEST_F(WindowSizes, BarLabelsAndButtonOfATransferShareTheirMiddle)
+{
+    window->ShowTransferItem(QStringLiteral("Datei: a.txt"), QStringLiteral("2048"));
+    const auto middle = [this](const char *name) {
+        const auto *part = find<QWidget>(name);
+        return 2 * part->y() + part->height();
+    };
+    for (const char *name : { "lblFileName", "lblRate", "lblFileSize", "cmdAbort" }) {
+        EXPECT_LE(std::abs(middle(name) - middle("Progress")), 1) << name; // of half pixels
+    }
 }
 
 TEST_F(WindowSizes, RemembersItsSizeAndSplitters)

@@ -45,16 +45,7 @@ protected:
             dragged = true;
             return run(drag);
         });
-        QWidget *viewport = pane.view().viewport();
-        const QPoint from = centre(pane, rowOf(pane, name));
-        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
-        for (const int distance : { 20, 40 }) {
-            const QPoint to = from + QPoint(0, distance);
-            QMouseEvent move(QEvent::MouseMove, to, viewport->mapToGlobal(to), Qt::LeftButton,
-                             Qt::LeftButton, {});
-            QCoreApplication::sendEvent(viewport, &move);
-        }
-        QTest::mouseRelease(viewport, Qt::LeftButton, {}, from);
+        dragRow(pane, name);
         EXPECT_TRUE(dragged);
     }
     void drag(FilePane &pane, const char *name, FilePane &target, const QPoint &to,

@@ -1,7 +1,9 @@
+#include "remote/icons.h"
 #include "remote/itemkind.h"
 #include "remote/panemodel.h"
 #include "remote/paneview.h"
 
+#include <QDrag>
 #include <QDragEnterEvent>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -218,6 +220,24 @@ TEST_F(PaneViewTest, TheRowUnderADragIsHighlightedAndTakesTheDrop)
     QDragLeaveEvent leave;
     QCoreApplication::sendEvent(m_view.viewport(), &leave);
     EXPECT_EQ(m_view.dropRow(), -1);
+}
+
+TEST_F(PaneViewTest, ADragShowsTheFilePicture)
+{
+    m_view.setDragSource([] { return new QMimeData; });
+    QImage shown;
+    m_view.setDragRunner([&shown](QDrag &drag) {
+        shown = drag.pixmap().toImage();
+        return Qt::IgnoreAction;
+    });
+    QTest::mousePress(m_view.viewport(), Qt::LeftButton, {}, at(1));
+    move(at(1) + QPoint(0, 30));
+    move(at(1) + QPoint(0, 60));
+    QTest::mouseRelease(m_view.viewport(), Qt::LeftButton, {}, at(1));
+    ASSERT_FALSE(shown.isNull());
+    EXPECT_EQ(
+        shown,
+        Icons::icon(ItemKind::File).pixmap(QSize(32, 32), m_view.devicePixelRatioF()).toImage());
 }
 
 TEST_F(PaneViewTest, NothingIsDraggedWithoutASource)
