@@ -28,6 +28,7 @@
 
 #include <QCloseEvent>
 #include <QLabel>
+#include <QMenuBar>
 #include <QTimer>
 #include <QToolButton>
 
