@@ -1,5 +1,6 @@
 #include "common/codepage.h"
 
+#include <QStringDecoder>
 #include <array>
 
 namespace CodePage {
@@ -73,8 +74,12 @@ QByteArray encodeFile(const QString &text)
 
 QString decodeFile(const QByteArray &bytes)
 {
-    return bytes.startsWith(byteOrderMark) ? QString::fromUtf8(bytes.mid(byteOrderMark.size()))
-                                           : decode(bytes);
+    if (!bytes.startsWith(byteOrderMark)) {
+        return decode(bytes);
+    }
+    // A further mark is a character of the text, which QString::fromUtf8 would drop.
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return utf8(bytes.mid(byteOrderMark.size()));
 }
 
 } // namespace CodePage

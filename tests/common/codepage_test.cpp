@@ -26,8 +26,8 @@ TEST(CodePage, WritesUtf8WithAMarkOnlyWhenNeeded)
     EXPECT_EQ(CodePage::encodeFile(QStringLiteral("Größe €")),
               QByteArray("Gr\xF6\xDF"
                          "e \x80"));
-    for (const QString &text :
-         { QStringLiteral("日本"), QStringLiteral("ï»¿x"), QStringLiteral("ä") }) {
+    for (const QString &text : { QStringLiteral("日本"), QStringLiteral("ï»¿x"),
+                                 QStringLiteral("ä"), QStringLiteral("\uFEFF\uFEFF日本") }) {
         EXPECT_EQ(CodePage::decodeFile(CodePage::encodeFile(text)), text);
     }
     EXPECT_TRUE(CodePage::encodeFile(QStringLiteral("日本")).startsWith("\xEF\xBB\xBF"));
