@@ -96,29 +96,32 @@ void QueueView::keyPressEvent(QKeyEvent *event)
 void QueueView::showMenu(const QPoint &position)
 {
     const QModelIndex at = indexAt(position);
+    // Rows come and go while the menu stands.
+    const QString local = at.isValid() ? m_model.row(at.row()).local : QString();
+    const QString line = at.isValid() ? lineOf(at.row()) : QString();
     QMenu menu(this);
     QAction *retry = menu.addAction(u"Fehlgeschlagene erneut übertragen"_s);
     retry->setEnabled(m_model.hasFailedTransfers());
     QAction *open = menu.addAction(u"Lokalen Ordner öffnen"_s);
-    open->setEnabled(at.isValid() && m_model.row(at.row()).local.startsWith(u'/'));
+    open->setEnabled(local.startsWith(u'/'));
     QAction *copy = menu.addAction(u"Zeile kopieren"_s);
     copy->setEnabled(at.isValid());
     const QAction *chosen = menu.exec(viewport()->mapToGlobal(position));
     if (chosen == retry) {
         Q_EMIT retryRequested(m_model.failedTransfers());
     } else if (chosen == open) {
-        const QString local = m_model.row(at.row()).local;
         Q_EMIT openFolderRequested(local.left(local.lastIndexOf(u'/') + 1));
     } else if (chosen == copy) {
-        copyRow(at.row());
+        QGuiApplication::clipboard()->setText(line);
     }
 }
 
-void QueueView::copyRow(int row) const
+/// A row as text.
+QString QueueView::lineOf(int row) const
 {
     QStringList cells;
     for (int column = 0; column < QueueModel::ColumnCount; ++column) {
         cells.append(m_model.index(row, column).data().toString());
     }
-    QGuiApplication::clipboard()->setText(cells.join(u'\t'));
+    return cells.join(u'\t');
 }

@@ -33,7 +33,7 @@ protected:
 
 private:
     void showMenu(const QPoint &position);
-    void copyRow(int row) const;
+    [[nodiscard]] QString lineOf(int row) const;
     [[nodiscard]] int iconWidth() const;
 
     QueueModel &m_model;

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QTextDocument>
 #include <QTimer>
+#include <functional>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -46,9 +47,12 @@ protected:
         }
     }
     /// Opens the context menu over a row and triggers an entry.
-    void chooseFromMenu(int at, const QString &text)
+    void chooseFromMenu(int at, const QString &text, const std::function<void()> &meanwhile = {})
     {
         QTimer::singleShot(0, [&] {
+            if (meanwhile) {
+                meanwhile();
+            }
             auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
             ASSERT_NE(menu, nullptr);
             for (QAction *action : menu->actions()) {
@@ -224,6 +228,16 @@ TEST_F(QueueViewTest, TheMenuCopiesARow)
     view.show();
     chooseFromMenu(1, u"Zeile kopieren"_s);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"Download\t/a/1\t\t<--\t/www/x\tfiles01"_s);
+}
+
+TEST_F(QueueViewTest, TheMenuMeansTheRowThatItWasOpenedFor)
+{
+    fill(2);
+    view.show();
+    chooseFromMenu(1, u"Zeile kopieren"_s, [this] { model.removeRowsAt({ 0 }); });
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"Download\t/a/1\t\t<--\t/www/x\tfiles01"_s);
+    chooseFromMenu(0, u"Zeile kopieren"_s, [this] { model.removeRowsAt({ 0 }); });
+    EXPECT_EQ(model.rowCount(), 0);
 }
 
 TEST_F(QueueViewTest, TheMenuOpensTheLocalFolder)
