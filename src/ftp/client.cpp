@@ -1,28 +1,14 @@
 #include "ftp/client.h"
 
+#include "ftp/file_facts.h"
 #include "ftp/path.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cmath>
 #include <cstdlib>
 
 namespace ftp {
 namespace {
-
-constexpr std::int64_t quarterHour = 15 * 60;
-
-/// How far a listing's clock is ahead of UTC, in seconds; nothing when the two times do not belong
-/// together (zones are multiples of a quarter of an hour within 14 hours).
-std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc)
-{
-    const std::int64_t difference = listed - (utc - utc % 60);
-    const auto rounded
-        = static_cast<std::int64_t>(std::llround(static_cast<double>(difference) / quarterHour))
-        * quarterHour;
-    const bool plausible = std::abs(difference - rounded) <= 60 && std::abs(rounded) <= 14 * 3600;
-    return plausible ? std::optional(rounded) : std::nullopt;
-}
 
 /// Where the file name of a command typed by the program begins: only that is in the server's
 /// bytes.

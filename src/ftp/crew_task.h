@@ -28,7 +28,7 @@ struct Job {
     std::string localName;
     std::size_t place = 0; ///< in a list of files
     std::int64_t size = -1; ///< as listed, -1 unknown
-    std::int64_t time = 0; ///< seconds since 1970, UTC; 0 unknown
+    std::int64_t time = 0; ///< seconds since 1970; 0 unknown; by the server's clock if that is all
     std::int64_t counted = 0; ///< bytes that the progress knows of
     int tries = 0;
     /// What stands at the target is what this transfer brought so far.
@@ -40,7 +40,8 @@ struct Job {
     std::string real = {}; ///< where the server says that the listed folder is; empty = unknown
     bool plain = false; ///< to be listed without any option
     bool noMachine = false; ///< MLSD was refused
-    bool unlisted = false; ///< size and time are to be asked for, since no listing tells them
+    bool unlisted
+        = false; ///< size and time are to be asked for, since no listing tells them for sure
 
     [[nodiscard]] bool isFolder() const { return name.empty(); }
     [[nodiscard]] std::string remotePath() const

@@ -108,8 +108,12 @@ Awaitable<Result<bool>> Fetcher::takeReplies(Session &session, Flow &flow,
     }
     if (!flow.facts.empty()) {
         const RemoteFacts facts = takeFacts(session, flow.facts, replies);
-        flow.job.size = facts.size.value_or(-1);
-        flow.job.time = facts.modified.value_or(0);
+        ServerKnowledge &server = session.knowledge();
+        if (facts.modified && flow.job.time != 0 && !server.zoneOffset) {
+            server.zoneOffset = zoneOf(flow.job.time, *facts.modified);
+        }
+        flow.job.size = facts.size.value_or(flow.job.size);
+        flow.job.time = facts.modified.value_or(flow.job.time);
     }
     if (flow.asked && !replies.back().done()) {
         flow.asked = false; // without the connection the transfer was refused, too
@@ -244,14 +248,14 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
         co_return listingRefused(session, flow, **start);
     }
     TreeListing listing;
-    const std::int64_t zone = server.zoneOffset.value_or(0);
     const bool linksOnly = flow.job.machine != nullptr; // all others are known
-    const auto take = [&listing, zone, linksOnly](const Entry &entry) {
+    const auto take = [&listing, linksOnly](const Entry &entry) {
         if (!linksOnly || entry.type == 'l') {
-            listing.add(entry, zone);
+            listing.add(entry);
         }
     };
-    const std::int64_t now = static_cast<std::int64_t>(std::time(nullptr)) + zone;
+    const std::int64_t now
+        = static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0);
     ListingParser parser = machine ? mlsdParser(take) : listParser(fromEpoch(now), take);
     const Status started;
     auto end = co_await ftp::receiveListing(session, *flow.data, started, std::move(parser));

@@ -2,6 +2,9 @@
 
 #include "ftp/civiltime.h"
 
+#include <cmath>
+#include <cstdlib>
+
 namespace ftp {
 bool isUnknown(const Reply &reply)
 {
@@ -16,6 +19,17 @@ std::optional<std::int64_t> sizeOf(const Reply &reply)
         return std::nullopt;
     }
     return std::stoll(std::string(digits));
+}
+
+std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc)
+{
+    constexpr std::int64_t quarterHour = 15 * 60;
+    const std::int64_t difference = listed - (utc - utc % 60);
+    const auto rounded
+        = static_cast<std::int64_t>(std::llround(static_cast<double>(difference) / quarterHour))
+        * quarterHour;
+    const bool plausible = std::abs(difference - rounded) <= 60 && std::abs(rounded) <= 14 * 3600;
+    return plausible ? std::optional(rounded) : std::nullopt;
 }
 
 std::vector<std::string> factCommands(Session &session, const std::string &remotePath, Type type)

@@ -21,6 +21,11 @@ struct RemoteFacts {
 /// Bytes that a reply to SIZE tells; nothing when it is a refusal or strange.
 [[nodiscard]] std::optional<std::int64_t> sizeOf(const Reply &reply);
 
+/// How far a listing's clock is ahead of UTC, in seconds; nothing when the two times do not belong
+/// together (zones are multiples of a quarter of an hour within 14 hours).
+/// @param listed, utc  the same file's time in the listing and by MDTM, seconds since 1970
+[[nodiscard]] std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc);
+
 /// SIZE and MDTM (RFC 3659, sections 3 and 4), as far as the server knows them and they tell
 /// something for that type; they may travel with other commands.
 [[nodiscard]] std::vector<std::string> factCommands(Session &session, const std::string &remotePath,

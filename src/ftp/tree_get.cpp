@@ -209,7 +209,11 @@ Job TreeGetter::nextFile(Listed &from)
     job.localName = shownName(*from.folder, *entry);
     job.link = entry->type == 'l';
     job.size = job.link || entry->size == 0 ? -1 : entry->size; // not every dialect has sizes
-    job.time = entry->time;
+    const ServerKnowledge &server = client().session().knowledge();
+    job.time = entry->time - (entry->utc || entry->time == 0 ? 0 : server.zoneOffset.value_or(0));
+    // The first file with a time tells how the server's clock goes.
+    job.unlisted = entry->clock && !entry->utc && !server.zoneOffset && !job.link
+        && !server.noModificationTime;
     return job;
 }
 

@@ -11,12 +11,13 @@ constexpr std::size_t blockSize = 64 * 1024;
 
 } // namespace
 
-void TreeListing::add(const Entry &entry, std::int64_t zone)
+void TreeListing::add(const Entry &entry)
 {
-    const std::int64_t time = entry.time ? toEpoch(*entry.time) - (entry.utc ? 0 : zone) : 0;
     Head head {};
     head.size = entry.size;
-    head.time = time;
+    head.time = entry.time ? toEpoch(*entry.time) : 0;
+    head.utc = entry.utc;
+    head.clock = entry.time && entry.precision != Entry::Precision::Day;
     head.nameLength = static_cast<std::uint32_t>(entry.name.size());
     head.type = entry.type;
     if (m_blocks.empty()) {
@@ -55,7 +56,7 @@ std::optional<TreeEntry> TreeListing::next(Position &at) const
     const std::string_view block = m_blocks[at.block];
     const std::string_view name = block.substr(at.byte + sizeof head, head.nameLength);
     at.byte += sizeof head + head.nameLength;
-    return TreeEntry { name, head.type, head.size, head.time };
+    return TreeEntry { name, head.type, head.size, head.time, head.utc, head.clock };
 }
 
 void TreeListing::markLinks(const TreeListing &plain)

@@ -16,7 +16,9 @@ struct TreeEntry {
     std::string_view name; ///< raw bytes; of the listing, as long as that lives
     char type = '-'; ///< as Entry::type
     std::int64_t size = 0; ///< bytes
-    std::int64_t time = 0; ///< seconds since 1970, UTC; 0 unknown
+    std::int64_t time = 0; ///< as listed, seconds since 1970; 0 unknown
+    bool utc = false; ///< of time; else it is by the server's unknown clock
+    bool clock = false; ///< time is more exact than a day
 
     /// The folder itself or its parent.
     [[nodiscard]] bool isDot() const { return name == "." || name == ".."; }
@@ -31,8 +33,7 @@ public:
         std::size_t block = 0, byte = 0;
     };
 
-    /// @param zone  seconds that the server's listing clock is ahead of UTC
-    void add(const Entry &entry, std::int64_t zone);
+    void add(const Entry &entry);
     /// The entry at a place, which moves behind it; nothing at the end.
     [[nodiscard]] std::optional<TreeEntry> next(Position &at) const;
     /// Whether there are folders besides the folder itself and its parent.
@@ -47,6 +48,7 @@ private:
         std::int64_t size, time;
         std::uint32_t nameLength;
         char type;
+        bool utc, clock;
     };
     bool settle(Position &at) const;
     [[nodiscard]] Head headAt(const Position &at) const;

@@ -166,9 +166,8 @@ Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path)
 
 Awaitable<Result<TreeListing>> listWithLinks(Session &session)
 {
-    const std::int64_t zone = session.knowledge().zoneOffset.value_or(0);
     TreeListing listing;
-    ListingParser::Take take = [&](const Entry &entry) { listing.add(entry, zone); };
+    ListingParser::Take take = [&](const Entry &entry) { listing.add(entry); };
     auto listed = co_await readListing(session, std::move(take));
     if (!listed) {
         co_return tl::unexpected(listed.error());
@@ -177,7 +176,7 @@ Awaitable<Result<TreeListing>> listWithLinks(Session &session)
         TreeListing links;
         ListingParser::Take takeLink = [&](const Entry &entry) {
             if (entry.type == 'l') {
-                links.add(entry, zone);
+                links.add(entry);
             }
         };
         auto plain = co_await readPlainListing(session, std::move(takeLink));

@@ -217,3 +217,20 @@ TEST_P(ElsewhereServers, ShowTheTimesOfTheFiles)
 
 INSTANTIATE_TEST_SUITE_P(Servers, ElsewhereServers, testing::ValuesIn(servers::allKinds()),
                          servers::parameterName);
+
+TEST_F(TimeZone, IsMeasuredByAFolderDownloadThatFindsNoneKnown)
+{
+    for (const char *name : { "a.html", "b.html", "c.html" }) {
+        servers::writeFile(server.root() / "web" / name, "inhalt");
+        setTime(server.root() / "web" / name, changed);
+    }
+    connected(); // to a folder that tells nothing about it
+    server.fault.listing = line("a.html", changed - 4 * hour) + line("b.html", changed - 4 * hour)
+        + line("c.html", changed - 4 * hour);
+    const auto got = run(ftp::getTree(m_client->client(), "/web", local("web"), ftp::Type::Binary));
+    ASSERT_TRUE(got) << got.error().text;
+    for (const char *name : { "a.html", "b.html", "c.html" }) {
+        EXPECT_EQ(timeOf(local("web/" + std::string(name))), changed) << name;
+    }
+    EXPECT_LT(server.lines("MDTM").size(), 3U); // then it is known
+}
