@@ -82,13 +82,20 @@ Awaitable<Result<Endpoints>> lookUp(Stream &stream, std::string host, std::uint1
             : timer(on)
         {
         }
+        ~Wait()
+        {
+            if (thread.joinable()) {
+                thread.detach(); // nobody waited to the end
+            }
+        }
         asio::steady_timer timer;
+        std::thread thread;
         LookUp result;
         bool done = false;
     };
     auto wait = std::make_shared<Wait>(executor);
     auto keepsContextBusy = asio::prefer(executor, asio::execution::outstanding_work.tracked);
-    std::thread([wait, host, port, keepsContextBusy]() mutable {
+    wait->thread = std::thread([wait, host, port, keepsContextBusy]() mutable {
         LookUp result;
         resolve(result, host, port);
         asio::post(keepsContextBusy, [wait, result = std::move(result)]() mutable {
@@ -96,12 +103,15 @@ Awaitable<Result<Endpoints>> lookUp(Stream &stream, std::string host, std::uint1
             wait->done = true;
             wait->timer.cancel();
         });
-    }).detach();
+    });
     const auto end = std::chrono::steady_clock::now() + limit;
     while (!wait->done && !stream.aborted() && std::chrono::steady_clock::now() < end) {
         wait->timer.expires_at(std::min(std::chrono::steady_clock::now() + abortSeenWithin, end));
         std::error_code cancelled; // the timer's end is told apart by the flag
         co_await wait->timer.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
+    }
+    if (wait->done) {
+        wait->thread.join(); // it is on its way out, and must not touch the executor any more
     }
     if (stream.aborted()) {
         co_return fail(ErrorKind::Aborted, "Aborted");
