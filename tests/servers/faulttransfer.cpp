@@ -28,9 +28,14 @@ std::string withCarriageReturns(const std::string &text)
 
 void removeCarriageReturns(std::string &text)
 {
-    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) {
-        text.erase(at, 1);
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text.compare(at, 2, "\r\n") != 0) {
+            result += text[at];
+        }
     }
+    text = std::move(result);
 }
 
 } // namespace
