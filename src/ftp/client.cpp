@@ -77,9 +77,10 @@ Awaitable<void> Client::stopWatching()
         m_watch.reset();
     }
     // Some servers say more than was asked. Left unread it would answer the next command.
-    while (usable() && m_session.line().hasUnreadBytes()) {
-        auto stray = co_await m_session.dialogue().reply();
-        if (!stray) {
+    constexpr int mostStray = 100; // one that never stops is of no use
+    for (int stray = 0; usable() && m_session.line().hasUnreadBytes(); ++stray) {
+        auto reply = co_await m_session.dialogue().reply();
+        if (!reply || stray == mostStray) {
             m_session.markBroken();
         }
     }
@@ -122,10 +123,10 @@ Awaitable<Status> Client::learnZone(Entry telling)
     co_return Status {};
 }
 
-FolderEntry Client::present(const Entry &entry, const std::string &folder)
+FolderEntry Client::present(const Entry &entry)
 {
     FolderEntry shown;
-    shown.name = m_names.decode(folder, entry.name);
+    shown.name = entry.name;
     shown.type = entry.type;
     shown.size = entry.size;
     shown.permissions = entry.permissions;
@@ -138,13 +139,29 @@ FolderEntry Client::present(const Entry &entry, const std::string &folder)
     return shown;
 }
 
+/// Names come raw and are shown as text.
+void Client::showNames(Folder &shown, OddNames &odd)
+{
+    if (!odd.none()) {
+        for (const FolderEntry &entry : shown.entries) {
+            odd.compare(entry.name);
+        }
+    }
+    const std::string here = folder();
+    for (FolderEntry &entry : shown.entries) {
+        const std::string raw = std::exchange(entry.name, odd.text(entry.name));
+        m_names.keep(here, entry.name, raw);
+    }
+}
+
 Awaitable<Result<Folder>> Client::list()
 {
     Folder result;
-    const std::string here = folder();
     Entry telling;
+    OddNames odd;
     ListingParser::Take take = [&](Entry &&entry) {
-        result.entries.push_back(present(entry, here));
+        odd.learn(entry.name);
+        result.entries.push_back(present(entry));
         if (!tellsZone(telling)) {
             telling = std::move(entry);
         }
@@ -153,6 +170,7 @@ Awaitable<Result<Folder>> Client::list()
     if (!end) {
         co_return tl::unexpected(end.error());
     }
+    showNames(result, odd);
     Status zone = co_await learnZone(std::move(telling));
     if (!zone) {
         co_return tl::unexpected(zone.error());

@@ -2,6 +2,7 @@
 
 #include "ftp/idle_watch.h"
 #include "ftp/namebook.h"
+#include "ftp/oddnames.h"
 #include "ftp/transfer.h"
 
 #include <memory>
@@ -78,7 +79,8 @@ public:
 private:
     Awaitable<bool> folderExists(std::string raw);
     Awaitable<Status> learnZone(Entry telling);
-    [[nodiscard]] FolderEntry present(const Entry &entry, const std::string &folder);
+    [[nodiscard]] static FolderEntry present(const Entry &entry);
+    void showNames(Folder &shown, OddNames &odd);
 
     Session m_session;
     NameBook m_names;

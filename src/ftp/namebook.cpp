@@ -28,12 +28,19 @@ std::string NameBook::decode(std::string_view folder, std::string_view raw)
     if (isAscii(raw)) {
         return std::string(raw);
     }
-    learn(raw);
     std::string name = toUtf8(raw);
+    keep(folder, name, raw);
+    return name;
+}
+
+void NameBook::keep(std::string_view folder, std::string_view name, std::string_view raw)
+{
+    learn(raw);
     if (name != raw) {
         m_raw[joinPath(folder, name)] = raw;
+    } else if (!m_raw.empty() && !isAscii(raw)) {
+        m_raw.erase(joinPath(folder, name)); // another file had this text earlier
     }
-    return name;
 }
 
 std::string NameBook::decodePath(std::string_view raw)
@@ -52,15 +59,15 @@ std::string NameBook::decodePath(std::string_view raw)
     return path;
 }
 
-std::string NameBook::encodeName(std::string_view prefix, std::string_view name) const
+std::string NameBook::encodeName(std::string_view folder, std::string_view name) const
 {
-    if (isAscii(name)) {
+    if (m_raw.empty() && isAscii(name)) {
         return std::string(name);
     }
-    if (const auto known = m_raw.find(joinPath(prefix, name)); known != m_raw.end()) {
+    if (const auto known = m_raw.find(joinPath(folder, name)); known != m_raw.end()) {
         return known->second;
     }
-    if (!m_announced && m_sawOther && !m_sawUtf8) {
+    if (!isAscii(name) && !m_announced && m_sawOther && !m_sawUtf8) {
         if (auto bytes = toWindows1252(name)) {
             return *bytes;
         }

@@ -16,13 +16,16 @@ public:
     /// UTF-8 form of a name that the server told. @param folder  its folder, UTF-8, with or without
     /// a "/" at the end
     std::string decode(std::string_view folder, std::string_view raw);
+    /// Keeps the raw bytes of a name under the text that it is shown with.
+    void keep(std::string_view folder, std::string_view name, std::string_view raw);
     /// UTF-8 form of a path that the server told.
     std::string decodePath(std::string_view raw);
     /// Raw bytes of a path. @param folder  current folder (UTF-8), which relative paths start from
     [[nodiscard]] std::string encode(std::string_view path, std::string_view folder) const;
+    /// Raw bytes of one name. @param folder  absolute, UTF-8
+    [[nodiscard]] std::string encodeName(std::string_view folder, std::string_view name) const;
 
 private:
-    [[nodiscard]] std::string encodeName(std::string_view prefix, std::string_view name) const;
     void learn(std::string_view raw);
 
     std::map<std::string, std::string, std::less<>>

@@ -1,5 +1,6 @@
 #include "ftp/fetcher.h"
 #include "ftp/localfile.h"
+#include "ftp/oddnames.h"
 #include "ftp/tree.h"
 #include "ftp/tree_task.h"
 
@@ -19,7 +20,21 @@ struct Listed {
     TreeListing entries;
     TreeListing::Position file {}, subfolder {}; ///< the next ones, if any
     std::size_t files = 0, subfolders = 0; ///< still to come
+    OddNames odd {};
 };
+
+OddNames oddNames(const TreeListing &listing)
+{
+    OddNames odd;
+    for (TreeListing::Position at; const auto entry = listing.next(at);) {
+        odd.learn(entry->name);
+    }
+    for (TreeListing::Position at;
+         const auto entry = odd.none() ? std::nullopt : listing.next(at);) {
+        odd.compare(entry->name);
+    }
+    return odd;
+}
 
 /// The walk through a remote tree: every folder listed brings further folders and files.
 class TreeGetter final : public TreeTask {
@@ -55,17 +70,13 @@ private:
     {
         return client().names().decodePath(job.remotePath());
     }
-    [[nodiscard]] bool isWanted(const FolderPair &folder, const TreeEntry &entry);
-    void count(const FolderPair &folder, const TreeEntry &entry);
+    [[nodiscard]] static bool isWanted(const Listed &here, const TreeEntry &entry);
+    void count(const Listed &here, const TreeEntry &entry);
     Job nextFile(Listed &from);
     Awaitable<void> judgeLinks();
     Job nextFolder(Listed &from);
     void checkSpace(const std::string &local);
-    void reject(const FolderPair &folder, const TreeEntry &entry);
-    std::string shownName(const FolderPair &folder, const TreeEntry &entry)
-    {
-        return client().names().decode(folder.remote, entry.name);
-    }
+    void reject(const Listed &here, const TreeEntry &entry);
 
     Fetcher m_fetcher { *this };
     std::int64_t m_replaced = 0; ///< bytes of local files whose room comes free
@@ -113,13 +124,14 @@ void TreeGetter::listed(const Job &job, TreeListing listing)
     }
     m_listed.push_back({ job.folder, job.real, std::move(listing) });
     Listed &here = m_listed.back();
+    here.odd = oddNames(here.entries);
     TreeListing::Position at;
     while (const auto entry = here.entries.next(at)) {
-        if (isWanted(*job.folder, *entry)) {
+        if (isWanted(here, *entry)) {
             ++(entry->type == 'd' ? here.subfolders : here.files);
-            count(*job.folder, *entry);
+            count(here, *entry);
         } else if (!entry->isDot()) {
-            reject(*job.folder, *entry);
+            reject(here, *entry);
         }
     }
     m_files += here.files;
@@ -144,15 +156,15 @@ void TreeGetter::checkSpace(const std::string &local)
     m_crew.failed({ ErrorKind::LocalDiskFull, 0, "Not enough space left on the local disk" });
 }
 
-bool TreeGetter::isWanted(const FolderPair &folder, const TreeEntry &entry)
+bool TreeGetter::isWanted(const Listed &here, const TreeEntry &entry)
 {
-    return isSafeName(entry.name) && isSafeName(shownName(folder, entry))
-        && (entry.type != 'd' || folder.depth < deepest);
+    return isSafeName(entry.name) && isSafeName(here.odd.text(entry.name))
+        && (entry.type != 'd' || here.folder->depth < deepest);
 }
 
-void TreeGetter::reject(const FolderPair &folder, const TreeEntry &entry)
+void TreeGetter::reject(const Listed &here, const TreeEntry &entry)
 {
-    const std::string shown = shownName(folder, entry);
+    const std::string shown = here.odd.text(entry.name);
     const bool safe = isSafeName(entry.name) && isSafeName(shown);
     m_crew.note((safe ? "Zu tief verschachtelt, nicht übertragen: "
                       : "Unzulässiger Name vom Server, nicht übertragen: ")
@@ -186,19 +198,19 @@ Awaitable<void> TreeGetter::judgeLinks()
 }
 
 /// What a file will need, and what it will set free.
-void TreeGetter::count(const FolderPair &folder, const TreeEntry &entry)
+void TreeGetter::count(const Listed &here, const TreeEntry &entry)
 {
     if (entry.type == 'd') {
         return;
     }
     m_crew.addTotal(entry.type == 'l' ? 0 : entry.size);
-    m_replaced += fileSize(joinPath(folder.local, shownName(folder, entry))).value_or(0);
+    m_replaced += fileSize(joinPath(here.folder->local, here.odd.text(entry.name))).value_or(0);
 }
 
 Job TreeGetter::nextFile(Listed &from)
 {
     auto entry = from.entries.next(from.file);
-    while (entry->type == 'd' || !isWanted(*from.folder, *entry)) {
+    while (entry->type == 'd' || !isWanted(from, *entry)) {
         entry = from.entries.next(from.file);
     }
     --from.files;
@@ -206,7 +218,7 @@ Job TreeGetter::nextFile(Listed &from)
     Job job;
     job.folder = from.folder;
     job.name = entry->name;
-    job.localName = shownName(*from.folder, *entry);
+    job.localName = from.odd.text(entry->name);
     job.link = entry->type == 'l';
     job.size = job.link || entry->size == 0 ? -1 : entry->size; // not every dialect has sizes
     const ServerKnowledge &server = client().session().knowledge();
@@ -220,13 +232,13 @@ Job TreeGetter::nextFile(Listed &from)
 Job TreeGetter::nextFolder(Listed &from)
 {
     auto entry = from.entries.next(from.subfolder);
-    while (entry->type != 'd' || !isWanted(*from.folder, *entry)) {
+    while (entry->type != 'd' || !isWanted(from, *entry)) {
         entry = from.entries.next(from.subfolder);
     }
     --from.subfolders;
     auto below = std::make_shared<FolderPair>();
     below->remote = joinPath(from.folder->remote, entry->name);
-    below->local = joinPath(from.folder->local, shownName(*from.folder, *entry));
+    below->local = joinPath(from.folder->local, from.odd.text(entry->name));
     below->depth = from.folder->depth + 1;
     below->above = from.real;
     Job job;

@@ -1,3 +1,4 @@
+#include "ftp/oddnames.h"
 #include "ftp/storer.h"
 #include "ftp/tree.h"
 #include "ftp/tree_task.h"
@@ -31,6 +32,18 @@ public:
                   [this](auto a, auto b) { return at(a) < at(b); });
     }
     [[nodiscard]] std::size_t size() const { return m_starts.size(); }
+    /// Those that are no UTF-8.
+    [[nodiscard]] OddNames odd() const
+    {
+        OddNames odd;
+        for (const std::size_t start : m_starts) {
+            odd.learn(at(start));
+        }
+        for (std::size_t i = 0; i < size() && !odd.none(); ++i) {
+            odd.compare(at(m_starts[i]));
+        }
+        return odd;
+    }
     [[nodiscard]] std::string operator[](std::size_t index) const
     {
         return std::string(at(m_starts[index]));
@@ -61,6 +74,28 @@ Result<Names> namesIn(const std::string &folder)
     return names;
 }
 
+/// How the names of a local folder are called on the server: as if each were sent alone.
+class RemoteNames {
+public:
+    RemoteNames() = default;
+    RemoteNames(NameBook &book, const FolderPair &folder, const Names &names)
+        : m_book(&book)
+        , m_folder(book.decodePath(folder.remote))
+        , m_odd(names.odd())
+    {
+    }
+    /// Raw bytes of a name.
+    [[nodiscard]] std::string of(const std::string &name) const
+    {
+        return m_book->encodeName(m_folder, m_odd.text(name));
+    }
+
+private:
+    NameBook *m_book = nullptr;
+    std::string m_folder; ///< UTF-8
+    OddNames m_odd;
+};
+
 /// A local tree: surveyed first, then its folders are made, then its files are sent.
 class TreePutter final : public TreeTask {
 public:
@@ -86,6 +121,7 @@ private:
     std::deque<std::shared_ptr<const FolderPair>> m_folders; ///< in order, parents first
     std::size_t m_filled = 0; ///< folders whose names are or were in m_names
     Names m_names; ///< of the folder whose files become jobs
+    RemoteNames m_remoteNames; ///< of that folder
     std::size_t m_nextName = 0;
 };
 
@@ -112,6 +148,7 @@ Awaitable<Status> TreePutter::survey(std::shared_ptr<const FolderPair> folder)
         leaveOut(folder->local, names.error());
         co_return folder->depth == 0 ? Status(tl::unexpected(names.error())) : Status {};
     }
+    const RemoteNames remote(client().names(), *folder, *names);
     for (std::size_t i = 0; i < names->size(); ++i) {
         const std::string name = (*names)[i];
         const std::string path = joinPath(folder->local, name);
@@ -129,7 +166,7 @@ Awaitable<Status> TreePutter::survey(std::shared_ptr<const FolderPair> folder)
             }
             auto below = std::make_shared<FolderPair>();
             below->local = path;
-            below->remote = joinPath(folder->remote, name);
+            below->remote = joinPath(folder->remote, remote.of(name));
             below->depth = folder->depth + 1;
             if (const auto sendable = encodeCommand("MKD " + below->remote); !sendable) {
                 leaveOut(path, sendable.error());
@@ -210,6 +247,7 @@ bool TreePutter::nextFolder()
         return false;
     }
     m_names = namesIn(m_folders[m_filled++]->local).value_or(Names()); // told by the survey
+    m_remoteNames = RemoteNames(client().names(), *m_folders[m_filled - 1], m_names);
     m_nextName = 0;
     return true;
 }
@@ -218,7 +256,8 @@ void TreePutter::addJob(const std::string &name)
 {
     Job job;
     job.folder = m_folders[m_filled - 1];
-    job.name = job.localName = name; // local bytes are the wire's too
+    job.localName = name;
+    job.name = m_remoteNames.of(name);
     struct stat entry { };
     if (::stat(job.localPath().c_str(), &entry) == 0 && S_ISREG(entry.st_mode)) {
         m_jobs.push_back(std::move(job));

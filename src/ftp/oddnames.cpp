@@ -1,0 +1,44 @@
+#include "ftp/oddnames.h"
+
+#include "ftp/text.h"
+
+namespace ftp {
+namespace {
+
+std::string escaped(std::string_view raw)
+{
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text;
+    for (const char letter : raw) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if (byte < 0x80) {
+            text += letter;
+        } else {
+            text += { '%', digits[byte >> 4U], digits[byte & 0xFU] };
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+void OddNames::learn(std::string_view raw)
+{
+    if (!isUtf8(raw)) {
+        m_raw.emplace(toUtf8(raw), raw);
+    }
+}
+
+void OddNames::compare(std::string_view raw)
+{
+    if (const auto odd = m_raw.find(raw); odd != m_raw.end()) {
+        m_alike.insert(odd->second);
+    }
+}
+
+std::string OddNames::text(std::string_view raw) const
+{
+    return m_alike.contains(raw) ? escaped(raw) : toUtf8(raw);
+}
+
+} // namespace ftp
