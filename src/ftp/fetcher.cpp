@@ -38,14 +38,10 @@ Awaitable<Result<std::optional<Error>>> awaitStart(Session &session, DataConnect
 
 const std::string listAll = "LIST -a";
 
-/// Whether a folder is listed by MLSD; LIST works in the current folder only.
+/// Whether a folder is listed by MLSD, else by LIST.
 bool byMachine(const Session &session, const Job &job)
 {
     return session.features().mlst && !job.machine && !job.noMachine;
-}
-bool mustEnter(const Session &session, const Job &job)
-{
-    return job.isFolder() && !byMachine(session, job);
 }
 
 } // namespace
@@ -58,8 +54,8 @@ Result<std::vector<std::string>> Fetcher::preparations(Session &session, Flow &f
         return tl::unexpected(way.error());
     }
     std::vector<std::string> commands;
-    if (mustEnter(session, flow.job)) {
-        m_entered = true;
+    if (flow.job.isFolder()) {
+        m_entered = true; // LIST works in the current folder only, and PWD shows hidden links
         commands.push_back("CWD " + flow.job.folder->remote);
         commands.emplace_back("PWD");
     } else if (flow.job.unlisted) {
@@ -92,11 +88,11 @@ std::optional<std::string> Fetcher::transferAhead(Session &session, const Flow &
 Awaitable<Result<bool>> Fetcher::takeReplies(Session &session, Flow &flow,
                                              std::vector<Reply> replies)
 {
-    if (mustEnter(session, flow.job) && !replies.front().done()) {
+    if (flow.job.isFolder() && !replies.front().done()) {
         m_task.refused(session, flow.job, refusal(replies.front()).value());
         co_return false;
     }
-    if (mustEnter(session, flow.job)) {
+    if (flow.job.isFolder()) {
         const FolderPair &folder = *flow.job.folder;
         flow.job.real = folderTold(replies[1]);
         const std::string name = folder.remote.substr(folder.remote.rfind('/') + 1);

@@ -66,6 +66,8 @@ struct Faults {
     Shared<bool> noMlsd; ///< not listed by FEAT and unknown
     Shared<bool> noUtf8; ///< not listed by FEAT
     Shared<bool> noRestStream; ///< not listed by FEAT
+    /// Links look like what they lead to; a folder entered through one is told by its own path.
+    Shared<bool> hidesLinks;
 
     // Data connection: what happens after so many bytes of one transfer
     Shared<long> dropDataAfter { -1 }; ///< data connection reset, then 426

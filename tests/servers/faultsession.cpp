@@ -15,6 +15,9 @@ FaultSession::FaultSession(FaultServer::Private &server, Handle connection, int 
     , m_number(number)
     , m_tree(server.root.path())
 {
+    if (m_fault.hidesLinks.get()) {
+        m_tree.hideLinks();
+    }
 }
 
 const std::map<std::string, FaultSession::Handler> &FaultSession::handlers()

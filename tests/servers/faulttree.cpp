@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <ctime>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <vector>
 
 namespace servers {
@@ -85,6 +84,11 @@ fs::path FaultTree::resolve(const std::string &path) const
     return m_root.string() + absolute(path);
 }
 
+bool FaultTree::look(const fs::path &path, struct stat &info) const
+{
+    return (m_hidesLinks ? ::stat(path.c_str(), &info) : ::lstat(path.c_str(), &info)) == 0;
+}
+
 bool FaultTree::changeTo(const std::string &path)
 {
     std::error_code missing;
@@ -92,6 +96,10 @@ bool FaultTree::changeTo(const std::string &path)
         return false;
     }
     m_current = absolute(path);
+    if (m_hidesLinks) {
+        const fs::path inside = fs::relative(resolve(path), m_root); // both without links
+        m_current = inside == "." ? "/" : "/" + inside.string();
+    }
     return true;
 }
 
@@ -100,13 +108,13 @@ std::string FaultTree::list(const std::string &path, bool hidden) const
     std::string text;
     const fs::path target = resolve(path);
     struct stat info { };
-    if (lstat(target.c_str(), &info) == 0 && !S_ISDIR(info.st_mode)) {
+    if (look(target, info) && !S_ISDIR(info.st_mode)) {
         return longLine(target, path, info);
     }
     std::error_code missing;
     for (const auto &entry : fs::directory_iterator(target, missing)) {
         const std::string name = entry.path().filename();
-        if ((hidden || !name.starts_with('.')) && lstat(entry.path().c_str(), &info) == 0) {
+        if ((hidden || !name.starts_with('.')) && look(entry.path(), info)) {
             text += longLine(entry.path(), name, info);
         }
     }
@@ -119,7 +127,7 @@ std::string FaultTree::machineList(const std::string &path) const
     std::error_code missing;
     for (const auto &entry : fs::directory_iterator(resolve(path), missing)) {
         struct stat info { };
-        if (lstat(entry.path().c_str(), &info) == 0) {
+        if (look(entry.path(), info)) {
             text += facts(entry.path().filename(), info);
         }
     }

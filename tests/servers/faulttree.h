@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <sys/stat.h>
 
 namespace servers {
 
@@ -13,6 +14,9 @@ public:
         : m_root(std::move(root))
     {
     }
+
+    /// Shows what links lead to in place of them.
+    void hideLinks() { m_hidesLinks = true; }
 
     [[nodiscard]] const std::string &current() const { return m_current; } ///< "/" or "/a/b"
     /// A path of the client as a path on disk; ".." never leads out of the root.
@@ -30,8 +34,10 @@ public:
 
 private:
     [[nodiscard]] std::string absolute(const std::string &path) const;
+    bool look(const std::filesystem::path &path, struct ::stat &info) const;
     std::filesystem::path m_root;
     std::string m_current = "/";
+    bool m_hidesLinks = false;
 };
 
 } // namespace servers
