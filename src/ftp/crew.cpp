@@ -12,9 +12,6 @@ namespace {
 constexpr std::array pauses { std::chrono::milliseconds(100), std::chrono::milliseconds(2000),
                               std::chrono::milliseconds(5000) };
 
-/// Servers end sessions that say nothing for some minutes.
-constexpr auto keepAlive = std::chrono::seconds(45);
-
 /// So many lost lines in a row without a file in between, and the work is given up.
 constexpr int mostFruitless = 3;
 
@@ -40,7 +37,7 @@ Crew::Crew(Client &client, Worker worker, CrewRules rules)
     if (!m_rules.progress) {
         m_rules.progress = client.session().hooks().progress;
     }
-    m_news.expires_after(keepAlive);
+    m_news.expires_after(client.session().loginData().keepAlive);
 }
 
 void Crew::wakeAll() { m_news.cancel(); }
@@ -85,7 +82,8 @@ void Crew::jobDone()
 Awaitable<bool> Crew::news()
 {
     if (m_news.expiry() <= asio::steady_timer::clock_type::now()) {
-        m_news.expires_after(keepAlive); // all who waited for it have been woken
+        m_news.expires_after(
+            m_client.session().loginData().keepAlive); // all who waited for it have been woken
     }
     std::error_code woken;
     co_await m_news.async_wait(asio::redirect_error(asio::use_awaitable, woken));
@@ -210,6 +208,26 @@ Awaitable<void> Crew::returnHome()
     }
 }
 
+/// Whether a lost line is worth making again; says so.
+bool Crew::goesOnAfter(const Error &lost)
+{
+    if (lost.kind == ErrorKind::Aborted || !m_rules.reconnects || ++m_fruitless > mostFruitless) {
+        return false;
+    }
+    note("Die Verbindung ging verloren (" + lost.text + "); sie wird wieder hergestellt.");
+    return true;
+}
+
+Awaitable<Status> Crew::recover(Error lost)
+{
+    Status opened = tl::unexpected(lost);
+    if (!m_client.session().usable() && goesOnAfter(lost)) {
+        opened = co_await reopen();
+    }
+    co_return opened ? Status {}
+                     : Status(tl::unexpected(m_client.aborted() ? opened.error() : lost));
+}
+
 Awaitable<void> Crew::workAlone()
 {
     for (;;) {
@@ -217,20 +235,17 @@ Awaitable<void> Crew::workAlone()
         if (worked || m_stopped) {
             break;
         }
-        if (worked.error().kind == ErrorKind::Aborted || !m_rules.reconnects
-            || ++m_fruitless > mostFruitless) {
+        if (!goesOnAfter(worked.error())) {
             failed(worked.error());
             break;
         }
-        note("Die Verbindung ging verloren (" + worked.error().text
-             + "); sie wird wieder hergestellt.");
         Status opened = co_await reopenWhileOthersWork();
         if (!opened && m_open == 0) {
             m_lost = true; // the others have done it
             break;
         }
         if (!opened) {
-            failed(worked.error());
+            failed(m_client.aborted() ? opened.error() : worked.error());
             m_stopped = true;
             break;
         }

@@ -35,6 +35,10 @@ public:
     /// Works until everything is done. @return the failure that says most
     Awaitable<Status> run();
 
+    /// Makes the first session's lost line again, before the work is shared out.
+    /// @return the loss itself when that is not possible or of no use any more
+    Awaitable<Status> recover(Error lost);
+
     /// Brings the client's session back to its folder, which its worker has left.
     Awaitable<void> returnHome();
 
@@ -72,6 +76,7 @@ public:
 
 private:
     Awaitable<void> workAlone();
+    bool goesOnAfter(const Error &lost);
     Awaitable<bool> news();
     Awaitable<void> rest(Milliseconds pause);
     Awaitable<Status> reopenWhileOthersWork();

@@ -25,6 +25,9 @@ struct LoginData {
     Proxy proxy;
     Encryption encryption = Encryption::Automatic;
     Milliseconds timeout { 30000 }; ///< of inactivity, for each wait
+    /// A session that waits for work says something after so long: servers end those that are
+    /// silent for some minutes.
+    Milliseconds keepAlive { 45000 };
     bool passive = true;
 };
 

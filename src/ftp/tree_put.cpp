@@ -111,6 +111,7 @@ private:
     std::string shownPath(const Job &job) override { return job.localPath(); }
     Awaitable<Status> survey(std::shared_ptr<const FolderPair> folder);
     Awaitable<Status> makeFolders();
+    Awaitable<Status> makeFolders(std::size_t begin, std::size_t end);
     Awaitable<Status> checkFolder(std::string remote, Reply refused);
     void fill();
     bool nextFolder();
@@ -204,27 +205,39 @@ Awaitable<Status> TreePutter::checkFolder(std::string remote, Reply refused)
 /// works in order.
 Awaitable<Status> TreePutter::makeFolders()
 {
-    Session &session = client().session();
-    session.dialogue().setMuted(true); // "exists" is no news
     Status result;
-    for (std::size_t at = 0; at < m_folders.size() && result; at += burst) {
+    for (std::size_t at = 0; at < m_folders.size() && result;) {
         const std::size_t end = std::min(at + burst, m_folders.size());
-        std::vector<std::string> commands;
-        for (std::size_t i = at; i < end; ++i) {
-            commands.push_back("MKD " + m_folders[i]->remote);
-        }
-        auto replies = co_await session.askAll(commands);
-        if (!replies) {
-            result = tl::unexpected(replies.error());
-            break;
-        }
-        for (std::size_t i = at; i < end && result; ++i) {
-            if (!(*replies)[i - at].done()) {
-                result = co_await checkFolder(m_folders[i]->remote, (*replies)[i - at]);
-            }
+        result = co_await makeFolders(at, end);
+        if (result) {
+            m_crew.progressed();
+            at = end;
+        } else {
+            result = co_await m_crew.recover(result.error());
         }
     }
-    session.dialogue().setMuted(false);
+    client().session().dialogue().setMuted(false);
+    co_return result;
+}
+
+Awaitable<Status> TreePutter::makeFolders(std::size_t begin, std::size_t end)
+{
+    std::vector<std::string> commands;
+    for (std::size_t i = begin; i < end; ++i) {
+        commands.push_back("MKD " + m_folders[i]->remote);
+    }
+    Session &session = client().session();
+    session.dialogue().setMuted(true); // "exists" is no news
+    auto replies = co_await session.askAll(std::move(commands));
+    if (!replies) {
+        co_return tl::unexpected(replies.error());
+    }
+    Status result;
+    for (std::size_t i = begin; i < end && result; ++i) {
+        if (!(*replies)[i - begin].done()) {
+            result = co_await checkFolder(m_folders[i]->remote, (*replies)[i - begin]);
+        }
+    }
     co_return result;
 }
 

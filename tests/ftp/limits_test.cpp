@@ -119,7 +119,8 @@ TEST_P(SentAwayPutting, EverythingArrives)
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, SentAwayPutting,
-                         testing::Values(Goodbye { "STOR", 5, 1 }, Goodbye { "STOR", 5, 3 },
+                         testing::Values(Goodbye { "MKD", 0, 1 }, Goodbye { "MKD", 3, 3 },
+                                         Goodbye { "STOR", 5, 1 }, Goodbye { "STOR", 5, 3 },
                                          Goodbye { "PASV", 9, 1 }, Goodbye { "SIZE", 3, 1 },
                                          Goodbye { "MFMT", 3, 1 }),
                          goodbyeName);
