@@ -288,6 +288,23 @@ TEST_F(KeptFiles, AReplyTooManyDoesNotAnswerTheNextCommand)
     EXPECT_FALSE(run(client.removeFile("gibtesnicht")));
 }
 
+TEST_F(KeptFiles, AServerThatNeverStopsTalkingIsGivenUp)
+{
+    std::string flood;
+    for (int i = 0; i < 500; ++i) {
+        flood += "200 Noch etwas\r\n";
+    }
+    servers::writeFile(server.root() / "f", "inhalt");
+    server.fault.finalReply = "226 Transfer complete\r\n" + flood;
+    ftp::Client &client = connect();
+    ASSERT_TRUE(run(client.get("f", local("f"), 0, Type::Binary)));
+    EXPECT_FALSE(run([](ftp::Client &used) -> ftp::Awaitable<bool> {
+        co_await used.stopWatching();
+        co_return used.usable();
+    }(client)));
+    EXPECT_LT(m_client->replies().size(), 200U);
+}
+
 TEST_F(KeptFiles, PermissionsGoToTheNameInTheServersBytes)
 {
     server.fault.noUtf8 = true;
