@@ -39,6 +39,9 @@ Status CrewTask::lookAhead(Session &session, std::optional<Flow> &next)
     if (next->job.tries > 0) {
         return {}; // it is continued step by step
     }
+    if (next->job.isFolder() && !session.knowledge().keepsOrder) {
+        return {}; // the 250 to its CWD, given too early, would look like the end of this transfer
+    }
     auto commands = mover().preparations(session, *next);
     if (!commands) {
         return tl::unexpected(commands.error());
@@ -70,6 +73,10 @@ Awaitable<Status> CrewTask::carryOut(Session &session, Flow &current, std::optio
         co_return co_await mover().again(session, current.job);
     }
     auto replies = co_await prepare(session, current);
+    if (!replies && replies.error().kind == ErrorKind::BadArgument && session.usable()) {
+        refused(session, std::move(current.job), replies.error()); // only this one
+        co_return Status {};
+    }
     if (!replies) {
         co_return tl::unexpected(replies.error());
     }

@@ -504,3 +504,27 @@ TEST_F(Faults, FoldersArriveWholeOnAServerThatAnswersDuringTransfers)
         EXPECT_EQ(servers::difference(server.root() / up, down), "");
     }
 }
+
+TEST_F(Faults, AChangeOfFolderThatIsAnsweredTooEarlyIsNotTheEndOfAListing)
+{
+    for (int i = 0; i < 3; ++i) {
+        const auto below = server.root() / "web" / ("o" + std::to_string(i));
+        for (int j = 0; j < 5; ++j) {
+            servers::writeFile(below / std::to_string(j) / "datei mit langem namen.html", "x");
+        }
+    }
+    server.fault.answersDuringTransfers = true;
+    for (const bool machine : { true, false }) {
+        SCOPED_TRACE(machine);
+        server.fault.noMlsd = !machine;
+        TestClient &client = login(ftp::Encryption::Never, 1);
+        client.login().timeout = std::chrono::seconds(3);
+        ASSERT_TRUE(client.open());
+        const int before = server.sessions();
+        const std::string down = local(machine ? "machine" : "plain");
+        const auto got = run(ftp::getTree(ftpClient(), "/web", down, Type::Binary));
+        ASSERT_TRUE(got) << got.error().text;
+        EXPECT_EQ(servers::difference(down, server.root() / "web"), "");
+        EXPECT_LE(server.sessions(), before + 1) << "one is what it takes to find out";
+    }
+}

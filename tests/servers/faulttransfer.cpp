@@ -374,7 +374,7 @@ bool FaultSession::mayGoOn(Stream &data)
            && readLine(line)) {
         execute(line);
         if (!m_transferring) {
-            data.drop();
+            data.close(); // as if that were all
             return false;
         }
     }
