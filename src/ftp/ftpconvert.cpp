@@ -1,12 +1,13 @@
 #include "ftp/ftpconvert.h"
 
+#include "ftp/ftplocalnames.h"
 #include "ftp/text.h"
 
 #include <array>
 #include <cstdio>
 #include <ctime>
 
-QString ftpText(const std::string &raw) { return QString::fromStdString(ftp::toUtf8(raw)); }
+QString ftpText(const std::string &raw) { return textOfName(ftp::toUtf8(raw)); }
 
 FtpError ftpError(const ftp::Error &error)
 {
@@ -115,8 +116,8 @@ RemoteListing ftpListing(const ftp::Folder &folder)
     listing.entries.reserve(static_cast<qsizetype>(folder.entries.size()));
     DateTexts dates;
     for (const ftp::FolderEntry &entry : folder.entries) {
-        listing.entries.append({ QString::fromStdString(entry.name), typeText(entry.type),
-                                 entry.size, dates.text(entry), permissionNumber(entry.permissions),
+        listing.entries.append({ textOfName(entry.name), typeText(entry.type), entry.size,
+                                 dates.text(entry), permissionNumber(entry.permissions),
                                  entry.target.empty() ? QString() : ftpText(entry.target) });
     }
     return listing;

@@ -2,6 +2,7 @@
 
 #include "ftp/text.h"
 
+#include <QStringDecoder>
 #include <QUtf8StringView>
 
 #include <algorithm>
@@ -14,6 +15,16 @@ qsizetype lengthOf(char lead)
 {
     const auto byte = static_cast<unsigned char>(lead);
     return byte >= 0xf0 ? 4 : byte >= 0xe0 ? 3 : byte >= 0xc0 ? 2 : 1;
+}
+
+/// QString::fromUtf8 would drop a byte order mark, which is a character of a name like others.
+QString fromUtf8(QByteArrayView text)
+{
+    if (!text.startsWith("\xEF\xBB\xBF")) {
+        return QString::fromUtf8(text);
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(text);
 }
 
 bool isRawByte(QChar character)
@@ -42,7 +53,7 @@ template <class Text, class Byte> void inPieces(QStringView text, Text takeText,
 QString textOfName(QByteArrayView name)
 {
     if (QUtf8StringView(name.data(), name.size()).isValidUtf8()) {
-        return QString::fromUtf8(name);
+        return fromUtf8(name);
     }
     QString text;
     for (qsizetype at = 0; at < name.size();) {
@@ -50,7 +61,7 @@ QString textOfName(QByteArrayView name)
         const QByteArrayView character = name.sliced(at, size);
         // A character that is cut short is not valid either.
         if (QUtf8StringView(character.data(), size).isValidUtf8()) {
-            text += QString::fromUtf8(character);
+            text += fromUtf8(character);
             at += size;
         } else {
             text += QChar(0xdc00 | static_cast<unsigned char>(name.at(at)));

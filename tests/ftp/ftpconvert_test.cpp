@@ -102,6 +102,8 @@ TEST(FtpListing, NamesTargetsAndSizesComeAsTheyAre)
     made.target = "\xe4lter"; // Windows-1252
     made.size = 5'000'000'000;
     EXPECT_EQ(converted(made).name, u"Größe [1].txt"_s);
+    made.name = "\xef\xbb\xbfmarke";
+    EXPECT_EQ(converted(made).name, u"\ufeffmarke"_s);
     EXPECT_EQ(converted(made).target, u"älter"_s);
     EXPECT_EQ(converted(made).size, 5'000'000'000);
     EXPECT_EQ(converted(entry('l', 0777)).target, QString());

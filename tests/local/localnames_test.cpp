@@ -14,7 +14,8 @@ TEST(LocalNames, EveryNameComesOutAsTheBytesThatWentIn)
                               "\xc3\x9c"
                               "ber uns.html",
                               "\xf0\x9f\x8c\xb7", "\xe4pfel.txt", "\xff\xfe", "halb\xc3",
-                              "halb\xe2\x82", "\xed\xb3\xa4", "\xc0\xaf", "a\x80\xc3\xa4\x80z" }) {
+                              "halb\xe2\x82", "\xed\xb3\xa4", "\xc0\xaf", "\xef\xbb\xbfindex.html",
+                              "z\xef\xbb\xbf\xe4", "a\x80\xc3\xa4\x80z" }) {
         EXPECT_EQ(bytesOfName(textOfName(name)), QByteArray(name)) << name;
     }
     std::mt19937 random(7);
