@@ -78,8 +78,9 @@ Awaitable<void> Client::stopWatching()
     }
     // Some servers say more than was asked. Left unread it would answer the next command.
     constexpr int mostStray = 100; // one that never stops is of no use
+    constexpr Milliseconds patience { 2000 }; // with the rest of a line that was begun
     for (int stray = 0; usable() && m_session.line().hasUnreadBytes(); ++stray) {
-        auto reply = co_await m_session.dialogue().reply();
+        auto reply = co_await m_session.dialogue().reply(patience);
         if (!reply || stray == mostStray) {
             m_session.markBroken();
         }

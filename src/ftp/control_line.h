@@ -48,9 +48,9 @@ public:
     [[nodiscard]] Stream &stream() { return *m_stream; }
     void setDoubleTelnetIac(bool wanted) { m_doubleIac = wanted; }
     /// Bytes that arrived and belong to no reply read so far.
-    [[nodiscard]] bool hasUnreadBytes() const
+    [[nodiscard]] bool hasUnreadBytes()
     {
-        return m_begin < m_buffer.size() || m_stream->holdsBytes();
+        return m_begin < m_buffer.size() || m_parser.inReply() || m_stream->holdsBytes();
     }
     /// Last complete reply, for the case that the server hung up behind a 421.
     [[nodiscard]] const Reply &lastReply() const { return m_last; }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstring>
 #include <openssl/err.h>
+#include <sys/socket.h>
 
 namespace ftp {
 
@@ -309,15 +310,15 @@ Awaitable<Status> Stream::startTls(TlsContext &context, std::string host, TlsRol
     }
 }
 
-bool Stream::holdsBytes() const
+bool Stream::holdsBytes()
 {
+    char byte = 0;
     if (!m_ssl) {
-        return false;
+        return ::recv(m_socket.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) > 0;
     }
     // Not SSL_pending or SSL_has_pending: the one knows only the record that was begun, the other
     // counts tickets, too.
     ERR_clear_error();
-    char byte = 0;
     std::size_t count = 0;
     const bool holds = SSL_peek_ex(m_ssl.get(), &byte, 1, &count) == 1;
     ERR_clear_error();

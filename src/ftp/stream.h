@@ -62,7 +62,7 @@ public:
     [[nodiscard]] bool encrypted() const { return m_ssl != nullptr; }
     [[nodiscard]] SSL *ssl() const { return m_ssl.get(); }
     /// Whether decrypted bytes can be read without waiting.
-    [[nodiscard]] bool holdsBytes() const;
+    [[nodiscard]] bool holdsBytes();
     [[nodiscard]] bool closeNotifyReceived() const { return m_closeNotify; }
 
     Awaitable<Status> connect(asio::ip::tcp::endpoint endpoint, Milliseconds limit);
