@@ -1,6 +1,8 @@
 #include "ftp/file_facts.h"
 
 #include "ftp/civiltime.h"
+#include "ftp/path.h"
+#include "ftp/transfer.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -81,6 +83,34 @@ Awaitable<Result<RemoteFacts>> fileFacts(Client &client, std::string path)
     co_return takeFacts(session, commands, *replies);
 }
 
+Awaitable<Result<std::optional<std::int64_t>>> listedSize(Session &session, std::string path)
+{
+    const std::string folder = parentOf(path);
+    const std::string name = path.substr(path.rfind('/') + 1);
+    std::optional<std::int64_t> size;
+    if (!folder.empty()) {
+        auto entered = co_await session.ask("CWD " + folder);
+        if (!entered || !entered->done()) {
+            co_return entered ? Result<std::optional<std::int64_t>>(size)
+                              : tl::unexpected(entered.error());
+        }
+    }
+    ListingParser::Take take = [&](const Entry &entry) {
+        if (entry.type == '-' && entry.name == name) {
+            size = entry.size;
+        }
+    };
+    auto listed = co_await readListing(session, std::move(take));
+    if (!folder.empty() && session.usable()) {
+        auto back = co_await session.ask("CWD " + session.folder());
+        ignoreError(back, "the next command would tell");
+    }
+    if (!session.usable()) {
+        co_return fail(ErrorKind::ConnectionClosed, "Connection closed by server");
+    }
+    co_return listed ? size : std::nullopt;
+}
+
 Status checkComplete(const Session &session, std::int64_t have, std::optional<std::int64_t> size,
                      bool properEnd)
 {
@@ -104,7 +134,11 @@ std::vector<std::string> checkCommands(Session &session, const std::string &remo
         commands.push_back("SIZE " + remotePath);
     }
     if (session.features().mfmt && !server.noSetTime) {
-        commands.push_back("MFMT " + formatTimeVal(fromEpoch(file.modified())) + " " + remotePath);
+        const std::string time = formatTimeVal(fromEpoch(file.modified()));
+        const std::string command = "MFMT " + time + " " + remotePath;
+        if (encodeCommand(command)) { // the path may just be too long for this one
+            commands.push_back(command);
+        }
     }
     return commands;
 }

@@ -38,6 +38,19 @@ struct RemoteFacts {
 /// @return an error only when the session is gone
 Awaitable<Result<RemoteFacts>> fileFacts(Client &client, std::string path);
 
+/// Size of a file as a listing of its folder tells it, for servers without SIZE; nothing when it is
+/// not listed. @param path  raw bytes
+Awaitable<Result<std::optional<std::int64_t>>> listedSize(Session &session, std::string path);
+
+/// Whether one copy of a file was changed after the last bytes of a broken transfer came to the
+/// other, so that the two do not belong together. Clocks may differ by minutes.
+/// @param source, part  times of last change, seconds since 1970, UTC
+[[nodiscard]] inline bool changedSince(std::int64_t source, std::int64_t part)
+{
+    constexpr std::int64_t tolerance = 120;
+    return source > part + tolerance;
+}
+
 /// Whether a download is all there.
 /// @param have  bytes of the whole file @param properEnd  the server ended an encrypted stream as
 ///              it should, so that nobody can have cut it short

@@ -77,6 +77,15 @@ std::optional<std::int64_t> fileSize(const std::string &path)
     return status.st_size;
 }
 
+std::optional<std::int64_t> fileTime(const std::string &path)
+{
+    struct stat status { };
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return status.st_mtime;
+}
+
 std::optional<std::int64_t> freeSpace(const std::string &folder)
 {
     struct statvfs status { };

@@ -18,6 +18,9 @@ Status replaceFile(const std::string &path, std::string_view text);
 /// Size of a regular file; nothing when there is none.
 [[nodiscard]] std::optional<std::int64_t> fileSize(const std::string &path);
 
+/// Time of its last change, seconds since 1970, UTC; nothing when there is none.
+[[nodiscard]] std::optional<std::int64_t> fileTime(const std::string &path);
+
 /// Bytes that a folder's file system still takes from this user; nothing when it does not tell.
 [[nodiscard]] std::optional<std::int64_t> freeSpace(const std::string &folder);
 

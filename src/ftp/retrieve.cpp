@@ -59,6 +59,10 @@ std::int64_t usableOffset(const GetRequest &request, const Session &session)
 
 Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
 {
+    const std::string command = "RETR " + request.remotePath;
+    if (const auto sendable = encodeCommand(command); !sendable) {
+        co_return tl::unexpected(sendable.error());
+    }
     std::int64_t offset = usableOffset(request, session);
     Status typed = co_await session.setType(request.type);
     if (!typed) {
@@ -72,6 +76,12 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
     if (facts->size && *facts->size < offset) {
         tell(session,
              "Die Datei auf dem Server ist kürzer geworden; sie wird von vorn übertragen.");
+        offset = 0;
+    }
+    const auto partTime = fileTime(request.localPath);
+    if (offset > 0 && facts->modified && partTime && changedSince(*facts->modified, *partTime)) {
+        tell(session,
+             "Die Datei auf dem Server wurde inzwischen geändert; sie wird von vorn übertragen.");
         offset = 0;
     }
     if (offset > 0) {
@@ -88,7 +98,7 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
     ProgressMeter meter(request.progress ? request.progress : sessionProgress(session),
                         request.offset - offset);
     meter.start();
-    Status started = co_await startTransfer(session, data, "RETR " + request.remotePath);
+    Status started = co_await startTransfer(session, data, command);
     if (!started && (started.error().kind == ErrorKind::Refused || !session.usable())) {
         co_return tl::unexpected(started.error());
     }

@@ -54,9 +54,28 @@ struct StorePlan {
     bool append = false; ///< APPE in place of REST and STOR
 };
 
+/// What the server tells of the file that is to be continued.
+Awaitable<Result<RemoteFacts>> factsOfPart(Session &session, std::string path)
+{
+    const std::vector<std::string> commands = factCommands(session, path, Type::Binary);
+    auto replies = co_await session.askAll(commands);
+    if (!replies) {
+        co_return tl::unexpected(replies.error());
+    }
+    RemoteFacts facts = takeFacts(session, commands, *replies);
+    if (session.knowledge().noSize) {
+        auto size = co_await listedSize(session, path);
+        if (!size) {
+            co_return tl::unexpected(size.error());
+        }
+        facts.size = *size;
+    }
+    co_return facts;
+}
+
 /// Where the upload may start: a continued file must have exactly the wanted size on the server.
 Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
-                                  std::int64_t localSize)
+                                  const OutgoingFile &file)
 {
     StorePlan result;
     if (request.offset == 0) {
@@ -71,22 +90,24 @@ Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
         note("Fortsetzen ist nur im Binärmodus möglich; die Datei wird von vorn übertragen.");
         co_return result;
     }
-    auto size = co_await session.ask("SIZE " + request.remotePath);
-    if (!size) {
-        co_return tl::unexpected(size.error());
+    auto part = co_await factsOfPart(session, request.remotePath);
+    if (!part) {
+        co_return tl::unexpected(part.error());
     }
-    const std::optional<std::int64_t> remoteSize = sizeOf(*size);
-    const bool unknown = isUnknown(*size);
-    if (unknown ? request.offset > localSize : remoteSize.value_or(0) > localSize) {
+    if (part->size.value_or(0) > file.size()) {
         note("Die Datei auf dem Server ist größer als die lokale; sie bleibt, wie sie ist.");
         co_return fail(ErrorKind::Refused, "The file on the server is longer than the local one");
     }
-    if (!unknown && remoteSize != request.offset) { // or it is gone
+    if (part->size != request.offset) { // or it is gone
         note("Die Datei auf dem Server hat eine andere Größe; sie wird von vorn übertragen.");
         co_return result;
     }
+    if (part->modified && changedSince(file.modified(), *part->modified)) {
+        note("Die lokale Datei wurde inzwischen geändert; sie wird von vorn übertragen.");
+        co_return result;
+    }
     result.offset = request.offset;
-    result.append = unknown; // without SIZE only appending is safe
+    result.append = session.knowledge().noSize; // then only appending is safe
     co_return result;
 }
 
@@ -132,9 +153,13 @@ Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
     if (!step) {
         co_return tl::unexpected(step.error());
     }
-    auto planned = co_await plan(session, request, file.size());
+    auto planned = co_await plan(session, request, file);
     if (!planned) {
         co_return tl::unexpected(planned.error());
+    }
+    step = co_await session.setType(request.type); // a listing has one of its own
+    if (!step) {
+        co_return tl::unexpected(step.error());
     }
     DataConnection data(session);
     step = co_await data.open();

@@ -20,6 +20,10 @@ protected:
     {
         return run(m_client->client().put(local(name), name, offset, Type::Binary));
     }
+    static void setAge(const std::filesystem::path &file, std::chrono::minutes age)
+    {
+        std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - age);
+    }
 };
 
 const std::string whole = servers::randomBytes(50000, 5);
@@ -152,6 +156,67 @@ TEST_F(Restart, NothingIsAppendedToAFileThatIsGone)
     EXPECT_EQ(*put, 0);
     EXPECT_EQ(stored("f"), whole);
     EXPECT_TRUE(noted("andere Größe"));
+}
+
+TEST_F(Restart, ASizeThatOnlyTheListingTellsCountsToo)
+{
+    server.on({ .verb = "SIZE", .text = "500 SIZE not understood" });
+    servers::writeFile(server.root() / "web" / "f", whole.substr(0, 25000)); // grown meanwhile
+    servers::writeFile(local("f"), whole);
+    connected();
+    const auto put = run(m_client->client().put(local("f"), "/web/f", 20000, Type::Binary));
+    ASSERT_TRUE(put) << put.error().text;
+    EXPECT_EQ(*put, 0);
+    EXPECT_EQ(stored("web/f"), whole);
+    EXPECT_EQ(run(m_client->client().list())->entries.size(), 1U) << "it stands in another folder";
+}
+
+TEST_F(Restart, NothingIsAppendedToAFileThatIsGoneWhereSizesAreUnknown)
+{
+    server.on({ .verb = "SIZE", .text = "500 SIZE not understood" });
+    servers::writeFile(local("f"), whole);
+    connected();
+    const auto put = this->put("f", 20000);
+    ASSERT_TRUE(put) << put.error().text;
+    EXPECT_EQ(stored("f"), whole);
+}
+
+TEST_F(Restart, ADownloadStartsAnewWhenTheServersFileWasReplaced)
+{
+    servers::writeFile(local("f"), std::string(20000, 'x'));
+    setAge(local("f"), std::chrono::hours(24));
+    servers::writeFile(server.root() / "f", whole);
+    connected();
+    const auto got = get("f", 20000);
+    ASSERT_TRUE(got) << got.error().text;
+    EXPECT_EQ(*got, 0);
+    EXPECT_EQ(servers::readFile(local("f")), whole);
+    EXPECT_TRUE(noted("Die Datei auf dem Server wurde inzwischen geändert"));
+}
+
+TEST_F(Restart, AnUploadStartsAnewWhenTheLocalFileWasChanged)
+{
+    servers::writeFile(server.root() / "f", std::string(20000, 'x'));
+    setAge(server.root() / "f", std::chrono::hours(24));
+    servers::writeFile(local("f"), whole);
+    connected();
+    const auto put = this->put("f", 20000);
+    ASSERT_TRUE(put) << put.error().text;
+    EXPECT_EQ(*put, 0);
+    EXPECT_EQ(stored("f"), whole);
+    EXPECT_TRUE(noted("Die lokale Datei wurde inzwischen geändert"));
+}
+
+TEST_F(Restart, ClocksThatDifferByAMinuteAreNoChange)
+{
+    servers::writeFile(local("f"), whole.substr(0, 20000));
+    setAge(local("f"), std::chrono::minutes(1));
+    servers::writeFile(server.root() / "f", whole);
+    connected();
+    const auto got = get("f", 20000);
+    ASSERT_TRUE(got) << got.error().text;
+    EXPECT_EQ(*got, 20000);
+    EXPECT_EQ(servers::readFile(local("f")), whole);
 }
 
 TEST_F(Restart, AnUploadStartsAnewOnAFileOfAnotherSize)
