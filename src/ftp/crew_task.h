@@ -39,6 +39,7 @@ struct Job {
         machine; ///< what MLSD told of a folder, until LIST shows the links
     std::string real = {}; ///< where the server says that the listed folder is; empty = unknown
     bool plain = false; ///< to be listed without any option
+    bool optionRefused = false; ///< that is because the server refused it
     bool noMachine = false; ///< MLSD was refused
     bool unlisted
         = false; ///< size and time are to be asked for, since no listing tells them for sure

@@ -268,10 +268,13 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
         m_task.putBack(std::move(flow.job));
         co_return Status {};
     }
-    if (end->rawText.find_first_not_of(" \t\r\n") != std::string::npos) {
+    if (end->isStrange()) {
         m_task.refused(session, flow.job,
                        { ErrorKind::Protocol, 0, "The listing could not be understood" });
         co_return Status {};
+    }
+    if (flow.job.optionRefused) { // and this folder may be listed
+        server.plainListOnly = true;
     }
     co_return takeListing(session, flow.job, std::move(listing));
 }
@@ -287,7 +290,7 @@ Status Fetcher::listingRefused(Session &session, Flow &flow, const Error &error)
     }
     const bool final = isFinalRefusal(error);
     if (final && flow.withOption) {
-        session.knowledge().plainListOnly = true;
+        flow.job.plain = flow.job.optionRefused = true;
         m_task.putBack(std::move(flow.job));
     } else if (final && byMachine(session, flow.job)) {
         flow.job.noMachine = true;

@@ -103,6 +103,7 @@ Awaitable<Result<ListingEnd>> receiveListing(Session &session, DataConnection &d
 Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::Take take)
 {
     ServerKnowledge &server = session.knowledge();
+    bool unknown = false;
     if (!server.plainListOnly) {
         bool begun = false; // once an entry was told, nothing may be told twice
         ListingParser parser = listParser(serverNow(server), [&](Entry &&entry) {
@@ -119,10 +120,13 @@ Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::
         // Refused, or taken for a file of that name, perhaps with an error message in place of the
         // listing: this server knows no options. An empty answer alone proves nothing, since
         // hidden names such as ".." may be left out; nor does a refusal that passes.
-        server.plainListOnly = all.unknown;
+        unknown = all.unknown;
     }
     ListingParser parser = listParser(serverNow(server), std::move(take));
     const Fetched plain = co_await fetch(session, "LIST", std::move(parser));
+    if (unknown && plain.end) { // else it is this folder that may not be listed
+        server.plainListOnly = true;
+    }
     co_return plain.end;
 }
 

@@ -13,6 +13,9 @@ namespace {
 /// How long a pipelined answer may take before the server is suspected of having lost commands.
 constexpr Milliseconds pipelinePatience { 8000 };
 
+/// Commands in one packet: a server that cannot send its replies reads no further commands.
+constexpr std::size_t mostAtOnce = 128;
+
 /// Servers known to lose commands that arrive in one packet.
 bool knownToStumble(const std::string &greeting)
 {
@@ -373,18 +376,32 @@ Awaitable<Result<std::vector<Reply>>> Session::askAll(std::vector<std::string> c
             co_return tl::unexpected(sendable.error());
         }
     }
+    for (std::size_t at = 0; at < commands.size(); at += mostAtOnce) {
+        const std::span<const std::string> rest = std::span(commands).subspan(at);
+        const auto packet = rest.first(std::min(rest.size(), mostAtOnce));
+        Status asked = co_await askPacket(packet, replies);
+        if (!asked) {
+            m_usable = false;
+            co_return tl::unexpected(asked.error());
+        }
+    }
+    co_return replies;
+}
+
+Awaitable<Status> Session::askPacket(std::span<const std::string> commands,
+                                     std::vector<Reply> &replies)
+{
     const bool together = pipelining() && usable(); // another session may find out meanwhile
     if (together) {
         for (const std::string &command : commands) {
             Status queued = m_line->queue(command);
             if (!queued) {
-                co_return tl::unexpected(queued.error());
+                co_return queued;
             }
         }
         Status sent = co_await m_line->flush();
         if (!sent) {
-            m_usable = false;
-            co_return tl::unexpected(sent.error());
+            co_return sent;
         }
     }
     for (const std::string &command : commands) {
@@ -395,12 +412,11 @@ Awaitable<Result<std::vector<Reply>>> Session::askAll(std::vector<std::string> c
             answer = co_await ask(command);
         }
         if (!answer) {
-            m_usable = false;
             co_return tl::unexpected(answer.error());
         }
         replies.push_back(std::move(*answer));
     }
-    co_return replies;
+    co_return Status {};
 }
 
 Awaitable<Status> Session::expectDone(std::string command)

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -153,6 +154,7 @@ public:
 
 private:
     Awaitable<Status> openOnce();
+    Awaitable<Status> askPacket(std::span<const std::string> commands, std::vector<Reply> &replies);
     Awaitable<Status> encrypt();
     Awaitable<Status> checkCertificate();
     Awaitable<Status> logIn();

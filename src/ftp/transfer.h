@@ -61,6 +61,12 @@ struct ListingEnd {
     std::size_t bytes = 0; ///< length of the text
     bool understood = false; ///< as Listing::understood
     std::string rawText; ///< the text as received, only of one that was not understood
+
+    /// There is a text that nobody understands.
+    [[nodiscard]] bool isStrange() const
+    {
+        return rawText.find_first_not_of(" \t\r\n") != std::string::npos;
+    }
 };
 /// Receives the text of a listing whose transfer command was sent.
 /// @param started  what became of that command

@@ -108,8 +108,8 @@ Awaitable<Result<FolderContent>> countInside(Client &client, std::vector<std::st
     };
     WalkFailed failed
         = [&content](const std::string &, const Error &) { content.complete = false; };
-    Status walked
-        = co_await walkFolders(client, std::move(tops), std::move(visit), std::move(failed), *stop);
+    Status walked = co_await walkFolders(client, std::move(tops), LinksOf::Folders,
+                                         std::move(visit), std::move(failed), *stop);
     if (!walked) {
         co_return tl::unexpected(walked.error());
     }
@@ -129,8 +129,8 @@ Awaitable<Status> changeModesInside(Client &client, std::string folder, InsideMo
           };
     WalkFailed failed
         = [&change](const std::string &at, const Error &error) { change.refused(at, error); };
-    Status walked
-        = co_await walkFolders(client, std::move(tops), std::move(visit), std::move(failed), never);
+    Status walked = co_await walkFolders(client, std::move(tops), LinksOf::Everything,
+                                         std::move(visit), std::move(failed), never);
     if (!walked) {
         co_return walked;
     }

@@ -195,7 +195,7 @@ Awaitable<Status> TreeRemover::empty(Session &session, DoomedPointer &folder)
     }
     Result<TreeListing> listing;
     if (link) {
-        listing = co_await listWithLinks(session);
+        listing = co_await listWithLinks(session, LinksOf::Folders);
     } else {
         listing = tl::unexpected(link.error());
     }

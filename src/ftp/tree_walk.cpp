@@ -37,8 +37,9 @@ std::string comparable(std::string_view path)
 /// One walk over trees.
 class Walk {
 public:
-    Walk(Session &session, FolderVisitor visit, WalkFailed failed)
+    Walk(Session &session, LinksOf of, FolderVisitor visit, WalkFailed failed)
         : m_session(session)
+        , m_of(of)
         , m_visit(std::move(visit))
         , m_failed(std::move(failed))
     {
@@ -84,7 +85,7 @@ private:
         if (leadsElsewhere(above, nameOf(folder.path), *here)) {
             co_return Status {}; // a link that the listing hid
         }
-        auto listing = co_await listWithLinks(m_session);
+        auto listing = co_await listWithLinks(m_session, m_of);
         if (!listing) {
             co_return tl::unexpected(listing.error());
         }
@@ -111,6 +112,7 @@ private:
     }
 
     Session &m_session;
+    LinksOf m_of;
     FolderVisitor m_visit;
     WalkFailed m_failed;
     std::vector<Pending> m_pending;
@@ -158,13 +160,13 @@ Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path)
         nature.link = nature.link || (entry.type == 'l' && entry.name == name);
     };
     auto listed = co_await readPlainListing(session, std::move(take));
-    if (!listed && !session.usable()) {
+    if (!listed && (!session.usable() || !isFinalRefusal(listed.error()))) {
         co_return tl::unexpected(listed.error());
     }
     co_return nature;
 }
 
-Awaitable<Result<TreeListing>> listWithLinks(Session &session)
+Awaitable<Result<TreeListing>> listWithLinks(Session &session, LinksOf of)
 {
     TreeListing listing;
     ListingParser::Take take = [&](const Entry &entry) { listing.add(entry); };
@@ -172,7 +174,7 @@ Awaitable<Result<TreeListing>> listWithLinks(Session &session)
     if (!listed) {
         co_return tl::unexpected(listed.error());
     }
-    if (session.features().mlstUnixMode() && listing.hasFolders()) {
+    if (session.features().mlstUnixMode() && (of == LinksOf::Everything || listing.hasFolders())) {
         TreeListing links;
         ListingParser::Take takeLink = [&](const Entry &entry) {
             if (entry.type == 'l') {
@@ -180,21 +182,23 @@ Awaitable<Result<TreeListing>> listWithLinks(Session &session)
             }
         };
         auto plain = co_await readPlainListing(session, std::move(takeLink));
-        if (plain) {
-            listing.markLinks(links);
-        } else if (!session.usable()) {
+        if (!plain) { // without it a link would be taken for a folder
             co_return tl::unexpected(plain.error());
         }
+        if (plain->isStrange()) {
+            co_return fail(ErrorKind::Protocol, "The listing could not be understood");
+        }
+        listing.markLinks(links);
     }
     co_return listing;
 }
 
-Awaitable<Status> walkFolders(Client &client, std::vector<std::string> tops, FolderVisitor visit,
-                              WalkFailed failed, const std::atomic_bool &stop)
+Awaitable<Status> walkFolders(Client &client, std::vector<std::string> tops, LinksOf of,
+                              FolderVisitor visit, WalkFailed failed, const std::atomic_bool &stop)
 {
     Session &session = client.session();
     session.dialogue().setMuted(true);
-    Walk walk(session, std::move(visit), std::move(failed));
+    Walk walk(session, of, std::move(visit), std::move(failed));
     Status walked = co_await walk.run(std::move(tops), stop);
     if (session.usable()) {
         auto back = co_await session.ask("CWD " + session.folder());

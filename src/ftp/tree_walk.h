@@ -30,11 +30,15 @@ struct FolderNature {
     bool link = false; ///< it is no folder but a link
     std::string above; ///< where the server says that the folder above is; empty = unknown
 };
-/// Looks into the folder above. A folder above that may not be entered or listed tells nothing.
+/// Looks into the folder above. A folder above that may never be entered or listed tells nothing.
 Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path);
 
+/// The links that a walk has to know as such: those that look like folders, since it would follow
+/// them, or all of them.
+enum class LinksOf { Folders, Everything };
+
 /// Lists the current folder for a walk that must not follow links.
-Awaitable<Result<TreeListing>> listWithLinks(Session &session);
+Awaitable<Result<TreeListing>> listWithLinks(Session &session, LinksOf of);
 
 /// Looks at one folder of a walk. The session stands in it.
 using FolderVisitor = std::function<Awaitable<Status>(Session &session, std::string path,
@@ -46,7 +50,7 @@ using WalkFailed = std::function<void(const std::string &path, const Error &erro
 /// followed. The client's session is back in its folder afterwards.
 /// @param tops  raw absolute paths; what cannot be listed is told to failed and passed over
 /// @param stop  ends the walk before its next folder when it becomes true
-Awaitable<Status> walkFolders(Client &client, std::vector<std::string> tops, FolderVisitor visit,
-                              WalkFailed failed, const std::atomic_bool &stop);
+Awaitable<Status> walkFolders(Client &client, std::vector<std::string> tops, LinksOf of,
+                              FolderVisitor visit, WalkFailed failed, const std::atomic_bool &stop);
 
 } // namespace ftp

@@ -69,3 +69,76 @@ INSTANTIATE_TEST_SUITE_P(Listings, HiddenLinks, testing::Bool(),
                          [](const testing::TestParamInfo<bool> &listing) {
                              return listing.param ? "machine" : "plain";
                          });
+
+namespace {
+
+/// Machine listings follow links, and only LIST shows them.
+class LinksOnlyInLists : public FaultCase {
+protected:
+    void SetUp() override
+    {
+        server.fault.machineHidesLinks = true;
+        servers::writeFile(server.root() / "andere" / "b.txt", "nicht in der Seite");
+        servers::writeFile(server.root() / "web" / "a.txt", "in der Seite");
+    }
+    void link(const std::string &target)
+    {
+        fs::create_directory_symlink(target, server.root() / "web" / "verweis");
+    }
+    void expectKept() { EXPECT_EQ(stored("andere/b.txt"), "nicht in der Seite"); }
+};
+
+} // namespace
+
+TEST_F(LinksOnlyInLists, AreKeptWhenTheListFailsForAMoment)
+{
+    link("../andere");
+    server.on({ .verb = "LIST", .text = "425 Can't open data connection.", .times = 2 });
+    ftp::Client &client = connected();
+    EXPECT_FALSE(run(ftp::removeTree(client, "/web")));
+    expectKept();
+}
+
+TEST_F(LinksOnlyInLists, AreKeptWhenTheListCannotBeUnderstood)
+{
+    link("../andere");
+    server.fault.listing = "Heute keine Liste.\r\n";
+    ftp::Client &client = connected();
+    EXPECT_FALSE(run(ftp::removeTree(client, "/web")));
+    expectKept();
+}
+
+TEST_F(LinksOnlyInLists, AreKeptAsTopOfWhatIsRemoved)
+{
+    link("../andere");
+    server.on({ .verb = "LIST", .text = "425 Can't open data connection.", .times = 2 });
+    ftp::Client &client = connected();
+    EXPECT_FALSE(run(ftp::removeTree(client, "/web/verweis")));
+    expectKept();
+}
+
+TEST_F(LinksOnlyInLists, ToFilesKeepTheModesOfWhatTheyLeadToWhereNoFolderStandsBesideThem)
+{
+    link("../andere/b.txt");
+    fs::permissions(server.root() / "andere" / "b.txt", fs::perms(0755));
+    ftp::Client &client = connected();
+    ASSERT_TRUE(run(ftp::changeModesInside(client, "/web", { 644, 755 })));
+    EXPECT_EQ(fs::status(server.root() / "andere" / "b.txt").permissions(), fs::perms(0755));
+    EXPECT_EQ(fs::status(server.root() / "web" / "a.txt").permissions(), fs::perms(0644));
+}
+
+TEST_F(LinksOnlyInLists, ThatAreManyAndDeadDoNotEndTheSession)
+{
+    std::string many;
+    for (int i = 0; i < 20000; ++i) {
+        many += "lrwxrwxrwx 1 u g 4 Jan 01 2020 verweis" + std::to_string(i) + " -> weg\r\n";
+    }
+    server.fault.noMlsd = true;
+    server.fault.listing = many;
+    const std::string length(200, 'x');
+    server.on({ .verb = "RETR", .text = "550 Not there" });
+    server.on({ .verb = "CWD", .argument = "*verweis*", .text = "550 Not there either " + length });
+    ftp::Client &client = connected();
+    EXPECT_TRUE(run(ftp::getTree(client, "/web", local("web"), Type::Binary)));
+    EXPECT_TRUE(client.usable());
+}

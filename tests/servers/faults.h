@@ -66,6 +66,8 @@ struct Faults {
     Shared<bool> noMlsd; ///< not listed by FEAT and unknown
     Shared<bool> noUtf8; ///< not listed by FEAT
     Shared<bool> noRestStream; ///< not listed by FEAT
+    /// In machine listings links look like what they lead to, and PWD tells the way that was taken.
+    Shared<bool> machineHidesLinks;
     /// Links look like what they lead to; a folder entered through one is told by its own path.
     Shared<bool> hidesLinks;
 

@@ -18,6 +18,9 @@ FaultSession::FaultSession(FaultServer::Private &server, Handle connection, int 
     if (m_fault.hidesLinks.get()) {
         m_tree.hideLinks();
     }
+    if (m_fault.machineHidesLinks.get()) {
+        m_tree.hideLinksFromMachines();
+    }
 }
 
 const std::map<std::string, FaultSession::Handler> &FaultSession::handlers()

@@ -84,9 +84,9 @@ fs::path FaultTree::resolve(const std::string &path) const
     return m_root.string() + absolute(path);
 }
 
-bool FaultTree::look(const fs::path &path, struct stat &info) const
+bool FaultTree::look(const fs::path &path, bool follow, struct stat &info)
 {
-    return (m_hidesLinks ? ::stat(path.c_str(), &info) : ::lstat(path.c_str(), &info)) == 0;
+    return (follow ? ::stat(path.c_str(), &info) : ::lstat(path.c_str(), &info)) == 0;
 }
 
 bool FaultTree::changeTo(const std::string &path)
@@ -108,13 +108,13 @@ std::string FaultTree::list(const std::string &path, bool hidden) const
     std::string text;
     const fs::path target = resolve(path);
     struct stat info { };
-    if (look(target, info) && !S_ISDIR(info.st_mode)) {
+    if (look(target, m_hidesLinks, info) && !S_ISDIR(info.st_mode)) {
         return longLine(target, path, info);
     }
     std::error_code missing;
     for (const auto &entry : fs::directory_iterator(target, missing)) {
         const std::string name = entry.path().filename();
-        if ((hidden || !name.starts_with('.')) && look(entry.path(), info)) {
+        if ((hidden || !name.starts_with('.')) && look(entry.path(), m_hidesLinks, info)) {
             text += longLine(entry.path(), name, info);
         }
     }
@@ -127,7 +127,7 @@ std::string FaultTree::machineList(const std::string &path) const
     std::error_code missing;
     for (const auto &entry : fs::directory_iterator(resolve(path), missing)) {
         struct stat info { };
-        if (look(entry.path(), info)) {
+        if (look(entry.path(), m_hidesLinks || m_machineHidesLinks, info)) {
             text += facts(entry.path().filename(), info);
         }
     }

@@ -17,6 +17,7 @@ public:
 
     /// Shows what links lead to in place of them.
     void hideLinks() { m_hidesLinks = true; }
+    void hideLinksFromMachines() { m_machineHidesLinks = true; }
 
     [[nodiscard]] const std::string &current() const { return m_current; } ///< "/" or "/a/b"
     /// A path of the client as a path on disk; ".." never leads out of the root.
@@ -34,10 +35,10 @@ public:
 
 private:
     [[nodiscard]] std::string absolute(const std::string &path) const;
-    bool look(const std::filesystem::path &path, struct ::stat &info) const;
+    static bool look(const std::filesystem::path &path, bool follow, struct ::stat &info);
     std::filesystem::path m_root;
     std::string m_current = "/";
-    bool m_hidesLinks = false;
+    bool m_hidesLinks = false, m_machineHidesLinks = false;
 };
 
 } // namespace servers
