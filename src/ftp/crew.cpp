@@ -101,7 +101,7 @@ Awaitable<bool> Crew::wait(Session &session)
             ignoreError(alive, "the session says itself whether it is usable");
         }
     }
-    co_return m_open > 0 && !m_stopped;
+    co_return m_open > 0 && !m_stopped && (!m_homeward || isFirst(session));
 }
 
 Hooks Crew::quietHooks() const
@@ -192,11 +192,16 @@ Awaitable<Status> Crew::reopenWhileOthersWork()
 {
     Status opened = co_await reopen();
     while (!opened && m_helpers > 0 && m_open > 0 && !m_stopped && !m_client.aborted()) {
+        if (m_waiting == m_helpers) { // what is left only the first session may do
+            m_homeward = true;
+            wakeAll();
+        }
         const bool changed = co_await news();
         if (!changed || m_helpers == 0) {
             opened = co_await reopen();
         }
     }
+    m_homeward = false;
     co_return opened;
 }
 

@@ -101,6 +101,7 @@ private:
     int m_waiting = 0; ///< workers with nothing to do
     int m_helpers = 0; ///< sessions besides the first, also those still logging in
     bool m_lost = false; ///< the first session ended before the work did
+    bool m_homeward = false; ///< helpers leave, so that the server takes the first one back
     bool m_full = false; ///< the server takes no more
     bool m_stopped = false;
 };

@@ -115,3 +115,22 @@ TEST_F(CrewAtWork, FoldersThatCannotBeMadeAtAllEndTheUpload)
     EXPECT_THAT(server.lines("STOR"), testing::IsEmpty());
     EXPECT_EQ(server.sessions(), 4);
 }
+
+TEST_F(CrewAtWork, HelpersLeaveWhenTheFirstSessionIsNeededAndHasNoRoom)
+{
+    fill(60);
+    server.fault.replyDelay = 5; // so that there is time for others to join
+    server.on({ .verb = "RETR",
+                .argument = "*/2*",
+                .text = "450 Busy",
+                .fromSession = 2,
+                .toSession = 3 });
+    ftp::Client &client = connected(ftp::Encryption::Never, 3);
+    begin(ftp::getTree(client, "/web", local("web"), Type::Binary));
+    workUntil([&] { return server.openSessions() == 3; });
+    server.fault.maxSessions = 2;
+    server.on({ .verb = "RETR", .action = servers::Rule::Drop, .toSession = 1, .times = 1 });
+    workUntil([] { return false; });
+    ASSERT_TRUE(*m_outcome) << m_outcome->error().text;
+    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+}
