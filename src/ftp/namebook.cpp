@@ -38,7 +38,7 @@ void NameBook::keep(std::string_view folder, std::string_view name, std::string_
     learn(raw);
     if (name != raw) {
         m_raw[joinPath(folder, name)] = raw;
-    } else if (!m_raw.empty() && !isAscii(raw)) {
+    } else if (!m_raw.empty()) {
         m_raw.erase(joinPath(folder, name)); // another file had this text earlier
     }
 }

@@ -34,11 +34,21 @@ void OddNames::compare(std::string_view raw)
     if (const auto odd = m_raw.find(raw); odd != m_raw.end()) {
         m_alike.insert(odd->second);
     }
+    if (raw.find('%') != std::string_view::npos) {
+        m_percents.emplace(raw);
+    }
 }
 
 std::string OddNames::text(std::string_view raw) const
 {
-    return m_alike.contains(raw) ? escaped(raw) : toUtf8(raw);
+    if (!m_alike.contains(raw)) {
+        return toUtf8(raw);
+    }
+    std::string text = escaped(raw);
+    while (m_percents.contains(text)) {
+        text += '%';
+    }
+    return text;
 }
 
 } // namespace ftp

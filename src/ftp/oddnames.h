@@ -25,6 +25,7 @@ public:
 private:
     std::map<std::string, std::string, std::less<>> m_raw; ///< by their usual text
     std::set<std::string, std::less<>> m_alike; ///< raw names whose usual text is another name
+    std::set<std::string, std::less<>> m_percents; ///< names that look as if written with "%E4"
 };
 
 } // namespace ftp

@@ -52,6 +52,20 @@ TEST_F(OddNames, TwoNamesWithOneTextAreKeptApartInTheListing)
     EXPECT_EQ(servers::readFile(local("x")), "neu");
 }
 
+TEST_F(OddNames, AFileThatIsReallyCalledSoKeepsItsName)
+{
+    store(latin, "alt");
+    store(utf8, "neu");
+    store("gr%FC%DF.txt", "so genannt");
+    ftp::Client &client = connected();
+    EXPECT_THAT(listed(client), UnorderedElementsAre("gr%FC%DF.txt%", "gr%FC%DF.txt", utf8));
+    ASSERT_TRUE(run(client.removeFile("gr%FC%DF.txt")));
+    EXPECT_EQ(stored(latin), "alt");
+    ASSERT_TRUE(run(client.removeFile("gr%FC%DF.txt%")));
+    EXPECT_EQ(stored(utf8), "neu");
+    EXPECT_THAT(listed(client), ElementsAre(utf8));
+}
+
 TEST_F(OddNames, ATextThatBelongsToAnotherFileByNowMeansThatOne)
 {
     store(latin, "alt");
