@@ -31,6 +31,10 @@ public:
     /// Sends a command and returns its final reply, whatever it says.
     Awaitable<Result<Reply>> ask(std::string command);
 
+    /// The same for a command that nobody may read: servers that repeat it in their replies are
+    /// told with stars in its place.
+    Awaitable<Result<Reply>> askSecretly(std::string verb, std::string secret);
+
     [[nodiscard]] ControlLine &line() { return m_line; }
     [[nodiscard]] Milliseconds limit() const { return m_limit; }
     void setLimit(Milliseconds limit) { m_limit = limit; }
@@ -46,6 +50,7 @@ private:
     ControlLine &m_line;
     Milliseconds m_limit;
     Listener m_listener;
+    std::string m_verb, m_secret; ///< of the command that is asked secretly
     bool m_muted = false;
 };
 

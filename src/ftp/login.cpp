@@ -7,13 +7,20 @@
 namespace ftp {
 namespace {
 
-bool containsAny(const std::string &text, std::initializer_list<std::string_view> words)
+bool isLetter(char letter) { return std::isalpha(static_cast<unsigned char>(letter)) != 0; }
+
+/// Whether a text has one of these words. What follows it counts as its ending ("encrypted").
+bool hasWord(const std::string &text, std::initializer_list<std::string_view> words)
 {
     std::string lower = text;
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     return std::any_of(words.begin(), words.end(), [&](std::string_view word) {
-        return lower.find(word) != std::string::npos;
+        std::size_t at = lower.find(word);
+        while (at != std::string::npos && at > 0 && isLetter(lower[at - 1])) {
+            at = lower.find(word, at + 1); // the end of a user's name, say
+        }
+        return at != std::string::npos;
     });
 }
 
@@ -22,7 +29,7 @@ Awaitable<Status> sendAccount(Dialogue &dialogue, std::string account, Reply wan
     if (account.empty()) {
         co_return fail(ErrorKind::LoginRefused, wanted.text(), wanted.code);
     }
-    auto answer = co_await dialogue.ask("ACCT " + account);
+    auto answer = co_await dialogue.askSecretly("ACCT ", account);
     if (!answer) {
         co_return tl::unexpected(answer.error());
     }
@@ -40,11 +47,20 @@ Awaitable<Result<Reply>> readGreeting(Dialogue &dialogue)
     co_return greeting;
 }
 
+Awaitable<Result<Reply>> askPastGreeting(Dialogue &dialogue, std::string command)
+{
+    auto answer = co_await dialogue.ask(std::move(command));
+    if (answer && answer->code == 220) {
+        answer = co_await dialogue.finalReply();
+    }
+    co_return answer;
+}
+
 Awaitable<Status> loginAs(Dialogue &dialogue, std::string user, Credentials credentials)
 {
-    auto answer = co_await dialogue.ask("USER " + user);
+    auto answer = co_await askPastGreeting(dialogue, "USER " + user);
     if (answer && answer->code == 331) {
-        answer = co_await dialogue.ask("PASS " + credentials.password);
+        answer = co_await dialogue.askSecretly("PASS ", credentials.password);
     }
     if (!answer) {
         co_return tl::unexpected(answer.error());
@@ -91,10 +107,10 @@ Error loginError(Error error, bool encrypted)
         return error;
     }
     if (!encrypted
-        && containsAny(error.text, { "tls", "ssl", "encrypt", "cleartext", "use auth" })) {
+        && hasWord(error.text, { "tls", "ssl", "encrypt", "unencrypt", "cleartext", "use auth" })) {
         error.kind = ErrorKind::TlsRequired;
     } else if (error.replyCode == 421
-               || containsAny(error.text, { "too many", "maximum", "already connected" })) {
+               || hasWord(error.text, { "too many", "maximum", "already connected" })) {
         error.kind = ErrorKind::TooManyConnections;
     } else {
         error.kind = ErrorKind::LoginRefused;

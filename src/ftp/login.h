@@ -15,6 +15,10 @@ struct Credentials {
 /// Waits for the greeting (RFC 959, section 5.4: 120 may come before 220).
 Awaitable<Result<Reply>> readGreeting(Dialogue &dialogue);
 
+/// Asks what comes first on a connection. Some proxies let a command through and pass the server's
+/// greeting (220) on behind it, which is not its answer.
+Awaitable<Result<Reply>> askPastGreeting(Dialogue &dialogue, std::string command);
+
 /// USER, PASS, ACCT as far as the server asks for them (RFC 959, section 5.4).
 /// @param user  what USER says; may hold more than the name when a proxy is asked
 Awaitable<Status> loginAs(Dialogue &dialogue, std::string user, Credentials credentials);

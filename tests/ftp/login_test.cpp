@@ -94,6 +94,36 @@ TEST(Login, RefusesAPasswordThatWouldCarryACommand)
     EXPECT_EQ(login.error().kind, ErrorKind::BadArgument);
 }
 
+TEST(Login, AGreetingThatComesLateIsNoAnswerToTheUser)
+{
+    ScriptedLine line;
+    line.client("USER web01")
+        .server("220 web space ready")
+        .server("331 ?")
+        .client("PASS geheim")
+        .server("530 Login incorrect.");
+    EXPECT_FALSE(loginBy(line, { "web01", "geheim", {} }));
+    EXPECT_TRUE(line.finished());
+}
+
+TEST(Login, AServerThatRepeatsThePasswordIsToldWithStars)
+{
+    ScriptedLine line;
+    line.client("USER web01")
+        .server("331 ?")
+        .client("PASS geheim")
+        .server("500 'PASS geheim': command not understood.");
+    asio::io_context context;
+    std::vector<std::string> heard;
+    Dialogue dialogue(line, Milliseconds(1000),
+                      [&heard](const ftp::Reply &reply) { heard.push_back(reply.text()); });
+    const Credentials credentials { "web01", "geheim", {} };
+    const Status login = runOn(context, ftp::loginAs(dialogue, "web01", credentials));
+    ASSERT_FALSE(login);
+    EXPECT_EQ(login.error().text, "500 'PASS ***': command not understood.");
+    EXPECT_EQ(heard.back(), "500 'PASS ***': command not understood.");
+}
+
 TEST(LoginError, TellsTheReasonsOfARefusalApart)
 {
     const auto kind = [](int code, const char *text, bool encrypted = false) {
@@ -111,6 +141,9 @@ TEST(LoginError, TellsTheReasonsOfARefusalApart)
               ErrorKind::TlsRequired);
     EXPECT_EQ(kind(530, "530 SSL user unknown", true), ErrorKind::LoginRefused);
     EXPECT_EQ(kind(0, "Connection refused"), ErrorKind::Refused);
+    // Names of users are no words about encryption.
+    EXPECT_EQ(kind(530, "530 User kessler cannot log in."), ErrorKind::LoginRefused);
+    EXPECT_EQ(kind(530, "530 kessler: unencrypted logins are off"), ErrorKind::TlsRequired);
 }
 
 TEST(ProxyLogin, SiteLogsInAtTheProxyAndNamesTheServer)
