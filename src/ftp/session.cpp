@@ -169,6 +169,10 @@ Awaitable<Status> Session::logIn()
         if (wanted) {
             co_return fail(ErrorKind::TlsFailed, "This kind of proxy does not allow encryption");
         }
+        if (m_login.encryption == Encryption::Automatic) {
+            note("Über diesen Proxy ist keine Verschlüsselung möglich; die Verbindung ist "
+                 "unverschlüsselt.");
+        }
     } else {
         Status encryption = co_await encrypt();
         if (!encryption) {
@@ -186,7 +190,7 @@ Awaitable<Status> Session::encrypt()
         co_return Status {};
     }
     m_dialogue->setMuted(true); // a refusal is told by the note below
-    auto answer = co_await m_dialogue->ask("AUTH TLS");
+    auto answer = co_await askPastGreeting(*m_dialogue, "AUTH TLS");
     m_dialogue->setMuted(false);
     if (!answer) {
         co_return tl::unexpected(answer.error());
@@ -359,7 +363,8 @@ Awaitable<Status> Session::quit()
 Awaitable<Result<Reply>> Session::ask(std::string command)
 {
     if (!usable()) {
-        co_return fail(ErrorKind::NotConnected, "Not connected");
+        co_return m_aborted ? fail(ErrorKind::Aborted, "Aborted")
+                            : fail(ErrorKind::NotConnected, "Not connected");
     }
     auto answer = co_await m_dialogue->ask(std::move(command));
     if (!answer && answer.error().kind != ErrorKind::BadArgument) {

@@ -63,7 +63,7 @@ struct ServerKnowledge {
     bool keepsOrder = false; ///< is known to carry out commands in order, also during transfers
     bool noExtendedPassive = false, noPassive = false;
     bool noSize = false, noModificationTime = false, noSetTime = false;
-    bool plainListOnly = false; ///< "LIST -a" was refused or gave nothing
+    bool plainListOnly = false; ///< "LIST -a" was refused where "LIST" was not
     std::uint64_t packets = 0; ///< packets of commands sent, over all sessions
     std::optional<bool> restart; ///< transfers can be restarted at an offset
     std::optional<std::int64_t>
@@ -141,12 +141,6 @@ public:
     bool dataProven = false;
     /// The facts of machine listings were chosen.
     bool factsChosen = false;
-    /// Where to count transferred bytes to in transfers that run beside others.
-    void setProgressHook(std::function<void(std::int64_t, std::int64_t)> hook)
-    {
-        m_hooks.progress = std::move(hook);
-    }
-    void setReplyHook(std::function<void(const Reply &)> hook) { m_hooks.reply = std::move(hook); }
 
     /// Data connections register while they live, so that abort reaches them.
     void addDataConnection(DataConnection *data) { m_data.push_back(data); }

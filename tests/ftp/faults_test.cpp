@@ -357,6 +357,20 @@ TEST_F(Faults, WithoutAnOfferTheAutomaticChoiceGoesOnInClearAndSaysSo)
     EXPECT_EQ(client.certificateQuestions(), 0);
 }
 
+TEST_F(Faults, BehindAProxyThatNamesTheServerTheAutomaticChoiceSaysThatItGoesOnInClear)
+{
+    TestClient &client = login(ftp::Encryption::Automatic);
+    client.login().proxy.kind = ftp::ProxyKind::UserNoLogin;
+    client.login().proxy.host = "127.0.0.1";
+    client.login().proxy.port = server.port();
+    client.login().host = "web.example.org";
+    client.login().port = 21;
+    EXPECT_FALSE(client.open()); // the server knows nobody of that name
+    EXPECT_EQ(server.lines("USER"), std::vector<std::string> { "USER web01@web.example.org" });
+    ASSERT_EQ(client.notes().size(), 1U);
+    EXPECT_TRUE(client.notes().front().starts_with("Über diesen Proxy ist keine Verschlüsselung"));
+}
+
 TEST_F(Faults, WithoutAnOfferTheStrictChoiceSendsNoPassword)
 {
     const auto opened = login(ftp::Encryption::Always).open();
