@@ -85,6 +85,7 @@ private:
     std::vector<DoomedPointer> m_jobs;
     DoomedPointer m_top;
     bool m_keepTop = false;
+    bool m_linkGone = false; ///< the top was a link and was removed as such
 };
 
 /// Enters a folder. @return whether that led into another one, so that it is a link
@@ -99,6 +100,16 @@ Awaitable<Result<bool>> TreeRemover::enter(Session &session, DoomedPointer folde
         if (nature->link) {
             co_return true;
         }
+        if (!nature->known && !m_keepTop) { // no server removes a folder as a file
+            auto removed = co_await session.ask(deletion + folder->path);
+            if (!removed) {
+                co_return tl::unexpected(removed.error());
+            }
+            if (removed->done()) {
+                m_linkGone = true;
+                co_return true;
+            }
+        }
         above = nature->above;
     }
     auto here = co_await enterFolder(session, folder->path);
@@ -112,7 +123,7 @@ Awaitable<Result<bool>> TreeRemover::enter(Session &session, DoomedPointer folde
 /// Removes the link itself and nothing that it leads to.
 Awaitable<Status> TreeRemover::removeLink(Session &session, const DoomedPointer &link)
 {
-    if (m_keepTop) {
+    if (m_keepTop || m_linkGone) {
         co_return Status {};
     }
     for (const char *verb : { "DELE ", "RMD " }) {
@@ -268,6 +279,7 @@ Awaitable<Status> TreeRemover::work(Session &session)
         if (!emptied) {
             if (++folder->tries < mostTries && emptied.error().kind != ErrorKind::Aborted) {
                 m_jobs.push_back(folder);
+                m_crew.jobReturned();
             } else {
                 refuse(folder->path, emptied.error());
                 m_crew.jobDone();

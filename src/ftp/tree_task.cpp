@@ -62,6 +62,7 @@ void TreeTask::brokeOff(Session &session, Job job, const Error &error)
         refused(session, std::move(job), error);
     } else {
         putBack(std::move(job));
+        m_crew.jobReturned();
     }
 }
 

@@ -152,10 +152,10 @@ Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path)
     }
     auto above = co_await enterFolder(session, parentOf(path));
     if (!above) {
-        co_return session.usable() ? Result<FolderNature>(FolderNature {})
+        co_return session.usable() ? Result<FolderNature>(FolderNature { false, false, {} })
                                    : Result<FolderNature>(tl::unexpected(above.error()));
     }
-    FolderNature nature { false, std::move(*above) };
+    FolderNature nature { false, true, std::move(*above) };
     ListingParser::Take take = [&](const Entry &entry) {
         nature.link = nature.link || (entry.type == 'l' && entry.name == name);
     };
@@ -163,6 +163,7 @@ Awaitable<Result<FolderNature>> natureOf(Session &session, std::string path)
     if (!listed && (!session.usable() || !isFinalRefusal(listed.error()))) {
         co_return tl::unexpected(listed.error());
     }
+    nature.known = listed && !listed->isStrange();
     co_return nature;
 }
 

@@ -28,6 +28,7 @@ Awaitable<Result<std::string>> enterFolder(Session &session, std::string path);
 /// What a listing of the folder above tells about a folder.
 struct FolderNature {
     bool link = false; ///< it is no folder but a link
+    bool known = true; ///< false when the folder above may never be entered or listed
     std::string above; ///< where the server says that the folder above is; empty = unknown
 };
 /// Looks into the folder above. A folder above that may never be entered or listed tells nothing.

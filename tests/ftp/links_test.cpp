@@ -117,6 +117,16 @@ TEST_F(LinksOnlyInLists, AreKeptAsTopOfWhatIsRemoved)
     expectKept();
 }
 
+TEST_F(LinksOnlyInLists, AreRemovedAsLinksWhereTheFolderAboveMayNotBeListed)
+{
+    link("../andere");
+    server.on({ .verb = "LIST", .text = "550 Permission denied.", .times = 2 });
+    ftp::Client &client = connected();
+    EXPECT_TRUE(run(ftp::removeTree(client, "/web/verweis")));
+    EXPECT_FALSE(fs::exists(fs::symlink_status(server.root() / "web" / "verweis")));
+    expectKept();
+}
+
 TEST_F(LinksOnlyInLists, ToFilesKeepTheModesOfWhatTheyLeadToWhereNoFolderStandsBesideThem)
 {
     link("../andere/b.txt");
