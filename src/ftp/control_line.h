@@ -52,12 +52,10 @@ public:
     {
         return m_begin < m_buffer.size() || m_parser.inReply() || m_stream->holdsBytes();
     }
-    /// Last complete reply, for the case that the server hung up behind a 421.
-    [[nodiscard]] const Reply &lastReply() const { return m_last; }
     void abort() { m_stream->abort(); }
 
 private:
-    /// Next line without its end (CR LF or LF alone). Empty optional: read more.
+    /// Next line without its end (CR LF or LF alone). @return false when more must be read first
     [[nodiscard]] bool takeLine(std::string &line);
     Awaitable<Status> readMore(Milliseconds limit);
 
@@ -68,7 +66,7 @@ private:
     std::size_t m_begin = 0;
     std::string m_out; ///< queued commands
     ReplyParser m_parser;
-    Reply m_last;
+    Reply m_last; ///< for the case that the server hangs up behind a 421
     bool m_doubleIac = false;
 };
 

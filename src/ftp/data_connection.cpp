@@ -244,7 +244,8 @@ void DataConnection::drainAndClose()
 {
     std::array<char, 16384> rest {};
     const auto handle = m_stream->socket().native_handle();
-    while (m_stream->encrypted() && m_stream->socket().is_open()
+    int most = 64; // the peer has said that nothing comes any more
+    while (most-- > 0 && m_stream->encrypted() && m_stream->socket().is_open()
            && ::recv(handle, rest.data(), rest.size(), MSG_DONTWAIT) > 0) { }
     m_stream->close();
 }

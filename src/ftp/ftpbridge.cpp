@@ -82,8 +82,7 @@ ftp::Hooks FtpBridge::hooks()
         self->event(ftpStatus(reply), ftpText(reply.text()) + QStringLiteral("\r\n"), 0, 0);
     };
     made.note = [self](const std::string &text) {
-        self->event(FtpEvent::Completed, QString::fromStdString(text) + QStringLiteral("\r\n"), 0,
-                    0);
+        self->event(FtpEvent::Completed, ftpText(text) + QStringLiteral("\r\n"), 0, 0);
     };
     made.progress = [self](std::int64_t bytes, std::int64_t total) {
         self->event(FtpEvent::InProgress, {}, bytes, total);

@@ -62,8 +62,8 @@ public:
     virtual FtpStatus sendRaw(const QString &command) = 0;
     virtual FtpStatus removeTree(const QString &folder) = 0;
     /// Deletes single files, many in one round trip.
-    /// @param done  called in their order, on the caller's thread and before the call returns, for
-    ///              every file that was tried
+    /// @param done  called on the caller's thread and before the call returns, for every file that
+    ///              was tried
     virtual FtpStatus removeFiles(const QStringList &paths, const FtpFileDone &done) = 0;
 
     /// Counts what stands inside folders; links are not followed.

@@ -71,11 +71,12 @@ Awaitable<Status> IdleWatch::watch()
     auto &socket = m_session.line().stream().socket();
     for (;;) {
         std::error_code error;
-        auto elapsed = std::make_shared<bool>(false); // the handler may run after this round
+        enum class Round { Waits, Elapsed, Over };
+        auto round = std::make_shared<Round>(Round::Waits); // the handler may run behind it
         m_timer.expires_after(m_every);
-        m_timer.async_wait([&socket, elapsed](const std::error_code &cancelled) {
-            if (!cancelled) {
-                *elapsed = true;
+        m_timer.async_wait([&socket, round](const std::error_code &cancelled) {
+            if (!cancelled && *round == Round::Waits) {
+                *round = Round::Elapsed;
                 std::error_code ignored; // nobody waits then
                 socket.cancel(ignored);
             }
@@ -83,15 +84,15 @@ Awaitable<Status> IdleWatch::watch()
         co_await socket.async_wait(asio::ip::tcp::socket::wait_read,
                                    asio::redirect_error(asio::use_awaitable, error));
         m_timer.cancel();
+        const bool elapsed = std::exchange(*round, Round::Over) == Round::Elapsed;
         if (m_stopping || !m_session.usable()) {
             co_return Status {};
         }
-        if (!*elapsed && !hasNews(socket)) {
+        if (!elapsed && !hasNews(socket)) {
             continue;
         }
         Status alive;
-        const bool asked = *elapsed;
-        if (asked) {
+        if (elapsed) {
             alive = co_await keepAlive();
         } else {
             // Unasked: a farewell (421), the end of the line, or TLS tickets without any reply.
@@ -101,11 +102,11 @@ Awaitable<Status> IdleWatch::watch()
             }
             alive = said ? Status {} : Status(tl::unexpected(said.error()));
         }
-        if (!alive && m_stopping && !asked) {
+        if (!alive && m_stopping && !elapsed) {
             co_return Status {}; // the reading was ended by stop(); a lost line shows in the next
                                  // command
         }
-        unasked = asked ? 0 : unasked + 1;
+        unasked = elapsed ? 0 : unasked + 1;
         if (alive && unasked > mostUnasked) {
             alive = fail(ErrorKind::Protocol, "The server talks without being asked");
         }

@@ -146,17 +146,4 @@ Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take 
     co_return co_await readPlainListing(session, std::move(take));
 }
 
-Awaitable<Result<Listing>> listCurrentFolder(Session &session)
-{
-    Listing listing;
-    ListingParser::Take take
-        = [&listing](Entry &&entry) { listing.entries.push_back(std::move(entry)); };
-    auto end = co_await readListing(session, std::move(take));
-    if (!end) {
-        co_return tl::unexpected(end.error());
-    }
-    listing.understood = end->understood;
-    co_return listing;
-}
-
 } // namespace ftp

@@ -83,7 +83,7 @@ public:
     Awaitable<Status> write(std::string_view bytes, Milliseconds limit);
     /// Tells the peer that nothing more comes: close_notify when encrypted, then a half-close.
     Awaitable<Status> finishSending(Milliseconds limit);
-    /// Lets the peer go on reading and writing; nothing waits any more.
+    /// Closes the socket; what still waits for it ends.
     void close();
     /// Ends pending waits with ErrorKind::Aborted.
     void abort();

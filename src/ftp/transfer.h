@@ -79,8 +79,6 @@ Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take 
 /// The same by LIST, which shows links as such on every known server; machine listings do not
 /// always.
 Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::Take take);
-/// readListing() in one piece.
-Awaitable<Result<Listing>> listCurrentFolder(Session &session);
 
 /// A single file to be fetched.
 struct GetRequest {

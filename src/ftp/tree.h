@@ -31,8 +31,9 @@ Awaitable<Status> removeTree(Client &client, std::string folder);
 /// Hears what became of the file of that index.
 using FileDone = std::function<void(std::size_t index, Status done)>;
 /// Deletes single files, many in one round trip.
-/// @param done  called in their order, for every file that was tried; when the line breaks, also
-///              for those whose fate is unknown
+/// @param done  called for every file that was tried, in their order but for names that no command
+///              may carry, which are told at once; when the line breaks, also for those whose fate
+///              is unknown
 Awaitable<Status> removeFiles(Client &client, std::vector<std::string> paths, FileDone done);
 
 /// What stands inside folders; links count as files.
