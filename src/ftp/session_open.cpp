@@ -1,0 +1,293 @@
+// How a session is opened: connection, encryption, login, and what the server can do.
+#include "ftp/connect.h"
+#include "ftp/path.h"
+#include "ftp/session.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ftp {
+namespace {
+
+/// How long a pipelined answer may take before the server is suspected of having lost commands.
+constexpr Milliseconds pipelinePatience { 8000 };
+
+/// Servers known to lose commands that arrive in one packet.
+bool knownToStumble(const std::string &greeting)
+{
+    static constexpr std::array names { "icrosoft FTP Service", "MadGoat", "MikroTik" };
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char *name) { return greeting.find(name) != std::string::npos; });
+}
+
+/// Servers known to take no command before the transfer at hand has ended.
+bool knownToKeepOrder(const std::string &greeting)
+{
+    static constexpr std::array names { "vsFTPd", "ProFTPD", "Pure-FTPd" };
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char *name) { return greeting.find(name) != std::string::npos; });
+}
+
+} // namespace
+
+Awaitable<Status> Session::open()
+{
+    Status opened = co_await openOnce();
+    const bool stumbled
+        = !opened && opened.error().kind == ErrorKind::Timeout && m_usable && pipelining();
+    if (stumbled && !m_aborted) {
+        m_knowledge->noPipelining = true;
+        opened = co_await openOnce();
+    }
+    m_usable = opened.has_value();
+    if (!opened && m_line) {
+        m_line->stream().close();
+    }
+    co_return opened;
+}
+
+Awaitable<Status> Session::openOnce()
+{
+    m_usable = false;
+    m_encrypted = false;
+    m_type = Type::Unknown;
+    dataProven = factsChosen = false;
+    auto stream = std::make_unique<Stream>(m_executor);
+    Stream &connection = *stream;
+    m_line = std::make_unique<TcpControlLine>(std::move(stream), m_login.timeout,
+                                              m_knowledge->packets);
+    m_dialogue = std::make_unique<Dialogue>(*m_line, m_login.timeout, m_hooks.reply);
+    Status connected = co_await connectTo(connection, m_login.host, m_login.port, m_login.proxy,
+                                          m_login.timeout);
+    if (!connected) {
+        co_return connected;
+    }
+    if (m_aborted) {
+        co_return fail(ErrorKind::Aborted, "Aborted");
+    }
+    std::error_code ignored; // without keep-alive probes idle lines only die earlier
+    // Commands go out at once; on data connections it would cut what the kernel sends from files
+    // into uneven packets.
+    connection.socket().set_option(asio::ip::tcp::no_delay(true), ignored);
+    connection.socket().set_option(asio::socket_base::keep_alive(true), ignored);
+    auto greeting = co_await readGreeting(*m_dialogue);
+    if (!greeting) {
+        co_return tl::unexpected(loginError(greeting.error(), false));
+    }
+    m_greeting = greeting->text();
+    // A proxy that speaks FTP answers some commands itself, before the server has answered earlier
+    // ones.
+    const bool overtakes = m_login.proxy.application() && m_login.proxy.kind != ProxyKind::Pipe;
+    if (overtakes || knownToStumble(m_greeting)) {
+        m_knowledge->noPipelining = true;
+    }
+    m_knowledge->keepsOrder = !overtakes && knownToKeepOrder(m_greeting);
+    if (m_greeting.find("pyftpdlib") != std::string::npos) {
+        m_knowledge->noLookAhead = true;
+    }
+    const bool unescaped = m_greeting.find("vsFTPd") != std::string::npos
+        || m_greeting.find("Pure-FTPd") != std::string::npos;
+    m_line->setDoubleTelnetIac(!unescaped);
+    Status login = co_await logIn();
+    if (!login) {
+        co_return tl::unexpected(loginError(login.error(), m_encrypted));
+    }
+    m_usable = true;
+    co_return co_await setUp();
+}
+
+Awaitable<Status> Session::logIn()
+{
+    const Proxy &proxy = m_login.proxy;
+    const bool named = proxy.kind == ProxyKind::UserLogin || proxy.kind == ProxyKind::UserNoLogin;
+    if (proxy.application()) {
+        Status reached = co_await reachServer(*m_dialogue, proxy, m_login.host, m_login.port);
+        if (!reached) {
+            co_return reached;
+        }
+    }
+    if (named) {
+        // The server is named in USER, so there is no moment at which AUTH could reach it first.
+        const bool wanted = m_login.encryption == Encryption::Always
+            || (m_login.encryption == Encryption::Automatic
+                && m_knowledge->trust.seen(m_login.host, m_login.port));
+        if (wanted) {
+            co_return fail(ErrorKind::TlsFailed, "This kind of proxy does not allow encryption");
+        }
+        if (m_login.encryption == Encryption::Automatic) {
+            note("Über diesen Proxy ist keine Verschlüsselung möglich; die Verbindung ist "
+                 "unverschlüsselt.");
+        }
+    } else {
+        Status encryption = co_await encrypt();
+        if (!encryption) {
+            co_return encryption;
+        }
+    }
+    const std::string user
+        = proxyUserName(proxy, m_login.credentials.user, m_login.host, m_login.port);
+    co_return co_await loginAs(*m_dialogue, user, m_login.credentials);
+}
+
+Awaitable<Status> Session::encrypt()
+{
+    if (m_login.encryption == Encryption::Never) {
+        co_return Status {};
+    }
+    m_dialogue->setMuted(true); // a refusal is told by the note below
+    auto answer = co_await askPastGreeting(*m_dialogue, "AUTH TLS");
+    m_dialogue->setMuted(false);
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    if (!answer->done()) {
+        if (m_login.encryption == Encryption::Always) {
+            // Without the reply in the text: its "530" would be taken for a wrong password.
+            if (m_hooks.reply) {
+                m_hooks.reply(*answer);
+            }
+            co_return fail(ErrorKind::TlsFailed, "The server does not offer encryption");
+        }
+        if (m_knowledge->trust.seen(m_login.host, m_login.port)) {
+            co_return fail(
+                ErrorKind::TlsFailed,
+                "The server offered encryption before and does not any more; nothing was sent");
+        }
+        note("Der Server bietet keine Verschlüsselung an; die Verbindung ist unverschlüsselt.");
+        co_return Status {};
+    }
+    Status handshake = co_await m_line->startTls(m_tls, m_login.host, m_login.timeout);
+    if (!handshake) {
+        Error error = handshake.error();
+        if (error.kind == ErrorKind::ConnectionClosed) {
+            error = { ErrorKind::TlsFailed, 0, "TLS failed: the server closed the connection" };
+        }
+        co_return tl::unexpected(error);
+    }
+    m_encrypted = true;
+    co_return co_await checkCertificate();
+}
+
+Awaitable<Status> Session::checkCertificate()
+{
+    SSL *ssl = m_line->stream().ssl();
+    const CertificateProblem problem = certificateProblem(ssl);
+    const std::string fingerprint = fingerprintOf(ssl);
+    TrustStore &trust = m_knowledge->trust;
+    const std::string known = trust.fingerprint(m_login.host, m_login.port);
+    if (problem == CertificateProblem::None) {
+        ignoreError(trust.remember(m_login.host, m_login.port),
+                    "without the note the next login only asks again");
+        co_return Status {};
+    }
+    if (!fingerprint.empty() && (fingerprint == known || fingerprint == m_knowledge->trustedOnce)) {
+        co_return Status {};
+    }
+    Trust answer = Trust::Reject;
+    if (m_hooks.certificate) {
+        const CertificatePointer certificate(SSL_get1_peer_certificate(ssl));
+        CertificateQuestion question { m_login.host, {}, problem, !known.empty() };
+        if (certificate) {
+            question.certificate = describeCertificate(certificate.get());
+        }
+        answer = co_await m_hooks.certificate(question);
+    }
+    if (answer == Trust::Reject || m_aborted) {
+        co_return fail(ErrorKind::CertificateRejected, "The server's certificate is not trusted");
+    }
+    m_knowledge->trustedOnce = fingerprint;
+    const Status kept = answer == Trust::Always
+        ? trust.trust(m_login.host, m_login.port, fingerprint)
+        : trust.remember(m_login.host, m_login.port);
+    if (!kept) {
+        note(kept.error().text);
+    }
+    co_return Status {};
+}
+
+std::vector<std::string> Session::setUpCommands() const
+{
+    std::vector<std::string> commands;
+    if (m_encrypted) {
+        commands.insert(commands.end(), { "PBSZ 0", "PROT P" });
+    }
+    if (m_greeting.find("NetWare") == std::string::npos) { // dies of commands it does not know
+        commands.emplace_back("FEAT");
+        commands.emplace_back("OPTS UTF8 ON");
+    }
+    commands.insert(commands.end(), { "TYPE I", "PWD" });
+    return commands;
+}
+
+Status Session::takeSetUpReply(std::string_view command, const Reply &reply)
+{
+    if (command == "PROT P" && !reply.done()) {
+        return fail(ErrorKind::TlsFailed, "The server does not encrypt data connections");
+    }
+    if (command == "FEAT" && reply.done()) {
+        m_features = parseFeat(reply);
+    }
+    if (command == "TYPE I" && reply.done()) {
+        m_type = Type::Binary;
+    }
+    if (command == "PWD" && reply.done()) {
+        m_folder = parsePwd(reply.lines.back()).value_or("/");
+    }
+    return {};
+}
+
+Awaitable<Status> Session::setUp()
+{
+    const std::vector<std::string> commands = setUpCommands();
+    if (!pipelining()) {
+        co_return co_await setUpOneByOne();
+    }
+    for (const std::string &command : commands) {
+        Status queued = m_line->queue(command);
+        if (!queued) {
+            co_return queued;
+        }
+    }
+    Status sent = co_await m_line->flush();
+    if (!sent) {
+        co_return sent;
+    }
+    Status result;
+    m_dialogue->setMuted(true);
+    for (const std::string &command : commands) {
+        auto answer = co_await m_dialogue->reply(std::min(m_login.timeout, pipelinePatience));
+        if (!answer) {
+            m_dialogue->setMuted(false);
+            co_return tl::unexpected(answer.error());
+        }
+        Status taken = takeSetUpReply(command, *answer);
+        if (!taken) {
+            result = taken;
+        }
+        if (m_hooks.reply && answer->done()) {
+            m_hooks.reply(*answer); // refusals of what was only tried are no news
+        }
+    }
+    m_dialogue->setMuted(false);
+    co_return result;
+}
+
+Awaitable<Status> Session::setUpOneByOne()
+{
+    for (const std::string &command : setUpCommands()) {
+        if (command == "OPTS UTF8 ON" && !m_features.utf8) {
+            continue;
+        }
+        auto answer = co_await m_dialogue->ask(command);
+        if (!answer) {
+            co_return tl::unexpected(answer.error());
+        }
+        Status taken = takeSetUpReply(command, *answer);
+        if (!taken) {
+            co_return taken;
+        }
+    }
+    co_return Status {};
+}
+
+} // namespace ftp
