@@ -2,7 +2,7 @@
 
 #include "app/commandline.h"
 #include "app/frm_tarvelo.h"
-#include "app/indicatorstyle.h"
+#include "app/fusionstyle.h"
 #include "app/qtsetup.h"
 #include "app/startup.h"
 #include "app/traynotifier.h"
@@ -132,6 +132,6 @@ int runProgram(int argc, char **argv)
     QGuiApplication::setDesktopFileName(u"tarvelo-ftp"_s);
     QTranslator texts;
     installGermanTexts(texts);
-    IndicatorStyle::install();
+    FusionStyle::install();
     return Run(commandLineText(QCoreApplication::arguments().mid(1))).exec();
 }

@@ -1,4 +1,4 @@
-#include "app/indicatorstyle.h"
+#include "app/fusionstyle.h"
 
 #include <QCheckBox>
 #include <QImage>
@@ -35,9 +35,9 @@ int brightest(const QImage &image)
 
 } // namespace
 
-TEST(IndicatorStyle, EmptyBoxesAndOptionsShowOnADarkDesktopAndStayOnALightOne)
+TEST(FusionStyle, EmptyBoxesAndOptionsShowOnADarkDesktopAndStayOnALightOne)
 {
-    IndicatorStyle ours;
+    FusionStyle ours;
     const std::unique_ptr<QStyle> usual(QStyleFactory::create(QStringLiteral("fusion")));
     QPalette dark(QColor(0x31, 0x33, 0x38), QColor(0x2b, 0x2d, 0x31));
     dark.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));

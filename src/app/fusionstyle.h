@@ -4,11 +4,11 @@
 
 /// Qt's own style with check boxes and options that show on a dark desktop, where it draws their
 /// edges in black.
-class IndicatorStyle final : public QProxyStyle {
+class FusionStyle final : public QProxyStyle {
     Q_OBJECT
 
 public:
-    IndicatorStyle();
+    FusionStyle();
     /// Takes the place of Qt's own style; the style of a desktop stays.
     static void install();
 

@@ -1,4 +1,4 @@
-#include "app/indicatorstyle.h"
+#include "app/fusionstyle.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -6,19 +6,19 @@
 
 using namespace Qt::StringLiterals;
 
-IndicatorStyle::IndicatorStyle()
+FusionStyle::FusionStyle()
     : QProxyStyle(u"fusion"_s)
 {
 }
 
-void IndicatorStyle::install()
+void FusionStyle::install()
 {
     if (QApplication::style()->name() == "fusion"_L1) {
-        QApplication::setStyle(new IndicatorStyle);
+        QApplication::setStyle(new FusionStyle);
     }
 }
 
-void IndicatorStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
+void FusionStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
                                    QPainter *painter, const QWidget *widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
