@@ -2,6 +2,8 @@
 
 #include <QCheckBox>
 #include <QImage>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QStyleFactory>
 #include <gtest/gtest.h>
@@ -50,5 +52,38 @@ TEST(FusionStyle, EmptyBoxesAndOptionsShowOnADarkDesktopAndStayOnALightOne)
         EXPECT_GE(brightest(drawn(*button, ours, dark)), ground + 60);
         EXPECT_EQ(drawn(*button, ours, light), drawn(*button, *usual, light));
         button->setStyle(nullptr);
+    }
+}
+
+TEST(FusionStyle, TextsOfButtonsHaveRoomAndShortOnesAreAsWideAsTheirNeighbours)
+{
+    FusionStyle ours;
+    const auto width = [&ours](const QString &text) {
+        QPushButton button(text);
+        button.setStyle(&ours);
+        const int result = button.sizeHint().width();
+        button.setStyle(nullptr);
+        return result;
+    };
+    const QString text = QStringLiteral("Diesem Server immer vertrauen");
+    EXPECT_GE(width(text), QPushButton(text).fontMetrics().horizontalAdvance(text) + 24);
+    EXPECT_EQ(width(QStringLiteral("OK")), width(QStringLiteral("Ja")));
+}
+
+TEST(FusionStyle, ButtonsOfBoxesLookLikeAllOthers)
+{
+    FusionStyle ours;
+    QMessageBox box;
+    box.setStyle(&ours);
+    EXPECT_EQ(ours.styleHint(QStyle::SH_DialogButtonBox_ButtonsHaveIcons, nullptr, &box, nullptr),
+              0);
+}
+
+TEST(FusionStyle, BoxesShowTheProgramsOwnIconsAtEverySize)
+{
+    FusionStyle ours;
+    for (const auto kind : { QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxCritical }) {
+        const QIcon icon = ours.standardIcon(kind, nullptr, nullptr);
+        EXPECT_EQ(icon.pixmap(64).size(), QSize(64, 64));
     }
 }
