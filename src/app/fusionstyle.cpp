@@ -53,6 +53,12 @@ QSize FusionStyle::sizeFromContents(ContentsType type, const QStyleOption *optio
         constexpr int least = 92; // "Abbrechen", so that its neighbours are as wide
         size.setWidth(std::max(contents.width() + 2 * margin, least));
     }
+    if (type == CT_MenuBarItem) {
+        // Every item draws the bar's lower edge, so it must reach down to it, also where a tool
+        // button in a corner makes the bar taller.
+        constexpr int toolButton = 23;
+        size.setHeight(std::max(size.height(), toolButton));
+    }
     return size;
 }
 

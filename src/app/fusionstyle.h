@@ -3,8 +3,8 @@
 #include <QProxyStyle>
 
 /// Qt's own style, with what it lacks: check boxes and options that show on a dark desktop, where
-/// it draws their edges in black; buttons whose texts have room and that all look alike; the
-/// program's own icons in boxes.
+/// it draws their edges in black; buttons whose texts have room and that all look alike; a menu bar
+/// without loose lines; the program's own icons in boxes.
 class FusionStyle final : public QProxyStyle {
     Q_OBJECT
 

@@ -2,10 +2,12 @@
 
 #include <QCheckBox>
 #include <QImage>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyleFactory>
+#include <QToolButton>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -77,6 +79,20 @@ TEST(FusionStyle, ButtonsOfBoxesLookLikeAllOthers)
     box.setStyle(&ours);
     EXPECT_EQ(ours.styleHint(QStyle::SH_DialogButtonBox_ButtonsHaveIcons, nullptr, &box, nullptr),
               0);
+}
+
+TEST(FusionStyle, MenusReachDownToTheEdgeOfTheirBar)
+{
+    FusionStyle ours;
+    QMenuBar bar;
+    auto *corner = new QToolButton(&bar);
+    corner->setIcon(ours.standardIcon(QStyle::SP_MessageBoxWarning, nullptr, nullptr));
+    corner->setStyle(&ours);
+    bar.setStyle(&ours);
+    bar.addMenu(QStringLiteral("Datei"));
+    bar.setCornerWidget(corner);
+    bar.resize(bar.sizeHint());
+    EXPECT_EQ(bar.actionGeometry(bar.actions().first()).bottom(), bar.rect().bottom());
 }
 
 TEST(FusionStyle, BoxesShowTheProgramsOwnIconsAtEverySize)
