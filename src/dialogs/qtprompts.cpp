@@ -1,6 +1,7 @@
 #include "dialogs/qtprompts.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QLabel>
 #include <QPushButton>
@@ -24,12 +25,33 @@ void addButton(QMessageBox &box, QMessageBox::StandardButton button, const QStri
     added->setShortcut(QKeySequence(Qt::ALT | static_cast<Qt::Key>(text.at(0).unicode())));
 }
 
+/// A box without an icon keeps a gap in its place, so that its margins are not equal.
+void closeIconGap(const QMessageBox &box)
+{
+    auto *grid = qobject_cast<QGridLayout *>(box.layout());
+    QLayoutItem *gap = grid != nullptr ? grid->itemAtPosition(0, 0) : nullptr;
+    if (gap != nullptr && gap->spacerItem() != nullptr) {
+        gap->spacerItem()->changeSize(0, 1, QSizePolicy::Fixed, QSizePolicy::Fixed);
+        grid->setColumnStretch(1, 1); // all room is the text's
+        QMargins margins = grid->contentsMargins();
+        margins.setLeft(margins.left() - grid->horizontalSpacing());
+        grid->setContentsMargins(margins);
+    }
+}
+
 /// Texts hold names from servers, which must not be taken for markup.
 void showPlainTexts(QWidget &box)
 {
     for (auto *label : box.findChildren<QLabel *>()) {
         label->setTextFormat(Qt::PlainText);
     }
+}
+
+void setDetails(QMessageBox &box, const QString &details)
+{
+    box.setInformativeText(boxText(details)); // lays out the box anew
+    closeIconGap(box);
+    showPlainTexts(box);
 }
 
 } // namespace
@@ -51,8 +73,7 @@ void QtPrompts::prepare(QMessageBox &box, const QString &text, const QString &ti
 {
     box.setWindowTitle(titleOr(title));
     box.setText(boxText(text));
-    box.setInformativeText(boxText(details));
-    showPlainTexts(box);
+    setDetails(box, details);
 }
 
 void QtPrompts::message(const QString &text, const QString &title, Icon icon)
@@ -89,10 +110,7 @@ bool QtPrompts::confirmLate(const QString &text, const QString &title, const Lat
     prepareConfirm(box, text, title, details.placeholder);
     QObject::connect(&box, &QDialog::finished, &box, [stop = details.stop] { *stop = true; });
     // The search runs inside the box's loop, which ends behind it when the box was answered.
-    QTimer::singleShot(0, &box, [&box, &details] {
-        box.setInformativeText(boxText(details.find()));
-        showPlainTexts(box);
-    });
+    QTimer::singleShot(0, &box, [&box, &details] { setDetails(box, details.find()); });
     return box.exec() == QMessageBox::Ok;
 }
 

@@ -40,6 +40,17 @@ TEST(QtPrompts, AMessageIsAPlainBoxWithOk)
     prompts.message(u"Erste Zeile\r\nZweite <b>Zeile</b>"_s);
 }
 
+TEST(QtPrompts, TheMarginsOfABoxAreEqual)
+{
+    QtPrompts prompts;
+    const WhenModalOpens<QMessageBox> box([](QMessageBox &opened) {
+        const QRect text = opened.findChild<QLabel *>(u"qt_msgbox_label"_s)->geometry();
+        EXPECT_EQ(text.left(), opened.width() - 1 - text.right());
+        opened.close();
+    });
+    prompts.message(u"Ein Text, der breiter ist als sein Knopf, und das um ein gutes Stück"_s);
+}
+
 TEST(QtPrompts, TitleAndIconAreTheCallers)
 {
     QtPrompts prompts;
