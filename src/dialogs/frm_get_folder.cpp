@@ -40,6 +40,17 @@ private:
     QIcon m_icon;
 };
 
+/// A tree whose only column is as wide as its longest row, and never narrower than the tree: the
+/// mark of a row goes from edge to edge.
+class FolderTree : public QTreeView {
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        header()->setMinimumSectionSize(viewport()->width());
+        QTreeView::resizeEvent(event);
+    }
+};
+
 /// Whether a folder is the drive's or lies below it.
 bool isOnDrive(const QString &folder, const QString &drive)
 {
@@ -58,7 +69,7 @@ frm_get_folder::frm_get_folder(Globals &globals, Prompts &prompts, const QList<D
           folderIcon.isNull() ? style()->standardIcon(QStyle::SP_DirIcon) : folderIcon))
     , m_model(new QFileSystemModel(this))
     , m_Drive1(new QComboBox)
-    , m_Dir1(new QTreeView)
+    , m_Dir1(new FolderTree)
     , m_tx_pfad(new QLineEdit)
 {
     setObjectName(u"frm_get_folder"_s);

@@ -55,6 +55,16 @@ struct FolderPicker : ::testing::Test {
 
 } // namespace
 
+TEST_F(FolderPicker, TheMarkOfARowGoesFromEdgeToEdge)
+{
+    open({});
+    const auto *tree = find<QTreeView>("Dir1");
+    EXPECT_GE(tree->columnWidth(0), tree->viewport()->width());
+    dialog->resize(dialog->width() + 200, dialog->height());
+    EXPECT_TRUE(
+        QTest::qWaitFor([tree] { return tree->columnWidth(0) >= tree->viewport()->width(); }));
+}
+
 TEST_F(FolderPicker, CaptionsAreTheGivenOnes)
 {
     open({});
