@@ -61,7 +61,6 @@ frmAbout::frmAbout(const NetworkInfo &info, QWidget *parent)
     QPushButton *ok = buttons->addButton(u"OK"_s, QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"cmdOk"_s);
     ok->setDefault(true);
-    ok->setMinimumHeight(30);
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
 
     auto *layout = new QVBoxLayout(this);

@@ -128,10 +128,6 @@ void frm_hilfe::buildLayout()
     m_search->setAccessibleName(u"In der Hilfe suchen"_s);
     m_search->setClearButtonEnabled(true);
     m_search->setMaximumWidth(300);
-    for (QWidget *control : { static_cast<QWidget *>(m_back), static_cast<QWidget *>(m_start),
-                              static_cast<QWidget *>(m_search) }) {
-        control->setMinimumHeight(30);
-    }
     auto *top = new QHBoxLayout;
     top->setSpacing(6);
     top->addWidget(m_back);

@@ -115,7 +115,7 @@ QPushButton *frm_info::addButton(int index, const QString &caption, const QStrin
     button->setObjectName(u"cmd_auswahl_"_s + QString::number(index));
     button->setToolTip(toolTip);
     button->setAutoDefault(false);
-    button->setMinimumSize(button->sizeHint().width() + (caption.isEmpty() ? 0 : 18), 30);
+    button->setMinimumHeight(30);
     button->installEventFilter(this);
     connect(button, &QPushButton::clicked, this, [this, index] { cmd_auswahl_Click(index); });
     return button;
