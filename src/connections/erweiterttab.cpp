@@ -14,9 +14,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A label above its field, over both columns.
+/// A label above its field, over both columns; nearer to it than to the field above.
 void addBelow(QGridLayout &grid, const QString &label, QWidget *field, QLayout *line)
 {
+    grid.setRowMinimumHeight(grid.rowCount(), 6);
     auto *text = new QLabel(label);
     text->setBuddy(field);
     grid.addWidget(text, grid.rowCount(), 0, 1, 2);
@@ -70,7 +71,6 @@ ErweitertTab::ErweitertTab(QWidget *parent)
     grid->addWidget(m_chkPassive, grid->rowCount(), 1);
     FormParts::addRow(*grid, u"Verschlüssel&ung"_s, m_cbo_verschluesselung);
     FormParts::addRow(*grid, u"A&ccount"_s, m_txtAccount);
-    grid->setRowMinimumHeight(grid->rowCount(), 6);
     addBelow(*grid, u"&Zu diesem Verzeichnis auf Ihrem Computer automatisch wechseln"_s,
              m_txtLocalDir, lineOf({ m_txtLocalDir, m_Command1 }));
     addBelow(*grid, u"Zu diesem Verzeichnis auf dem Serve&r automatisch wechseln"_s, m_txtRemoteDir,

@@ -72,7 +72,8 @@ QLayout *frmConnect::profileRow()
     QObject::disconnect(m_cbo_profil->lineEdit(), &QLineEdit::editingFinished, m_cbo_profil,
                         nullptr);
     m_cbo_profil->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_cbo_profil->setMinimumContentsLength(16);
+    m_cbo_profil->setMinimumContentsLength(28);
+    connect(m_cbo_profil, &QComboBox::editTextChanged, m_cbo_profil, &QComboBox::setToolTip);
     connect(m_cbo_profil->lineEdit(), &QLineEdit::textEdited, this, &frmConnect::filterName);
     connect(m_cbo_profil, &QComboBox::currentIndexChanged, this, &frmConnect::onChosen);
     connect(m_cbo_profil, &QComboBox::activated, this, &frmConnect::onChosen);

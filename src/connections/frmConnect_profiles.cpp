@@ -37,6 +37,7 @@ void frmConnect::filterName(const QString &typed)
 void frmConnect::onChosen(int index)
 {
     if (index >= 0) {
+        m_cbo_profil->lineEdit()->home(false);
         readProfile();
     }
 }
@@ -75,6 +76,7 @@ bool frmConnect::writeProfile()
         m_cbo_profil->addItem(name);
     }
     m_cbo_profil->setCurrentIndex(m_cbo_profil->findText(name, Qt::MatchFixedString));
+    m_cbo_profil->lineEdit()->home(false); // the beginning of a long name is what tells it apart
     return true;
 }
 

@@ -120,6 +120,19 @@ TEST_F(ConnectDialog, TabLeadsFromTopToBottom)
     EXPECT_EQ(walked, expected);
 }
 
+TEST_F(ConnectDialog, OfALongNameTheBeginningIsSeen)
+{
+    const QString name = QString(50, u'a') + QString(50, u'b');
+    ASSERT_TRUE(profiles.write(name, ProfileFields {}));
+    globals.session.Lastconnect = name;
+    open();
+    EXPECT_EQ(names()->lineEdit()->cursorPosition(), 0);
+    EXPECT_EQ(names()->toolTip(), name);
+    names()->setEditText(name + u'c');
+    press("cmd_profil_speichern");
+    EXPECT_EQ(names()->lineEdit()->cursorPosition(), 0);
+}
+
 TEST_F(ConnectDialog, OpeningShowsTheCurrentConnection)
 {
     globals.session.DialogCancelled = false;
