@@ -7,7 +7,8 @@
 
 /// What frmTransfer shows.
 struct ConflictQuestion {
-    QString caption, message;
+    QString caption;
+    QStringList message; ///< one file to a line
     bool mayResume = false;
 };
 

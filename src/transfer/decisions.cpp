@@ -28,7 +28,7 @@ ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport
     const QString local = described(state.LocalDir + state.LocalName, state.LocalSize);
     const QString remote = described(state.RemoteDir + state.RemoteName, state.RemoteSize);
     const auto message = [](const QString &target, const QString &source) {
-        return u"Überschreiben "_s + target + u" mit "_s + source;
+        return QStringList { u"Überschreiben "_s + target, u"mit "_s + source };
     };
     if (state.IsUpload) {
         return { u"Dateiupload..."_s, message(remote, local), state.RemoteSize < state.LocalSize };

@@ -13,7 +13,7 @@ frmTransfer::frmTransfer(const ConflictQuestion &question, QWidget *parent)
     setObjectName(u"frmTransfer"_s);
     build();
     setWindowTitle(question.caption);
-    lblMessage->setText(question.message);
+    lblMessage->setLines(question.message);
     findChild<QPushButton *>(u"cmdResume"_s)->setEnabled(question.mayResume);
 }
 

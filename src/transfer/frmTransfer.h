@@ -4,8 +4,9 @@
 
 #include <QCheckBox>
 #include <QDialog>
-#include <QLabel>
 #include <QPushButton>
+
+class PathLabel;
 
 /// "Dateitransfer": which file would be overwritten by which, and four answers.
 class frmTransfer : public QDialog {
@@ -22,6 +23,6 @@ private:
     QPushButton *addButton(const QString &name, const QString &caption, ConflictAnswer answer);
 
     ConflictAnswer m_answer = ConflictAnswer::Skip;
-    QLabel *lblMessage = nullptr;
+    PathLabel *lblMessage = nullptr;
     QCheckBox *chkSelectedAll = nullptr;
 };

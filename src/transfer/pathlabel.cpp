@@ -1,26 +1,14 @@
 #include "transfer/pathlabel.h"
 
 #include <QPainter>
-#include <QTextLayout>
-#include <cmath>
 
 namespace {
 
-/// Breaks the text into lines of a width. @return the height of all
-qreal arrange(QTextLayout &layout, qreal width)
+/// A server's paths may be thousands of characters long; a tool tip must not be.
+QString withinReason(const QString &text)
 {
-    QTextOption option;
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    layout.setTextOption(option);
-    layout.beginLayout();
-    qreal height = 0;
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(width);
-        line.setPosition(QPointF(0, height));
-        height += line.height();
-    }
-    layout.endLayout();
-    return height;
+    constexpr qsizetype most = 600; // of each end
+    return text.size() <= 2 * most ? text : text.left(most) + u'…' + text.right(most);
 }
 
 } // namespace
@@ -29,35 +17,34 @@ PathLabel::PathLabel(QWidget *parent)
     : QLabel(parent)
 {
     setTextFormat(Qt::PlainText); // names come from servers
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
 }
 
-/// A server's paths may be thousands of characters long: whole they would push the buttons off the
-/// screen.
-QString PathLabel::shownText() const
+void PathLabel::setLines(const QStringList &lines)
 {
-    constexpr qsizetype most = 600; // of each end
-    const QString whole = text();
-    return whole.size() <= 2 * most ? whole : whole.left(most) + u'…' + whole.right(most);
+    m_lines = lines;
+    setText(lines.join(u' '));
+    // Rich text, since that alone is broken into lines.
+    setToolTip(QStringLiteral("<qt>") + withinReason(text()).toHtmlEscaped()
+               + QStringLiteral("</qt>"));
 }
 
-QSize PathLabel::sizeHint() const { return { UsualWidth, heightForWidth(UsualWidth) }; }
+QSize PathLabel::sizeHint() const
+{
+    constexpr int usualWidth = 520;
+    return { usualWidth, static_cast<int>(m_lines.size()) * fontMetrics().lineSpacing() };
+}
 
 QSize PathLabel::minimumSizeHint() const { return sizeHint(); }
-
-int PathLabel::heightForWidth(int width) const
-{
-    QTextLayout layout(shownText(), font());
-    return static_cast<int>(std::ceil(arrange(layout, width)));
-}
 
 void PathLabel::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
-    QTextLayout layout(shownText(), font());
-    arrange(layout, width());
-    layout.draw(&painter, QPointF(0, 0));
+    QRect place(0, 0, width(), fontMetrics().lineSpacing());
+    for (const QString &line : m_lines) {
+        painter.drawText(place, Qt::AlignLeft | Qt::TextSingleLine,
+                         fontMetrics().elidedText(line, Qt::ElideMiddle, width()));
+        place.translate(0, place.height());
+    }
 }

@@ -2,24 +2,24 @@
 
 #include <QLabel>
 
-/// A label for plain text with long paths: breaks lines at blanks and separators where it can, and
-/// anywhere where it must, so that nothing is cut off. Of a text beyond reason the middle is left
-/// out.
+/// A label for plain text with long paths, one to a line. What does not fit is left out in the
+/// middle, so that where a path begins and the file's name stay in sight; the tool tip has it
+/// whole.
 class PathLabel : public QLabel {
     Q_OBJECT
 
 public:
     explicit PathLabel(QWidget *parent = nullptr);
 
+    /// The text is the lines with blanks between them.
+    void setLines(const QStringList &lines);
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
-    [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    [[nodiscard]] QString shownText() const;
-
-    static constexpr int UsualWidth = 460;
+    QStringList m_lines;
 };

@@ -20,7 +20,7 @@ class AnsweredConflicts : public ConflictDialogs {
 public:
     std::function<ConflictReply(const ConflictQuestion &)> answer
         = [](const ConflictQuestion &question) {
-              ADD_FAILURE() << "not expected: " << question.message.toStdString();
+              ADD_FAILURE() << "not expected: " << question.message.join(u' ').toStdString();
               return ConflictReply {};
           };
     std::function<std::optional<QString>(const QString &)> newName

@@ -44,16 +44,17 @@ TEST(ConflictQuestion, NamesTheOverwrittenFileFirst)
 {
     const ConflictQuestion upload = conflictQuestion(conflictOf(true, 30, 20), false);
     EXPECT_EQ(upload.caption, u"Dateiupload..."_s);
-    EXPECT_EQ(upload.message, u"Überschreiben /www/x.txt(20) mit /home/a/x.txt(30)"_s);
+    EXPECT_EQ(upload.message.join(u' '), u"Überschreiben /www/x.txt(20) mit /home/a/x.txt(30)"_s);
     const ConflictQuestion download = conflictQuestion(conflictOf(false, 20, 30), true);
     EXPECT_EQ(download.caption, u"Dateiupload fortsetzen..."_s);
-    EXPECT_EQ(download.message, u"Überschreiben /home/a/x.txt(20) mit /www/x.txt(30)"_s);
+    EXPECT_EQ(download.message.join(u' '), u"Überschreiben /home/a/x.txt(20) mit /www/x.txt(30)"_s);
 }
 
 TEST(ConflictQuestion, WritesSizesAboveTwoGigabytesInFull)
 {
     EXPECT_TRUE(conflictQuestion(conflictOf(true, 5368709120, 4831838208), true)
-                    .message.contains(u"(4831838208)"_s));
+                    .message.first()
+                    .contains(u"(4831838208)"_s));
 }
 
 TEST(ConflictQuestion, OffersResumingOnlyForShorterTargets)

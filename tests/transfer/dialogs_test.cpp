@@ -17,7 +17,8 @@ template <class T> T *child(const QWidget &dialog, const QString &name)
     return found;
 }
 
-const ConflictQuestion question { u"Dateiupload..."_s, u"Überschreiben /a<b>(1) mit /c(2)"_s,
+const ConflictQuestion question { u"Dateiupload..."_s,
+                                  { u"Überschreiben /a<b>(1)"_s, u"mit /c(2)"_s },
                                   true };
 
 } // namespace
@@ -27,8 +28,10 @@ TEST(FrmTransfer, ShowsQuestionAndButtons)
     const frmTransfer dialog(question);
     EXPECT_EQ(dialog.objectName(), u"frmTransfer"_s);
     EXPECT_EQ(dialog.windowTitle(), question.caption);
-    EXPECT_EQ(child<QLabel>(dialog, u"lblMessage"_s)->text(), question.message);
-    EXPECT_EQ(child<QLabel>(dialog, u"lblMessage"_s)->textFormat(), Qt::PlainText);
+    const auto *message = child<QLabel>(dialog, u"lblMessage"_s);
+    EXPECT_EQ(message->text(), u"Überschreiben /a<b>(1) mit /c(2)"_s);
+    EXPECT_EQ(message->textFormat(), Qt::PlainText);
+    EXPECT_EQ(message->toolTip(), u"<qt>Überschreiben /a&lt;b&gt;(1) mit /c(2)</qt>"_s);
     EXPECT_EQ(child<QPushButton>(dialog, u"cmdTransfer"_s)->text(), u"Über&schreiben"_s);
     EXPECT_EQ(child<QPushButton>(dialog, u"cmdResume"_s)->text(), u"&Fortsetzen"_s);
     EXPECT_EQ(child<QPushButton>(dialog, u"cmdRename"_s)->text(), u"&Umbenennen"_s);
@@ -37,13 +40,32 @@ TEST(FrmTransfer, ShowsQuestionAndButtons)
     EXPECT_FALSE(child<QCheckBox>(dialog, u"chkSelectedAll"_s)->isChecked());
 }
 
-TEST(FrmTransfer, PathsBeyondReasonDoNotPushTheButtonsOffTheScreen)
+TEST(FrmTransfer, IsOfOneSizeHoweverLongThePathsAre)
 {
     ConflictQuestion endless = question;
-    endless.message = u"/www/"_s + QString(8000, u'x') + u"(1)"_s;
+    endless.message[0] = u"/www/"_s + QString(8000, u'x') + u"(1)"_s;
     const frmTransfer dialog(endless);
-    EXPECT_LT(dialog.sizeHint().height(), 600);
-    EXPECT_EQ(child<QLabel>(dialog, u"lblMessage"_s)->text(), endless.message);
+    EXPECT_EQ(dialog.sizeHint(), frmTransfer(question).sizeHint());
+    const auto *message = child<QLabel>(dialog, u"lblMessage"_s);
+    EXPECT_EQ(message->text(), endless.message[0] + u" mit /c(2)"_s);
+    EXPECT_LT(message->toolTip().size(), 1300);
+}
+
+TEST(FrmTransfer, APathTooLongForItsLineShowsWhereItBeginsAndTheName)
+{
+    ConflictQuestion longer = question;
+    ConflictQuestion other = question;
+    longer.message[0] = u"/www/"_s + QString(200, u'x') + u"/name.html(1)"_s;
+    other.message[0] = u"/www/"_s + QString(300, u'x') + u"/name.html(1)"_s;
+    const auto drawn = [](const ConflictQuestion &shown) {
+        const frmTransfer dialog(shown);
+        auto *message = child<QLabel>(dialog, u"lblMessage"_s);
+        message->resize(message->sizeHint());
+        return message->grab().toImage();
+    };
+    EXPECT_EQ(drawn(longer), drawn(other)); // they differ in what is left out
+    other.message[0].replace(u"name"_s, u"nome"_s);
+    EXPECT_NE(drawn(longer), drawn(other));
 }
 
 TEST(FrmTransfer, OffersResumingOnlyWhenItIsPossible)

@@ -199,7 +199,7 @@ TEST_F(DownloadTest, AConflictIsAskedAboutAndAnswered)
         EXPECT_EQ(readLocal(u"a.txt"_s), expected);
         EXPECT_EQ(shell.queue.size(), answer == ConflictAnswer::Skip ? 0 : 1);
     }
-    EXPECT_EQ(dialogs.questions.last().message,
+    EXPECT_EQ(dialogs.questions.last().message.join(u' '),
               u"Überschreiben "_s + disk(u"a.txt"_s) + u"(5) mit /www/a.txt(12)"_s);
 }
 
@@ -251,7 +251,7 @@ TEST_F(DownloadTest, AnExistingFolderIsAskedAboutWithEmptySizes)
     writeLocal(u"ordner/a.txt"_s, "alt");
     dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
     download({ u"ordner"_s });
-    EXPECT_EQ(dialogs.questions.last().message,
+    EXPECT_EQ(dialogs.questions.last().message.join(u' '),
               u"Überschreiben "_s + disk(u"ordner"_s) + u"(0) mit /www/ordner(0)"_s);
     EXPECT_FALSE(dialogs.questions.last().mayResume);
     EXPECT_EQ(readLocal(u"ordner/a.txt"_s), "alt");

@@ -28,7 +28,7 @@ public:
     {
         questions.append(question);
         if (steps.empty()) {
-            ADD_FAILURE() << "not expected: " << question.message.toStdString();
+            ADD_FAILURE() << "not expected: " << question.message.join(u' ').toStdString();
             return {};
         }
         whileAsked();

@@ -158,7 +158,7 @@ TEST_F(UploadTest, EntersAndListsAnotherTargetBeforeTheFirstConflict)
     dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
     commands.dropOnRemote(remote.model().findRow(u"unter"_s));
     EXPECT_EQ(ftp.commands.first(), u"CWD /www/unter/"_s);
-    EXPECT_EQ(dialogs.questions.value(0).message,
+    EXPECT_EQ(dialogs.questions.value(0).message.join(u' '),
               u"Überschreiben /www/unter/a.txt(3) mit "_s + disk(u"a.txt(5)"_s));
     EXPECT_EQ(remote.text, u"/www/unter"_s);
 }
@@ -191,9 +191,9 @@ TEST_F(UploadTest, InAFolderThatCannotBeListedTheServerIsAskedAboutEveryFile)
     dialogs.steps
         = { { ConflictAnswer::Skip, false, {} }, { ConflictAnswer::Overwrite, false, {} } };
     commands.cmd_upload_Click();
-    EXPECT_EQ(dialogs.questions.value(0).message,
+    EXPECT_EQ(dialogs.questions.value(0).message.join(u' '),
               u"Überschreiben /www/bilder(0) mit "_s + disk(u"bilder(0)"_s));
-    EXPECT_EQ(dialogs.questions.value(1).message,
+    EXPECT_EQ(dialogs.questions.value(1).message.join(u' '),
               u"Überschreiben /www/a(3) mit "_s + disk(u"a(5)"_s));
     EXPECT_EQ(ftp.content(u"/www/a"_s), "neuer");
     EXPECT_EQ(ftp.content(u"/www/b"_s), "x");
@@ -300,7 +300,7 @@ TEST_F(UploadTest, TheConflictCheckTrustsThePane)
     local.select({ u"a.txt"_s });
     dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
     commands.cmd_upload_Click();
-    EXPECT_TRUE(dialogs.questions.value(0).message.contains(u"/www/a.txt(2)"_s));
+    EXPECT_TRUE(dialogs.questions.value(0).message.first().contains(u"/www/a.txt(2)"_s));
 }
 
 TEST_F(UploadTest, AnEmptyRemoteFileIsReplacedWithoutAsking)
@@ -460,7 +460,7 @@ TEST_F(UploadTest, AnExistingFolderIsAskedAboutAndNotMadeAgain)
     upload({ u"bilder"_s });
     EXPECT_TRUE(ftp.commandsOf(u"MKD"_s).isEmpty());
     EXPECT_EQ(ftp.content(u"/www/bilder/a"_s), "y");
-    EXPECT_TRUE(dialogs.questions.value(0).message.contains(u"/www/bilder(0)"_s));
+    EXPECT_TRUE(dialogs.questions.value(0).message.first().contains(u"/www/bilder(0)"_s));
 }
 
 TEST_F(UploadTest, AFolderThatCannotBeMadeIsRefused)
