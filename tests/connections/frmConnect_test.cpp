@@ -1,5 +1,7 @@
 #include "connections/connectdialog.h"
 
+#include "support/accesskeys.h"
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -92,6 +94,16 @@ TEST_F(ConnectDialog, EveryFieldHasItsLabel)
         ASSERT_NE(label, labels.end()) << name;
         EXPECT_EQ((*label)->text().remove(u'&'), text);
         EXPECT_TRUE((*label)->text().contains(u'&')) << name;
+    }
+}
+
+TEST_F(ConnectDialog, NoTwoPartsShareAnAccessKey)
+{
+    open();
+    auto *tabs = find<QTabWidget>("Tab1");
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        tabs->setCurrentIndex(tab);
+        EXPECT_EQ(sharedAccessKeys(*dialog), QStringList());
     }
 }
 

@@ -1,5 +1,6 @@
 #include "connections/frm_zertifikat.h"
 
+#include "support/accesskeys.h"
 #include "support/modalbox.h"
 
 #include <QKeyEvent>
@@ -39,6 +40,11 @@ QString textOf(const QDialog &dialog)
 }
 
 } // namespace
+
+TEST(CertificateDialog, NoTwoPartsShareAnAccessKey)
+{
+    EXPECT_EQ(sharedAccessKeys(frm_zertifikat(sample())), QStringList());
+}
 
 TEST(CertificateDialog, ShowsWhoWhyAndTheFingerprint)
 {

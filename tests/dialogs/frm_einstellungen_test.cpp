@@ -3,6 +3,7 @@
 #include "common/globals.h"
 #include "common/settingsstore.h"
 #include "ftp/truststore.h"
+#include "support/accesskeys.h"
 #include "support/storedkeys.h"
 
 #include <QCheckBox>
@@ -63,6 +64,16 @@ struct SettingsDialog : ::testing::Test {
 };
 
 } // namespace
+
+TEST_F(SettingsDialog, NoTwoPartsShareAnAccessKey)
+{
+    open();
+    auto *tabs = find<QTabWidget>("Tab1");
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        tabs->setCurrentIndex(tab);
+        EXPECT_EQ(sharedAccessKeys(*dialog), QStringList());
+    }
+}
 
 TEST_F(SettingsDialog, FertigSavesInTheGivenOrder)
 {

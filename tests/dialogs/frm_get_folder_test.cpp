@@ -1,5 +1,6 @@
 #include "dialogs/frm_get_folder.h"
 
+#include "support/accesskeys.h"
 #include "support/scriptedprompts.h"
 
 #include <QComboBox>
@@ -54,6 +55,12 @@ struct FolderPicker : ::testing::Test {
 };
 
 } // namespace
+
+TEST_F(FolderPicker, NoTwoPartsShareAnAccessKey)
+{
+    open({});
+    EXPECT_EQ(sharedAccessKeys(*dialog), QStringList());
+}
 
 TEST_F(FolderPicker, TheMarkOfARowGoesFromEdgeToEdge)
 {

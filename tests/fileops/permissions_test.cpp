@@ -1,5 +1,6 @@
 #include "fileops/frm_rechte.h"
 #include "fileops/permissions.h"
+#include "support/accesskeys.h"
 #include "support/workbench.h"
 
 #include <QCheckBox>
@@ -47,6 +48,12 @@ TEST(PermissionMode, IsClampedAsADecimalNumber)
     EXPECT_EQ(clampMode(698), 698);
     EXPECT_EQ(clampMode(777), 777);
     EXPECT_EQ(clampMode(4755), 777);
+}
+
+TEST(FrmRechte, NoTwoPartsShareAnAccessKey)
+{
+    PermissionChoice choice;
+    EXPECT_EQ(sharedAccessKeys(frm_rechte(choice)), QStringList());
 }
 
 TEST(FrmRechte, IsEmptyAtFirstUse)

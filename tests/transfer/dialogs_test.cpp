@@ -1,3 +1,4 @@
+#include "support/accesskeys.h"
 #include "support/scriptedprompts.h"
 #include "transfer/frmRename.h"
 #include "transfer/frmTransfer.h"
@@ -22,6 +23,11 @@ const ConflictQuestion question { u"Dateiupload..."_s,
                                   true };
 
 } // namespace
+
+TEST(FrmTransfer, NoTwoPartsShareAnAccessKey)
+{
+    EXPECT_EQ(sharedAccessKeys(frmTransfer(question)), QStringList());
+}
 
 TEST(FrmTransfer, ShowsQuestionAndButtons)
 {
