@@ -6,11 +6,13 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPalette>
 #include <QPixmap>
@@ -38,7 +40,22 @@ QJsonObject later(QObject *context, const std::function<void()> &what)
     return {};
 }
 
-QWidget *named(const QJsonObject &request) { return lookup::widget(string(request, "object")); }
+/// The open menu, or else the modal dialog on top.
+QWidget *top()
+{
+    QWidget *popup = QApplication::activePopupWidget();
+    QWidget *found = popup != nullptr ? popup : lookup::modal();
+    if (found == nullptr) {
+        throw DriverError { QStringLiteral("neither a menu nor a dialog is open") };
+    }
+    return found;
+}
+
+QWidget *named(const QJsonObject &request)
+{
+    const QString name = string(request, "object");
+    return name == QLatin1String("top") ? top() : lookup::widget(name);
+}
 
 QAbstractItemView *view(const QJsonObject &request)
 {
@@ -360,6 +377,27 @@ QJsonObject grab(const QJsonObject &request)
     return {};
 }
 
+/// Opens a menu of the menu bar, or the context menu of a field or of a view's row.
+QJsonObject menu(const QJsonObject &request)
+{
+    QWidget *widget = named(request);
+    if (auto *own = qobject_cast<QMenu *>(widget)) {
+        auto *bar = qobject_cast<QMenuBar *>(own->parentWidget());
+        return later(own, [own, bar] { bar->setActiveAction(own->menuAction()); });
+    }
+    QPoint at = widget->rect().center();
+    if (auto *rows = qobject_cast<QAbstractItemView *>(widget)) {
+        at = placeOf(rows, rowNamed(rows, string(request, "row")));
+    }
+    if (auto *area = qobject_cast<QAbstractScrollArea *>(widget)) {
+        widget = area->viewport();
+    }
+    return later(widget, [widget, at] {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, widget->mapToGlobal(at));
+        QCoreApplication::sendEvent(widget, &event);
+    });
+}
+
 /// The colours of a dark desktop.
 QJsonObject dark(const QJsonObject &)
 {
@@ -383,10 +421,11 @@ const std::map<QString, Action> &actions()
         { QStringLiteral("describe"), describe }, { QStringLiteral("enter"), enter },
         { QStringLiteral("grab"), grab },         { QStringLiteral("headers"), headers },
         { QStringLiteral("key"), key },           { QStringLiteral("loops"), loops },
-        { QStringLiteral("open"), open },         { QStringLiteral("property"), property },
-        { QStringLiteral("resize"), resize },     { QStringLiteral("rows"), rows },
-        { QStringLiteral("select"), select },     { QStringLiteral("text"), text },
-        { QStringLiteral("tree"), tree },         { QStringLiteral("windows"), windows },
+        { QStringLiteral("menu"), menu },         { QStringLiteral("open"), open },
+        { QStringLiteral("property"), property }, { QStringLiteral("resize"), resize },
+        { QStringLiteral("rows"), rows },         { QStringLiteral("select"), select },
+        { QStringLiteral("text"), text },         { QStringLiteral("tree"), tree },
+        { QStringLiteral("windows"), windows },
     };
     return table;
 }
