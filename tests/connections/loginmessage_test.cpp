@@ -2,25 +2,12 @@
 
 #include "connections/advice.h"
 #include "connections/host.h"
+#include "connections/logintexts.h"
 
 #include <QSet>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-const QString loginText = QStringLiteral("Fehler beim Login. Überprüfen Sie Passwort und Username "
-                                         "und versuchen Sie sich erneut einzuloggen.");
-const QString hostText
-    = QStringLiteral("Unbekannter Servername bzw. keine Rückmeldung vom Server. Überprüfen Sie den "
-                     "angegebenen Server bzw. "
-                     "versuchen Sie den Vorgang zu einem späteren Zeitpunkt nochmals zu starten.");
-const QString otherText
-    = QStringLiteral("Allgemeiner Fehler! Versuchen Sie den Vorgang zu einem späteren "
-                     "Zeitpunkt nochmals zu starten.");
-
-} // namespace
 
 TEST(LoginMessage, IsFoundByTheDescription)
 {

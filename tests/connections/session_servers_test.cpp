@@ -3,6 +3,7 @@
 #include "common/globals.h"
 #include "connections/advice.h"
 #include "connections/connectionsettings.h"
+#include "connections/logintexts.h"
 #include "connections/testproxy.h"
 #include "ftp/ftpcontrol.h"
 #include "servers/everyserver.h"
@@ -24,16 +25,6 @@ using servers::FaultServer;
 using servers::Rule;
 
 namespace {
-
-const QString loginText = QStringLiteral("Fehler beim Login. Überprüfen Sie Passwort und Username "
-                                         "und versuchen Sie sich erneut einzuloggen.");
-const QString hostText
-    = QStringLiteral("Unbekannter Servername bzw. keine Rückmeldung vom Server. Überprüfen Sie den "
-                     "angegebenen Server bzw. "
-                     "versuchen Sie den Vorgang zu einem späteren Zeitpunkt nochmals zu starten.");
-const QString otherText
-    = QStringLiteral("Allgemeiner Fehler! Versuchen Sie den Vorgang zu einem späteren "
-                     "Zeitpunkt nochmals zu starten.");
 
 /// The session over the real engine; only the window is missing.
 struct Live {
