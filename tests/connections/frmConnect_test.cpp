@@ -1,6 +1,7 @@
 #include "connections/connectdialog.h"
 
 #include "support/accesskeys.h"
+#include "support/helpkeys.h"
 
 using namespace Qt::StringLiterals;
 
@@ -305,20 +306,10 @@ TEST_F(ConnectDialog, BrowsingTakesAChosenFolder)
 
 TEST_F(ConnectDialog, HelpSendsF1)
 {
-    struct Listener : QObject {
-        int keys = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            if (event->type() == QEvent::KeyPress) {
-                keys += static_cast<QKeyEvent *>(event)->key() == Qt::Key_F1 ? 1 : 0;
-            }
-            return false;
-        }
-    } listener;
     open();
-    dialog->installEventFilter(&listener);
+    const HelpKeys keys(*dialog);
     press("cmd_hilfe");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return listener.keys == 1; }));
+    EXPECT_TRUE(keys.one());
     EXPECT_TRUE(dialog->isVisible());
 }
 

@@ -1,9 +1,9 @@
 #include "connections/frm_zertifikat.h"
 
 #include "support/accesskeys.h"
+#include "support/helpkeys.h"
 #include "support/modalbox.h"
 
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -116,24 +116,14 @@ TEST(CertificateDialog, EnterEscapeAndTheFrameTrustNobody)
 
 TEST(CertificateDialog, TheHelpButtonSendsF1AndTrustsNobody)
 {
-    struct Keys : QObject {
-        int pressed = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            if (event->type() == QEvent::KeyPress) {
-                pressed = static_cast<QKeyEvent *>(event)->key();
-            }
-            return false;
-        }
-    } keys;
     frm_zertifikat dialog(sample());
     dialog.show();
-    dialog.installEventFilter(&keys);
+    const HelpKeys keys(dialog);
     auto *help = dialog.findChild<QPushButton *>(u"cmd_hilfe"_s);
     ASSERT_NE(help, nullptr);
     EXPECT_EQ(help->text(), u"&Hilfe"_s);
     help->click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return keys.pressed == Qt::Key_F1; }));
+    EXPECT_TRUE(keys.one());
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(dialog.answer(), FtpTrust::Reject);
 }

@@ -4,11 +4,11 @@
 #include "common/settingsstore.h"
 #include "ftp/truststore.h"
 #include "support/accesskeys.h"
+#include "support/helpkeys.h"
 #include "support/storedkeys.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -285,18 +285,8 @@ TEST_F(SettingsDialog, NonsenseValuesAreShownAsTheNearest)
 
 TEST_F(SettingsDialog, HelpSendsF1)
 {
-    struct Listener : QObject {
-        int keys = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            if (event->type() == QEvent::KeyPress) {
-                keys += static_cast<QKeyEvent *>(event)->key() == Qt::Key_F1 ? 1 : 0;
-            }
-            return false;
-        }
-    } listener;
     open();
-    dialog->installEventFilter(&listener);
+    const HelpKeys keys(*dialog);
     press("cmd_hilfe");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return listener.keys == 1; }));
+    EXPECT_TRUE(keys.one());
 }

@@ -1,11 +1,11 @@
 #include "fileops/frm_rechte.h"
 #include "fileops/permissions.h"
 #include "support/accesskeys.h"
+#include "support/helpkeys.h"
 #include "support/workbench.h"
 
 #include <QCheckBox>
 #include <QGroupBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -230,21 +230,11 @@ TEST(FrmRechte, WhatIsInsideIsLeftAloneUnlessTickedThisTime)
 
 TEST(FrmRechte, TheHelpButtonSendsF1)
 {
-    struct Keys : QObject {
-        int pressed = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            if (event->type() == QEvent::KeyPress) {
-                pressed = static_cast<QKeyEvent *>(event)->key();
-            }
-            return false;
-        }
-    } keys;
     PermissionChoice choice;
     frm_rechte dialog(choice);
-    dialog.installEventFilter(&keys);
+    const HelpKeys keys(dialog);
     click(dialog, u"cmd_hilfe"_s);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return keys.pressed == Qt::Key_F1; }));
+    EXPECT_TRUE(keys.one());
 }
 
 class PermissionTest : public Workbench {
