@@ -1,4 +1,3 @@
-#include "fileops/delete.h"
 #include "fileops/linebench.h"
 
 #include <QElapsedTimer>
@@ -28,10 +27,7 @@ TEST_F(CommandsOnTheLine, ARefusalInsideATreeIsReported)
 {
     makeTree("baum");
     server.on({ .verb = "DELE", .argument = "*b", .text = "550 In use." });
-    ASSERT_TRUE(start());
-    remote.select({ u"baum"_s });
-    expectDelete(1, u"In den Ordnern: 2 Dateien und 2 Ordner."_s);
-    DeleteCommand(work).DeleteRemoteItems();
+    deleteTree(u"In den Ordnern: 2 Dateien und 2 Ordner."_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen verweigert"_s });
     EXPECT_TRUE(shell.queue[0].detail.contains(u"550 In use."_s));
     EXPECT_TRUE(shell.log.contains(u"550 In use."_s));
@@ -97,36 +93,18 @@ TEST_F(CommandsOnTheLine, ManyFilesShareTheirRoundTrips)
 
 TEST_F(CommandsOnTheLine, ATreeOf64LevelsGoesWhole)
 {
-    std::filesystem::path path = server.root() / "baum";
-    for (int level = 0; level < 64; ++level) {
-        path /= "ebene";
-    }
-    servers::writeFile(path / "a", "x");
-    ASSERT_TRUE(start());
-    remote.select({ u"baum"_s });
-    expectDelete(1, u"In den Ordnern: 1 Datei und 64 Ordner."_s);
-    DeleteCommand command(work);
-    command.setCountLimit(60000);
-    command.DeleteRemoteItems();
+    makeDeepTree(64);
+    deleteTree(u"In den Ordnern: 1 Datei und 64 Ordner."_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen"_s }) << shell.log.toStdString();
     EXPECT_TRUE(std::filesystem::is_empty(server.root()));
 }
 
 TEST_F(CommandsOnTheLine, WhatLiesDeeperStandsAndSaysSo)
 {
-    std::filesystem::path path = server.root() / "baum";
-    for (int level = 0; level < 66; ++level) {
-        path /= "ebene";
-    }
-    servers::writeFile(path / "a", "x");
-    ASSERT_TRUE(start());
-    remote.select({ u"baum"_s });
-    expectDelete(1, u"In den Ordnern: mehr als 0 Dateien und 65 Ordner."_s);
-    DeleteCommand command(work);
-    command.setCountLimit(60000);
-    command.DeleteRemoteItems();
+    const std::filesystem::path file = makeDeepTree(66);
+    deleteTree(u"In den Ordnern: mehr als 0 Dateien und 65 Ordner."_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen verweigert"_s });
-    EXPECT_TRUE(std::filesystem::exists(path / "a"));
+    EXPECT_TRUE(std::filesystem::exists(file));
     EXPECT_TRUE(shell.queue[0].detail.contains(u"nested too deeply"_s));
 }
 
@@ -157,10 +135,7 @@ TEST_F(CommandsOnTheLine, ATreeIsGoneOnWithAfterALineDropped)
         servers::writeFile(server.root() / ("baum/datei" + std::to_string(number)), "x");
     }
     server.on({ .verb = "DELE", .action = servers::Rule::Drop, .skip = 7, .times = 1 });
-    ASSERT_TRUE(start());
-    remote.select({ u"baum"_s });
-    expectDelete(1, u"In den Ordnern: 20 Dateien und 0 Ordner."_s);
-    DeleteCommand(work).DeleteRemoteItems();
+    deleteTree(u"In den Ordnern: 20 Dateien und 0 Ordner."_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen"_s }) << shell.log.toStdString();
     EXPECT_TRUE(std::filesystem::is_empty(server.root()));
 }
@@ -171,10 +146,7 @@ TEST_F(CommandsOnTheLine, ATreeWhoseLineDropsForGoodStandsAndSaysSo)
         servers::writeFile(server.root() / ("baum/datei" + std::to_string(number)), "x");
     }
     server.on({ .verb = "DELE", .action = servers::Rule::Drop, .skip = 7 });
-    ASSERT_TRUE(start());
-    remote.select({ u"baum"_s });
-    expectDelete(1, u"In den Ordnern: 20 Dateien und 0 Ordner."_s);
-    DeleteCommand(work).DeleteRemoteItems();
+    deleteTree(u"In den Ordnern: 20 Dateien und 0 Ordner."_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen verweigert"_s });
     EXPECT_FALSE(shell.queue[0].detail.isEmpty());
     EXPECT_TRUE(std::filesystem::exists(server.root() / "baum"));
