@@ -296,8 +296,11 @@ void DeleteCommand::deleteLocalItems(const MarkedItemList &items)
 /// A slow disk must not hold up the window, nor a thread for every file the disk.
 void DeleteCommand::deleteLocalFiles(const QList<MarkedItem> &files)
 {
+    if (files.isEmpty() || m_stop) {
+        return;
+    }
+    m_work.shell.ShowTransferItem(labelOf(files.first()), {});
     for (qsizetype told = 0; told < files.size() && !m_stop;) {
-        m_work.shell.ShowTransferItem(labelOf(files.at(told)), {});
         QList<Reason> reasons;
         runAside([&] {
             const qsizetype most = std::min(files.size() - told, mostAtOnce);
@@ -313,10 +316,12 @@ void DeleteCommand::deleteLocalFiles(const QList<MarkedItem> &files)
             // shows it again.
             removeRow(m_work.local, files.at(told));
             recordLocal(files.at(told), reason);
-            ++told;
+            if (++told < files.size()) {
+                m_work.shell.ShowTransferItem(labelOf(files.at(told)), {});
+            }
         }
-        m_work.shell.ShowTransferItem({}, {});
     }
+    m_work.shell.ShowTransferItem({}, {});
 }
 
 void DeleteCommand::deleteLocalFolder(const MarkedItem &item)

@@ -70,11 +70,14 @@ TEST_F(DeleteTest, CancelChangesNothing)
     deleteRemote({ u"a"_s }, {}, false);
     EXPECT_TRUE(ftp.commands.isEmpty());
     EXPECT_TRUE(remote.markedNames().isEmpty());
+    EXPECT_EQ(remote.calls, QStringList { u"text /www/"_s });
     deleteLocal({ u"b"_s }, {}, false);
+    EXPECT_EQ(local.selected, QList<int>());
     EXPECT_TRUE(onDisk(u"b"_s));
     EXPECT_TRUE(local.markedNames().isEmpty());
     EXPECT_TRUE(shell.queue.isEmpty());
     EXPECT_TRUE(shellCalls(u"SetToolbarsEnabled"_s).filter(u"0"_s).isEmpty());
+    EXPECT_TRUE(shellCalls(u"SetFolderBoxesEnabled"_s).filter(u"0"_s).isEmpty());
 }
 
 TEST_F(DeleteTest, ARemoteFileGoesWithItsRow)
@@ -152,6 +155,7 @@ TEST_F(DeleteTest, ATreeThatKeepsALinkIsRefused)
     deleteRemote({ u"ordner"_s }, u"In den Ordnern: 2 Dateien und 0 Ordner."_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen verweigert"_s });
     EXPECT_EQ(remote.names(), QStringList { u"ordner"_s });
+    EXPECT_TRUE(remote.calls.contains(u"forget /www/ordner"_s)) << "whatever became of it";
 }
 
 TEST_F(DeleteTest, ARemoteLinkIsRemovedAsALink)
@@ -164,6 +168,23 @@ TEST_F(DeleteTest, ARemoteLinkIsRemovedAsALink)
     EXPECT_TRUE(remote.calls.contains(u"forget /www/verweis"_s));
     EXPECT_EQ(shellCalls(u"ShowTransferItem"_s).first(), u"ShowTransferItem Ordner: verweis|"_s);
     EXPECT_EQ(statuses(), QStringList { u"Löschen"_s });
+}
+
+TEST_F(DeleteTest, ALinkKnownToLeadToAFolderIsStillRemovedAsALink)
+{
+    ftp.addFile(u"/anderswo/wichtig"_s, "x");
+    ftp.addLink(u"/www/verweis"_s, u"/anderswo"_s);
+    showBoth();
+    const int row = remote.model().findRow(u"verweis"_s);
+    PaneRow opened = remote.model().row(row);
+    opened.kind = ItemKind::FolderLink; // as after a double click
+    remote.model().changeRow(row, opened);
+    remote.select({ u"verweis"_s });
+    expectQuestion(1, true);
+    command.DeleteRemoteItems();
+    EXPECT_EQ(ftp.commands, QStringList { u"DELE /www/verweis"_s });
+    EXPECT_TRUE(ftp.has(u"/anderswo/wichtig"_s));
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s).first(), u"ShowTransferItem Ordner: verweis|"_s);
 }
 
 TEST_F(DeleteTest, ALinkThatIsNoFileToTheServerIsTriedAsAFolder)
@@ -227,6 +248,30 @@ TEST_F(DeleteTest, ALocalRowDisappearsAlsoWhenTheFileStays)
     EXPECT_TRUE(onDisk(u"a/darin"_s));
 }
 
+TEST_F(DeleteTest, WhatCannotBeDeletedHereHoldsUpNothingElse)
+{
+    writeLocal(u"aa/x"_s, "x");
+    writeLocal(u"c/x"_s, "x");
+    writeLocal(u"a"_s, "x");
+    writeLocal(u"b"_s, "x");
+    showBoth();
+    local.select({ u"aa"_s, u"c"_s, u"a"_s, u"b"_s });
+    expectQuestion(4, true, u"In den Ordnern: 2 Dateien und 0 Ordner."_s);
+    prompts.meanwhile([this] {
+        QDir(disk(u"aa"_s)).removeRecursively(); // gone already
+        QFile::remove(disk(u"a"_s));
+        QDir().mkpath(disk(u"a/darin"_s)); // no file any more: cannot be unlinked
+    });
+    command.DeleteLocalItems();
+    EXPECT_EQ(statuses(),
+              (QStringList { u"Löschen verweigert"_s, u"Löschen"_s, u"Löschen verweigert"_s,
+                             u"Löschen"_s }));
+    EXPECT_FALSE(onDisk(u"b"_s));
+    EXPECT_FALSE(onDisk(u"c"_s));
+    EXPECT_TRUE(shell.log.contains(u"\r\n"_s + disk(u"aa: "_s))) << shell.log.toStdString();
+    EXPECT_TRUE(local.calls.contains(u"forget "_s + disk(u"aa"_s))) << "whatever became of it";
+}
+
 TEST_F(DeleteTest, ALocalFolderGoesAsATree)
 {
     writeLocal(u"ordner/tief/a"_s, "x");
@@ -273,6 +318,16 @@ TEST_F(DeleteTest, LocalDeletionsShowWhatIsGoing)
     EXPECT_EQ(shellCalls(u"ShowTransferItem"_s),
               (QStringList { u"ShowTransferItem Ordner: ordner|"_s, u"ShowTransferItem |"_s,
                              u"ShowTransferItem Datei: datei|"_s, u"ShowTransferItem |"_s }));
+}
+
+TEST_F(DeleteTest, EveryLocalFileHasItsLabel)
+{
+    writeLocal(u"a"_s, "x");
+    writeLocal(u"b"_s, "x");
+    deleteLocal({ u"a"_s, u"b"_s });
+    EXPECT_EQ(shellCalls(u"ShowTransferItem"_s),
+              (QStringList { u"ShowTransferItem Datei: a|"_s, u"ShowTransferItem Datei: b|"_s,
+                             u"ShowTransferItem |"_s }));
 }
 
 TEST_F(DeleteTest, APaneThatHasMovedOnStaysWhereItIs)
