@@ -3,6 +3,8 @@
 #include "fileops/marking.h"
 #include "remote/itemkind.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -46,6 +48,14 @@ void PermissionCommand::mnu_rechte_Click()
                       globals.connection.RemoteHost,
                       {},
                       false };
+    m_work.shell.SetToolbarsEnabled(false);
+    m_work.shell.SetFolderBoxesEnabled(false);
+    const auto restore = qScopeGuard([this] {
+        m_work.shell.SetFolderBoxesEnabled(true);
+        m_work.shell.SetToolbarsEnabled(true);
+        m_work.shell.UpdateRemoteCommandStates();
+        m_work.shell.UpdateLocalCommandStates();
+    });
     MarkSelectedRemote(m_work.remote, globals, false);
     const MarkedItemList items = globals.marked;
     QStringList refusals;
@@ -67,6 +77,7 @@ void PermissionCommand::mnu_rechte_Click()
     }
     record.failed = !refusals.isEmpty();
     record.detail = refusals.join(u'\n');
+    // Intended: the row comes behind the commands, since it tells what was refused.
     m_work.shell.AddQueueRow(record);
 }
 

@@ -289,6 +289,54 @@ TEST_F(PermissionTest, AddsOneQueueRow)
                              u"files01"_s }));
 }
 
+TEST_F(PermissionTest, TheRowComesWhenAllIsKnownAndOnlyIfSomethingWasSent)
+{
+    remote.selectAll();
+    ftp.during = [this](const QString &) { EXPECT_TRUE(shell.queue.isEmpty()); };
+    confirm(600, true);
+    EXPECT_EQ(shell.queue.size(), 1);
+    remote.selectAll();
+    PermissionCommand(work, [this] {
+        globals.permissions = { 600, true, false };
+        ftp.close(); // the line goes while the dialog stands
+    }).mnu_rechte_Click();
+    EXPECT_EQ(shell.queue.size(), 1);
+}
+
+TEST_F(PermissionTest, ButtonsAndBoxesAreOffMeanwhileAndOnAfterwards)
+{
+    const auto last = [this](const QString &call) {
+        return shellCalls(call).value(shellCalls(call).size() - 1);
+    };
+    const auto expectOn = [&] {
+        EXPECT_EQ(last(u"SetToolbarsEnabled"_s), u"SetToolbarsEnabled 1"_s);
+        EXPECT_EQ(last(u"SetFolderBoxesEnabled"_s), u"SetFolderBoxesEnabled 1"_s);
+        EXPECT_EQ(shell.calls.last(), u"UpdateLocalCommandStates"_s) << "what is selected counts";
+    };
+    int seen = 0;
+    const auto expectOff = [&](const QString &) {
+        ++seen;
+        EXPECT_EQ(last(u"SetToolbarsEnabled"_s), u"SetToolbarsEnabled 0"_s);
+        EXPECT_EQ(last(u"SetFolderBoxesEnabled"_s), u"SetFolderBoxesEnabled 0"_s);
+    };
+    ftp.during = expectOff;
+    remote.selectAll();
+    confirm(755, true);
+    EXPECT_EQ(seen, 4);
+    expectOn();
+    ftp.refuseAll(u"a.cgi"_s, u"502 Unknown command."_s);
+    remote.selectAll();
+    confirm(755);
+    expectOn();
+    ftp.during = [&](const QString &command) {
+        expectOff(command);
+        ftp.close();
+    };
+    remote.selectAll();
+    confirm(755);
+    expectOn();
+}
+
 TEST_F(PermissionTest, ARefusalIsToldAndTheColumnFollowsAllTheSame)
 {
     remote.select({ u"a.cgi"_s, u"ordner"_s });
