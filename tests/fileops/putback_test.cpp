@@ -49,6 +49,11 @@ protected:
 TEST_F(PutBackTest, AChangedTextGoesBackWhenWanted)
 {
     view(u"a.html"_s);
+    ftp.during = [this](const QString &) {
+        EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s), QStringList { u"SetToolbarsEnabled 0"_s });
+        EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s),
+                  QStringList { u"SetFolderBoxesEnabled 0"_s });
+    };
     expectOffer(true);
     edit("neu");
     waitForOffer();
@@ -57,6 +62,7 @@ TEST_F(PutBackTest, AChangedTextGoesBackWhenWanted)
               (QStringList { u"Upload"_s, disk(u"temp/a.html"_s), u"3"_s, u"-->"_s,
                              u"/www/a.html"_s, u"files01"_s }));
     EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
+    EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s).last(), u"SetFolderBoxesEnabled 1"_s);
     EXPECT_EQ(shellCalls(u"DoRemoteRefresh"_s).size(), 1);
 }
 

@@ -34,7 +34,14 @@ TEST_F(ViewTest, FetchesARemoteFileAndOpensIt)
     writeLocal(u"temp/index.html"_s, "etwas Altes, das viel länger war");
     globals.connection.TransferType = TypeAscii;
     globals.transfer.LocalSize = 500; // left over from a download
+    ftp.during = [this](const QString &) {
+        EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s), QStringList { u"SetToolbarsEnabled 0"_s });
+        EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s),
+                  QStringList { u"SetFolderBoxesEnabled 0"_s });
+    };
     viewRemote(u"index.html"_s);
+    EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
+    EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s).last(), u"SetFolderBoxesEnabled 1"_s);
     EXPECT_EQ(
         ftp.commandsOf(u"GET"_s),
         QStringList { u"GET /www/index.html "_s + disk(u"temp/index.html"_s) + u" @0 [0]"_s });
@@ -53,6 +60,31 @@ TEST_F(ViewTest, NothingCanBeAbortedAfterwards)
     ftp.addFile(u"/www/index.html"_s, "x");
     viewRemote(u"index.html"_s);
     EXPECT_EQ(shellCalls(u"SetAbortEnabled"_s), QStringList { u"SetAbortEnabled 0"_s });
+}
+
+TEST_F(ViewTest, AFileWithoutAProgramToOpenItIsPassedOverInSilence)
+{
+    ftp.addFile(u"/www/a.xyz"_s, "x");
+    shell.opened = 31;
+    viewRemote(u"a.xyz"_s);
+    EXPECT_EQ(shellCalls(u"vorschau"_s).size(), 1);
+    EXPECT_EQ(shell.log, QString());
+    EXPECT_EQ(readLocal(u"temp/a.xyz"_s), "x");
+}
+
+TEST_F(ViewTest, NeedsAnIdleSession)
+{
+    ftp.addFile(u"/www/a"_s, "x");
+    showBoth();
+    remote.select({ u"a"_s });
+    globals.active.RemoteListActive = true;
+    for (const bool busy : { true, false }) {
+        ftp.busy = busy;
+        ftp.connectionState = busy ? FtpOperations::Connected : FtpOperations::Closed;
+        command.ViewSelected();
+        EXPECT_TRUE(ftp.commands.isEmpty());
+        EXPECT_TRUE(shell.calls.isEmpty());
+    }
 }
 
 TEST_F(ViewTest, AnEmptyFileKeepsTheMaximumAndIsOpened)

@@ -10,6 +10,7 @@ public:
     QString log; ///< all text appended so far
     QStringList calls; ///< for example "SetCommandsEnabled 0 1 1 1", "SetAbortEnabled 0"
     QList<QueueRow> queue;
+    int opened = 33; ///< what vorschau answers
 
     void AppendLog(const QString &text) override { log += text; }
     void SetFtpProperties() override { note("SetFtpProperties"); }
@@ -36,7 +37,7 @@ public:
     int vorschau(const QString &path) override
     {
         note("vorschau", path);
-        return 33;
+        return opened;
     }
 
 private:
