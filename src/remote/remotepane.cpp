@@ -86,6 +86,9 @@ void RemotePane::listFolder(const QString &folder)
 {
     QString path = folder;
     ListRemoteFolder(path);
+    if (m_ftp.state() == FtpOperations::Connected) {
+        m_globals.session.CurrentRemoteDir = m_ftp.currentFolder(); // takeEntry() goes by it
+    }
 }
 
 /// Changes the server's folder where needed. @return the folder that the server is in afterwards
@@ -97,7 +100,8 @@ QString RemotePane::goTo(const QString &wanted)
     }
     const FtpStatus changed = m_ftp.setCurrentFolder(wanted);
     const QString after = withSeparator(m_ftp.currentFolder(), slash);
-    // Rows must never carry the path of a folder that they do not come from.
+    // Intended: a relative folder becomes what the server says that it is. Rows must never carry
+    // the path of a folder that they do not come from.
     const bool keep = changed && (wanted.startsWith(slash) || !after.startsWith(slash));
     return keep ? wanted : after;
 }
@@ -121,7 +125,8 @@ void RemotePane::fillRows(const QString &folder, bool listed)
         model().clear();
         return;
     }
-    // After a refused listing the control still holds the one before, perhaps of another folder.
+    // Intended: after a refused listing the control still holds the one before, perhaps of another
+    // folder, whose files must not be shown here.
     const bool known = listed || folder == m_listed;
     const RemoteListing listing = known ? m_ftp.listing() : RemoteListing { {}, 0, {} };
     m_listed = known ? folder : QString();
@@ -143,6 +148,7 @@ void RemotePane::fillRows(const QString &folder, bool listed)
     }
     const bool stands = m_ftp.state() == FtpOperations::Connected;
     showRows(stands ? std::move(rows) : QList<PaneRow>());
+    // Intended: a refused listing is no unreadable one; the log has the server's own words.
     if (listed && listing.format == RemoteListing::Uninterpretable) {
         ReportListingFailure(listing.rawText);
     }

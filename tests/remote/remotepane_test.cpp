@@ -26,8 +26,69 @@ TEST_F(RemotePaneTest, ARefreshOfTheSameFolderSendsNoChangeOfFolder)
 TEST_F(RemotePaneTest, AListingIsTextWhateverTheModeIs)
 {
     m_ftp.setTransferType(TypeBinary);
+    int type = -1;
+    m_ftp.during = [&](const QString &) { type = m_ftp.transferType(); };
     m_pane.DoRemoteRefresh(QStringLiteral("/www"));
-    EXPECT_EQ(m_ftp.transferType(), TypeAscii);
+    EXPECT_EQ(type, TypeAscii) << "before it is asked for";
+}
+
+TEST_F(RemotePaneTest, CommandsAreOffAndPropertiesSetBeforeTheFolderChanges)
+{
+    const QStringList expected { QStringLiteral("SetCommandsEnabled 0 0 0 0"),
+                                 QStringLiteral("SetFtpProperties") };
+    const QString change = QStringLiteral("CWD");
+    const auto refresh = [this] { m_pane.DoRemoteRefresh(QStringLiteral("/www/leer")); };
+    EXPECT_EQ(callsBefore(change, refresh), expected);
+    const auto enter = [this] { m_pane.EnterRemoteFolder(QStringLiteral("/www")); };
+    EXPECT_EQ(callsBefore(change, enter), expected);
+    const auto resolve = [this] { m_pane.ResolveLink(row("verweis")); };
+    EXPECT_EQ(callsBefore(change, resolve), expected);
+}
+
+TEST_F(RemotePaneTest, TheBoxNamesTheFolderWhileItIsListed)
+{
+    QString text;
+    m_ftp.during = [&](const QString &command) {
+        if (command == u"LIST") {
+            text = m_pane.folder();
+            EXPECT_EQ(m_shell.calls.last(), QStringLiteral("SetFtpProperties"))
+                << "the commands are on again";
+        }
+    };
+    m_pane.DoRemoteRefresh(QStringLiteral("/www/leer"));
+    EXPECT_EQ(text, QStringLiteral("/www/leer"));
+}
+
+TEST_F(RemotePaneTest, AFolderThatDiffersInCaseIsAnother)
+{
+    m_ftp.addFile(QStringLiteral("/WWW/a"), "1");
+    m_pane.DoRemoteRefresh(QStringLiteral("/WWW"));
+    EXPECT_EQ(m_ftp.commands.first(), QStringLiteral("CWD /WWW/"));
+    EXPECT_EQ(names(), "<up> a");
+}
+
+TEST_F(RemotePaneTest, ARelativeFolderStaysSoWhereTheServerKnowsNoOther)
+{
+    m_ftp.addFile(QStringLiteral("/www/leer/a"), "1");
+    m_ftp.rootless = true;
+    m_pane.DoRemoteRefresh(QStringLiteral("leer"));
+    EXPECT_EQ(m_pane.model().row(row("a")).tag, QStringLiteral("leer/a"));
+}
+
+TEST_F(RemotePaneTest, AFolderThatAnotherCommandListsIsTheCurrentOne)
+{
+    m_pane.RememberRemoteFolder();
+    m_pane.listFolder(QStringLiteral("/www/leer")); // as an upload into it does
+    m_pane.setFolderText(QStringLiteral("/www/leer"));
+    EXPECT_EQ(m_globals.session.CurrentRemoteDir, QStringLiteral("/www/leer"));
+    m_ftp.busy = true;
+    m_pane.box().setCurrentIndex(0);
+    Q_EMIT m_pane.box().activated(0);
+    EXPECT_EQ(m_pane.folder(), QStringLiteral("/www/leer")) << "the next upload would go elsewhere";
+    m_ftp.busy = false;
+    m_ftp.during = [this](const QString &) { m_ftp.close(); };
+    m_pane.listFolder(QStringLiteral("/www/cgi-bin"));
+    EXPECT_EQ(m_globals.session.CurrentRemoteDir, QStringLiteral("/www/leer"));
 }
 
 TEST_F(RemotePaneTest, WithoutAnIdleSessionNothingHappens)
@@ -59,6 +120,14 @@ TEST_F(RemotePaneTest, OpeningAFolderEntersItByNameAndRemembersIt)
     expectPaused();
     EXPECT_TRUE(m_shell.calls.contains(QStringLiteral("SetFtpProperties")));
     EXPECT_EQ(m_pane.view().hint(), QStringLiteral("Dieser Ordner ist leer."));
+}
+
+TEST_F(RemotePaneTest, AFolderIsNotRememberedWhenTheLineIsLost)
+{
+    m_ftp.during = [this](const QString &) { m_ftp.close(); };
+    m_pane.OpenRemoteRow(row("cgi-bin"), true);
+    EXPECT_EQ(history(), "");
+    EXPECT_EQ(m_globals.session.CurrentRemoteDir, QStringLiteral("/www"));
 }
 
 TEST_F(RemotePaneTest, TheUpRowGoesToTheParent)
@@ -123,8 +192,10 @@ TEST_F(RemotePaneTest, AFileIsDownloadedByDoubleClickOnly)
 TEST_F(RemotePaneTest, AFolderThatCannotBeEnteredLeavesTheTruthInPaneAndBox)
 {
     m_ftp.refuseAll(QStringLiteral("CWD"), QStringLiteral("550 Permission denied."));
+    m_ftp.addFile(QStringLiteral("/www/neu"), "1");
     m_pane.DoRemoteRefresh(QStringLiteral("/geheim"));
-    EXPECT_EQ(names(), "<up> cgi-bin leer b.txt index.html kaputt verweis");
+    EXPECT_EQ(names(), "<up> cgi-bin leer b.txt index.html kaputt neu verweis") << "listed anew";
+    EXPECT_EQ(m_ftp.commandsOf(QStringLiteral("LIST")).size(), 1);
     EXPECT_EQ(m_pane.model().row(row("b.txt")).tag, QStringLiteral("/www/b.txt"));
     EXPECT_EQ(m_pane.folder(), QStringLiteral("/www/"));
     expectPaused();
@@ -205,6 +276,15 @@ TEST_F(RemotePaneTest, AnUnreadableListingIsExplainedOnlyWithDetailedMessages)
         QStringLiteral("Die Auflösung der gelieferten Dateiliste schlug fehl.\r\n"
                        "Dieser Fehler tritt häufig auf wenn ein leeres Verzeichnis aufgerufen "
                        "wird und kann in den meisten Fällen ignoriert werden."));
+}
+
+TEST_F(RemotePaneTest, ARefusedRefreshDoesNotExplainTheOldListingAgain)
+{
+    m_ftp.fixed = RemoteListing { {}, RemoteListing::Uninterpretable, QStringLiteral("Hä?") };
+    m_globals.settings.ErrorMsg = true;
+    m_ftp.refuseAll(QStringLiteral("LIST"), QStringLiteral("425 No data connection."));
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    EXPECT_EQ(m_shell.log, QString());
 }
 
 TEST_F(RemotePaneTest, ABigFolderIsListedWhileTheWindowLives)

@@ -13,7 +13,12 @@
 class ListingFtp : public FakeFtp {
 public:
     std::optional<RemoteListing> fixed;
+    bool rootless = false; ///< tells its folder as a server does whose paths have no "/" in front
 
+    [[nodiscard]] QString currentFolder() const override
+    {
+        return rootless ? current.mid(1) : current;
+    }
     [[nodiscard]] const RemoteListing &listing() const override
     {
         return fixed ? *fixed : FakeFtp::listing();
@@ -61,6 +66,18 @@ protected:
             list << m_pane.box().itemText(entry);
         }
         return list.join(u' ').toStdString();
+    }
+    /// The calls of the shell until a command was sent first.
+    QStringList callsBefore(const QString &command, const std::function<void()> &action)
+    {
+        clearNotes();
+        std::optional<QStringList> before;
+        m_ftp.during = [&](const QString &sent) {
+            before = before || !sent.startsWith(command) ? before : m_shell.calls;
+        };
+        action();
+        m_ftp.during = nullptr;
+        return before.value_or(QStringList());
     }
     /// Commands off, perhaps other calls, commands on again.
     void expectPaused()
