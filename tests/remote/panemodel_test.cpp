@@ -1,13 +1,19 @@
 #include "ftp/ftplocalnames.h"
+#include "remote/icons.h"
 #include "remote/itemkind.h"
 #include "remote/panemodel.h"
 #include "remote/roworder.h"
 
 #include <QAbstractItemModelTester>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QImage>
+#include <QPalette>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 
 namespace {
@@ -49,16 +55,38 @@ QList<PaneRow> sample()
 
 TEST(RegroupRows, UpRowThenFoldersThenTheRestInTheirOrder)
 {
-    const QList<PaneRow> sorted { makeRow("a.txt", ItemKind::TextFile),
-                                  makeRow("b", ItemKind::FolderClose),
-                                  upRow(),
-                                  makeRow("c", ItemKind::Link),
-                                  makeRow("d", ItemKind::FolderLink),
-                                  makeRow("a", ItemKind::FolderClose) };
+    const QList<PaneRow> sorted {
+        makeRow("0", ItemKind::Link),        makeRow("a.txt", ItemKind::TextFile),
+        makeRow("b", ItemKind::FolderClose), upRow(),
+        makeRow("c", ItemKind::Link),        makeRow("d", ItemKind::FolderLink),
+        makeRow("a", ItemKind::FolderClose)
+    };
     const QList<PaneRow> rows = RegroupRows(sorted);
-    EXPECT_EQ(names(rows), "<up>|b|a|a.txt|c|d");
-    EXPECT_EQ(rows.at(3).tag, QStringLiteral("/pub/a.txt"));
-    EXPECT_EQ(rows.at(3).permissions, QStringLiteral("644"));
+    EXPECT_EQ(names(rows), "<up>|b|a|0|a.txt|c|d");
+    EXPECT_EQ(rows.at(4).tag, QStringLiteral("/pub/a.txt"));
+    EXPECT_EQ(rows.at(4).permissions, QStringLiteral("644"));
+}
+
+TEST(RegroupRows, GivesTheSameOrderAsAClickOnAColumn)
+{
+    std::mt19937 random(7);
+    const QStringList kinds { ItemKind::FolderClose, ItemKind::FolderLink, ItemKind::Link,
+                              ItemKind::File,        ItemKind::TextFile,   ItemKind::ExeFile };
+    for (int round = 0; round < 50; ++round) {
+        QList<PaneRow> rows { upRow() };
+        for (auto count = random() % 20; count > 0; --count) {
+            const QByteArray name = QByteArray::number(static_cast<int>(random() % 30));
+            rows.append(makeRow(name.constData(),
+                                kinds.at(static_cast<qsizetype>(random() % kinds.size()))));
+        }
+        const QList<PaneRow> listed = RegroupRows(sortRows(rows, ColumnName, Qt::AscendingOrder));
+        const QList<PaneRow> clicked
+            = inOrder(rows, groupedOrder(rows, ColumnName, Qt::AscendingOrder));
+        ASSERT_EQ(names(listed), names(clicked));
+        for (qsizetype at = 0; at < rows.size(); ++at) {
+            ASSERT_EQ(listed.at(at).kind, clicked.at(at).kind) << at;
+        }
+    }
 }
 
 TEST(RegroupRows, AnEmptyPaneGetsItsUpRow) { EXPECT_EQ(names(RegroupRows({})), "<up>"); }
@@ -234,6 +262,65 @@ TEST(PaneModel, MarkedRowsAreColouredAndUnmarkedOnesTakeThePalette)
     EXPECT_FALSE(model.row(3).marked);
     model.unmarkAll();
     EXPECT_EQ(changed.count(), 3) << "nothing marked, nothing to tell";
+}
+
+TEST(PaneModel, MarkedRowsAreBlueAndReadableOnEveryPalette)
+{
+    PaneModel model(fourHeaders());
+    model.setRows(sample());
+    model.setMarked(1, true);
+    const QPalette before = QGuiApplication::palette();
+    // Relative luminance and contrast as the WCAG define them.
+    const auto luminance = [](const QColor &colour) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF())
+            + 0.0722 * linear(colour.blueF());
+    };
+    for (const QColor &base : { QColor(Qt::white), QColor(0x20, 0x22, 0x24) }) {
+        QPalette palette = before;
+        palette.setColor(QPalette::Base, base);
+        QGuiApplication::setPalette(palette);
+        const auto colour = model.index(1, 0).data(Qt::ForegroundRole).value<QColor>();
+        EXPECT_GT(colour.blue(), colour.red()) << colour.name().toStdString();
+        EXPECT_GT(colour.blue(), colour.green()) << colour.name().toStdString();
+        const auto [darker, lighter] = std::minmax(luminance(colour), luminance(base));
+        EXPECT_GE((lighter + 0.05) / (darker + 0.05), 4.5) << base.name().toStdString();
+    }
+    QGuiApplication::setPalette(before);
+}
+
+TEST(PaneModel, EveryRowHasThePictureOfItsKindPaleWhenMarked)
+{
+    const auto picture = [](const QVariant &icon) {
+        return icon.value<QIcon>().pixmap(16).toImage().convertToFormat(QImage::Format_ARGB32);
+    };
+    const auto opacity = [](const QImage &image) {
+        int sum = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                sum += qAlpha(image.pixel(x, y));
+            }
+        }
+        return sum;
+    };
+    const QStringList kinds { ItemKind::Cdup, ItemKind::FolderClose, ItemKind::FolderLink,
+                              ItemKind::Link, ItemKind::File,        ItemKind::TextFile };
+    PaneModel model(fourHeaders());
+    for (const QString &kind : kinds) {
+        const int row = model.appendRow(makeRow("a", kind));
+        const QImage plain = picture(model.index(row, 0).data(Qt::DecorationRole));
+        EXPECT_EQ(plain, picture(Icons::icon(kind))) << kind.toStdString();
+        for (int column = 1; column < 4; ++column) {
+            EXPECT_FALSE(model.index(row, column).data(Qt::DecorationRole).isValid());
+        }
+        model.setMarked(row, true);
+        const QImage pale = picture(model.index(row, 0).data(Qt::DecorationRole));
+        EXPECT_EQ(pale, picture(Icons::ghosted(kind))) << kind.toStdString();
+        EXPECT_GT(opacity(pale), 0) << kind.toStdString();
+        EXPECT_LT(opacity(pale), opacity(plain)) << kind.toStdString();
+    }
 }
 
 TEST(PaneModel, SetRowsResetsOnce)

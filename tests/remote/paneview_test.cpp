@@ -137,6 +137,14 @@ TEST_F(PaneViewTest, WhileACaptionIsEditedKeysBelongToIt)
     EXPECT_EQ(deleted.count(), 0);
 }
 
+TEST_F(PaneViewTest, TheRowWhoseCaptionIsEditedIsTheOneSelected)
+{
+    m_view.selectRowNumbers({ 1, 3 });
+    m_view.editCaption(2);
+    EXPECT_EQ(m_view.selectedRowNumbers(), QList<int> { 2 });
+    EXPECT_EQ(m_view.currentIndex().row(), 2);
+}
+
 TEST_F(PaneViewTest, AnAbandonedEditSendsNothing)
 {
     QSignalSpy edited(&m_model, &PaneModel::captionEdited);

@@ -13,6 +13,15 @@ TEST_F(RemotePaneTest, AFolderIsRememberedOnlyOnce)
     EXPECT_EQ(m_pane.folder(), QStringLiteral("/www/cgi-bin")) << "the box goes on showing it";
 }
 
+TEST_F(RemotePaneTest, OfEqualEntriesTheFirstIsForgotten)
+{
+    for (const char *entry : { "/a", "/b", "/a" }) {
+        m_pane.box().addItem(QString::fromUtf8(entry));
+    }
+    m_pane.forgetFolder(QStringLiteral("/a"));
+    EXPECT_EQ(history(), "/b /a");
+}
+
 TEST_F(RemotePaneTest, TextOfTheBoxIsNormalised)
 {
     m_pane.box().setEditText(QStringLiteral(" /www/leer [Archiv] "));

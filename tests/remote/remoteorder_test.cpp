@@ -19,6 +19,34 @@ TEST_F(RemotePaneTest, ColumnsSortInTheirFixedOrder)
     EXPECT_EQ(columnOrder(ColumnPermission), Qt::AscendingOrder);
 }
 
+TEST_F(RemotePaneTest, LinksStandAmongTheFiles)
+{
+    m_ftp.addLink(QStringLiteral("/www/c-link"), QStringLiteral("/www/leer"));
+    m_pane.DoRemoteRefresh(QStringLiteral("/www"));
+    const char *byName = "<up> cgi-bin leer b.txt c-link index.html kaputt verweis";
+    EXPECT_EQ(names(), byName);
+    Q_EMIT m_pane.view().columnClicked(ColumnSize);
+    Q_EMIT m_pane.view().columnClicked(ColumnName);
+    EXPECT_EQ(names(), byName);
+    Q_EMIT m_pane.view().columnClicked(ColumnPermission);
+    EXPECT_EQ(names(), byName) << "all have the same";
+}
+
+TEST_F(RemotePaneTest, SortingByNameNeedsAnIdleSession)
+{
+    const char *bySize = "<up> cgi-bin leer index.html b.txt kaputt verweis";
+    Q_EMIT m_pane.view().columnClicked(ColumnSize);
+    for (const bool busy : { true, false }) {
+        m_ftp.busy = busy;
+        m_ftp.connectionState = busy ? FtpOperations::Connected : FtpOperations::Closed;
+        m_pane.SortRemoteByName();
+        EXPECT_EQ(names(), bySize);
+    }
+    m_ftp.connectionState = FtpOperations::Connected;
+    m_pane.SortRemoteByName();
+    EXPECT_EQ(names(), "<up> cgi-bin leer b.txt index.html kaputt verweis");
+}
+
 TEST_F(RemotePaneTest, TheArrowStaysWhenAHeaderIsClickedTwice)
 {
     m_pane.resize(600, 400);

@@ -58,14 +58,17 @@ TEST(BuildRemoteRows, DotAndDotDotNeverBecomeRows)
 
 TEST(BuildRemoteRows, EveryValueGoesIntoItsColumnUnchanged)
 {
-    const auto rows = buildRemoteRows(listing({ entry("big.iso", "-", 5368709120, 755) }),
-                                      QStringLiteral("/pub/"));
-    ASSERT_EQ(rows.size(), 2);
-    const PaneRow &row = rows.at(1);
-    EXPECT_EQ(row.size, QStringLiteral("5368709120")) << "never in KB or MB, never grouped";
-    EXPECT_EQ(row.date, QStringLiteral("2026-11-20 10:00"));
-    EXPECT_EQ(row.permissions, QStringLiteral("755"));
-    EXPECT_EQ(row.tag, QStringLiteral("/pub/big.iso"));
+    QList<PaneRow> rows;
+    for (const char *type : { "d", "l", "-" }) {
+        rows = buildRemoteRows(listing({ entry("big.iso", type, 5368709120, 755) }),
+                               QStringLiteral("/pub/"));
+        ASSERT_EQ(rows.size(), 2);
+        const PaneRow &row = rows.at(1);
+        EXPECT_EQ(row.size, QStringLiteral("5368709120")) << "never in KB or MB, never grouped";
+        EXPECT_EQ(row.date, QStringLiteral("2026-11-20 10:00"));
+        EXPECT_EQ(row.permissions, QStringLiteral("755"));
+        EXPECT_EQ(row.tag, QStringLiteral("/pub/big.iso"));
+    }
     EXPECT_TRUE(rows.at(0).tag.isEmpty());
     EXPECT_TRUE(rows.at(0).size.isEmpty());
 }
