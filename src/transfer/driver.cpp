@@ -83,6 +83,7 @@ void TransferDriver::runFolder(int record)
         return;
     }
     m_tools.progress.setValue(0);
+    // Intended: a folder that was renamed and then skipped leaves no empty one of the old name.
     if (m_state.SkipCurrent) {
         return;
     }

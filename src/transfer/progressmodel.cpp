@@ -56,15 +56,14 @@ bool ProgressModel::report(const FtpEvent &event, const TransferState &state)
         break;
     case OpGetMultiple:
     case OpPutMultiple:
+        // Intended: a folder has no size of its own, but its tree may have a known total.
         m_maximum = event.total > 0 ? event.total : m_maximum;
         advance(event.bytes);
         break;
     default:
         return false;
     }
-    if (m_value > 0) { // until something came the label keeps "0 Bytes"
-        m_rate = FormatSize(m_value);
-    }
+    m_rate = m_value > 0 ? FormatSize(m_value) : nothingYet();
     Q_EMIT changed();
     return true;
 }
@@ -83,10 +82,13 @@ void ProgressModel::advance(qint64 done)
 void ProgressModel::ShowTransferItem(const QString &text, const QString &sizeText)
 {
     m_file = text.size() > LongestItemText ? text.left(LongestItemText) + u"..."_s : text;
-    m_rate = sizeText.isEmpty() ? QString() : u"0 Bytes"_s;
     m_size = sizeText.isEmpty() ? QString() : u"von "_s + FormatSize(lenientInteger(sizeText));
+    m_rate = nothingYet();
     Q_EMIT changed();
 }
+
+/// Intended: FormatSize(0) is empty, but a file that stalls says that nothing came.
+QString ProgressModel::nothingYet() const { return m_size.isEmpty() ? QString() : u"0 Bytes"_s; }
 
 int ProgressModel::percent() const
 {

@@ -40,6 +40,7 @@ Q_SIGNALS:
 
 private:
     void advance(qint64 done);
+    [[nodiscard]] QString nothingYet() const;
 
     qint64 m_value = 0;
     qint64 m_maximum = 100;

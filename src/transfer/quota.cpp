@@ -29,7 +29,7 @@ void SpaceReplies::explain(const FtpEvent &event)
 void SpaceReplies::showBox()
 {
     if (m_boxStandsOpen) {
-        return;
+        return; // Intended: one box at a time; the log has every reply.
     }
     m_boxStandsOpen = true;
     const auto closed = qScopeGuard([this] { m_boxStandsOpen = false; });

@@ -29,8 +29,8 @@ void Upload::enterTarget()
 {
     const bool there = withSeparator(m_tools.work.ftp.currentFolder(), u'/') == m_target;
     if (!there) {
-        // The pane ignores a folder that cannot be entered and would go on showing another one, by
-        // which no conflict could be seen.
+        // Intended: nothing is put into a folder that cannot be entered. The pane would go on
+        // showing another one, by which no conflict could be seen.
         m_unreachable = errorOf(m_tools.work.ftp.setCurrentFolder(m_target));
     }
     if (!m_unreachable && !m_target.startsWith(u'/')) {

@@ -105,15 +105,21 @@ TEST(FrmTransfer, EachButtonClosesWithItsAnswer)
 
 TEST(FrmTransfer, LeavingItOtherwiseSkips)
 {
-    frmTransfer closed(question);
-    closed.open();
-    closed.close();
-    EXPECT_EQ(closed.reply().answer, ConflictAnswer::Skip);
-    frmTransfer escaped(question);
-    escaped.open();
-    QTest::keyClick(&escaped, Qt::Key_Escape);
-    EXPECT_FALSE(escaped.isVisible());
-    EXPECT_EQ(escaped.reply().answer, ConflictAnswer::Skip);
+    for (const bool all : { false, true }) {
+        frmTransfer closed(question);
+        closed.open();
+        child<QCheckBox>(closed, u"chkSelectedAll"_s)->setChecked(all);
+        closed.close();
+        EXPECT_EQ(closed.reply().answer, ConflictAnswer::Skip);
+        EXPECT_EQ(closed.reply().applyToAll, all);
+        frmTransfer escaped(question);
+        escaped.open();
+        child<QCheckBox>(escaped, u"chkSelectedAll"_s)->setChecked(all);
+        QTest::keyClick(&escaped, Qt::Key_Escape);
+        EXPECT_FALSE(escaped.isVisible());
+        EXPECT_EQ(escaped.reply().answer, ConflictAnswer::Skip);
+        EXPECT_EQ(escaped.reply().applyToAll, all);
+    }
 }
 
 TEST(FrmTransfer, TheReturnKeyNeverOverwrites)

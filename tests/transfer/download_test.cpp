@@ -2,11 +2,22 @@
 
 #include "remote/itemkind.h"
 
+#include <QTime>
+
+#include <cmath>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
-class DownloadTest : public TransferBench { };
+class DownloadTest : public TransferBench {
+protected:
+    void expectTargetListed() const
+    {
+        EXPECT_TRUE(local.calls.contains(u"list "_s + disk()));
+        EXPECT_EQ(local.text, disk());
+        EXPECT_EQ(local.calls.value(local.calls.size() - 1), u"clear selection"_s);
+    }
+};
 
 TEST_F(DownloadTest, FetchesTheSelectedFilesAndNoOther)
 {
@@ -58,9 +69,7 @@ TEST_F(DownloadTest, LeavesTheWindowReadyAndTheTargetListed)
     EXPECT_FALSE(shellCalls(u"UpdateLocalCommandStates"_s).isEmpty());
     EXPECT_TRUE(shell.calls.contains(u"SetAbortEnabled 0"_s)); // nothing is left to abort
     EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
-    EXPECT_TRUE(local.calls.contains(u"list "_s + disk()));
-    EXPECT_EQ(local.text, disk());
-    EXPECT_EQ(local.calls.last(), u"clear selection"_s);
+    expectTargetListed();
     EXPECT_TRUE(remote.markedNames().isEmpty());
     EXPECT_EQ(progress.value(), 0);
     EXPECT_EQ(progress.rateText(), QString());
@@ -74,7 +83,9 @@ TEST_F(DownloadTest, ShowsItemAndProgressWhileItRuns)
               (QStringList { u"ShowTransferItem Datei: langername.html|3000"_s,
                              u"ShowTransferItem |"_s }));
     EXPECT_EQ(progress.maximum(), 3000);
-    EXPECT_GT(globals.transfer.TransferStart, 0);
+    // Seconds of the day; midnight may have come in between.
+    const double now = QTime::currentTime().msecsSinceStartOfDay() / 1000.0;
+    EXPECT_LT(std::fmod(now - globals.transfer.TransferStart + 86400, 86400), 60);
 }
 
 TEST_F(DownloadTest, TheBarReturnsToZeroAfterEveryFile)
@@ -93,6 +104,22 @@ TEST_F(DownloadTest, TheBarReturnsToZeroAfterEveryFile)
     download({ u"a"_s, u"b"_s });
     EXPECT_EQ(atTheStart.size(), 2);
     EXPECT_TRUE(atTheStart.contains(4) && atTheStart.contains(0));
+}
+
+TEST_F(DownloadTest, TheBarIsEmptyWhileTheNextQuestionStands)
+{
+    for (const char *name : { "a", "b", "c" }) {
+        ftp.addFile(u"/www/"_s + QString::fromLatin1(name), "12345678");
+    }
+    writeLocal(u"c"_s, "1234");
+    dialogs.whileAsked = [this] { EXPECT_EQ(progress.value(), 0); };
+    for (const QStringList &names :
+         { QStringList { u"b"_s, u"c"_s }, QStringList { u"a"_s, u"b"_s, u"c"_s } }) {
+        QFile::remove(disk(u"a"_s));
+        QFile::remove(disk(u"b"_s));
+        dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+        download(names);
+    }
 }
 
 TEST_F(DownloadTest, ALocalFileIsRenamedWithItsContent)
@@ -272,6 +299,74 @@ TEST_F(DownloadTest, RenamingAFolderMakesRoomForTheNewOne)
     EXPECT_EQ(readLocal(u"frueher/a.txt"_s), "alt");
 }
 
+TEST_F(DownloadTest, AFolderThatWasRenamedAndThenSkippedIsNotMadeAnew)
+{
+    ftp.addFile(u"/www/ordner/a.txt"_s, "neu");
+    writeLocal(u"ordner/a.txt"_s, "alt");
+    dialogs.steps
+        = { { ConflictAnswer::Rename, false, u"frueher"_s }, { ConflictAnswer::Skip, false, {} } };
+    download({ u"ordner"_s });
+    EXPECT_EQ(readLocal(u"frueher/a.txt"_s), "alt");
+    EXPECT_FALSE(onDisk(u"ordner"_s));
+    EXPECT_TRUE(shell.queue.isEmpty());
+}
+
+TEST_F(DownloadTest, AllGoesForFoldersThatExist)
+{
+    ftp.addFile(u"/www/a"_s, "eins eins");
+    ftp.addFile(u"/www/d1/x"_s, "neu");
+    ftp.addFile(u"/www/d2/x"_s, "neu");
+    writeLocal(u"a"_s, "EINS");
+    QDir().mkpath(disk(u"d2"_s));
+    for (const auto &[answer, names] :
+         { std::pair { ConflictAnswer::Overwrite, QStringList { u"d1"_s, u"d2"_s } },
+           std::pair { ConflictAnswer::Resume, QStringList { u"a"_s, u"d1"_s } } }) {
+        shell.queue.clear();
+        writeLocal(u"d1/x"_s, "alt");
+        dialogs.steps = { { answer, true, {} }, { answer, true, {} } };
+        download(names);
+        EXPECT_EQ(dialogs.steps.size(), 1U) << "asked more than once";
+        dialogs.steps.clear();
+        EXPECT_EQ(readLocal(u"d1/x"_s), "neu");
+        EXPECT_EQ(statuses(), (QStringList { u"Download"_s, u"Download"_s }));
+    }
+    EXPECT_EQ(readLocal(u"d2/x"_s), "neu");
+}
+
+TEST_F(DownloadTest, AllWithSkipAtAFolderSkipsTheRest)
+{
+    ftp.addFile(u"/www/d1/x"_s, "neu");
+    ftp.addFile(u"/www/frei"_s, "neu");
+    QDir().mkpath(disk(u"d1"_s));
+    dialogs.steps = { { ConflictAnswer::Skip, true, {} } };
+    download({ u"d1"_s, u"frei"_s });
+    EXPECT_FALSE(onDisk(u"frei"_s));
+    EXPECT_TRUE(shell.queue.isEmpty());
+}
+
+TEST_F(DownloadTest, ResumingIsOfferedOnlyWhenTheServerCan)
+{
+    ftp.addFile(u"/www/a"_s, "neuer Inhalt");
+    writeLocal(u"a"_s, "NEUER");
+    for (const bool support : { false, true }) {
+        globals.session.ResumeSupport = support;
+        dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+        download({ u"a"_s });
+        EXPECT_EQ(dialogs.questions.last().mayResume, support);
+    }
+}
+
+TEST_F(DownloadTest, ALocalRenameThatFailsIsLoggedAndChangesNothing)
+{
+    ftp.addFile(u"/www/a"_s, "neu");
+    writeLocal(u"a"_s, "alt");
+    dialogs.steps = { { ConflictAnswer::Rename, false, QString(300, u'x') },
+                      { ConflictAnswer::Skip, false, {} } };
+    download({ u"a"_s });
+    EXPECT_EQ(readLocal(u"a"_s), "alt");
+    EXPECT_TRUE(shell.log.contains(u"\r\n"_s + disk(u"a"_s) + u": "_s)) << shell.log.toStdString();
+}
+
 TEST_F(DownloadTest, AFailedGetKeepsItsRowAndTellsWhy)
 {
     ftp.addFile(u"/www/a.txt"_s, "eins");
@@ -302,6 +397,7 @@ TEST_F(DownloadTest, AnAbortEndsTheBatch)
     EXPECT_TRUE(remote.markedNames().isEmpty());
     EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 1 0 1 1"_s));
     EXPECT_EQ(shell.calls.last(), u"SetFolderBoxesEnabled 1"_s);
+    expectTargetListed();
 }
 
 TEST_F(DownloadTest, AFullDiskStopsTheBatchAndIsExplained)
@@ -313,6 +409,7 @@ TEST_F(DownloadTest, AFullDiskStopsTheBatchAndIsExplained)
     EXPECT_EQ(shell.queue.size(), 1);
     EXPECT_TRUE(shell.log.contains(u"Auf dem lokalen Datenträger ist kein Platz mehr frei."_s));
     EXPECT_TRUE(shell.calls.contains(u"SetCommandsEnabled 0 1 1 1"_s));
+    expectTargetListed();
 }
 
 TEST_F(DownloadTest, FilesThatNeedNoQuestionGoInOneCallAndTheOrderStands)

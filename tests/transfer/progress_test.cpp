@@ -74,6 +74,24 @@ TEST(ProgressModel, AStalledFileShowsThatNothingCameYet)
     model.ShowTransferItem(u"Datei: a"_s, u"2048"_s);
     EXPECT_TRUE(model.report(bytes(OpGetFile, 0), {}));
     EXPECT_EQ(model.rateText(), u"0 Bytes"_s);
+    model.ShowTransferItem(u"Ordner: b"_s, {});
+    EXPECT_TRUE(model.report(bytes(OpGetMultiple, 0), {}));
+    EXPECT_EQ(model.rateText(), QString()) << "of a folder no size is told";
+}
+
+TEST(ProgressModel, AFileThatBeginsAnewShowsNoOldAmount)
+{
+    ProgressModel model;
+    model.setMaximumFor(2048);
+    model.ShowTransferItem(u"Datei: a"_s, u"2048"_s);
+    ASSERT_TRUE(model.report(bytes(OpGetFile, 700), {}));
+    ASSERT_TRUE(model.report(bytes(OpGetFile, 0), {}));
+    EXPECT_EQ(model.value(), 0);
+    EXPECT_EQ(model.rateText(), u"0 Bytes"_s);
+    model.ShowTransferItem(u"Ordner: b"_s, {});
+    ASSERT_TRUE(model.report(bytes(OpGetMultiple, 700), {}));
+    ASSERT_TRUE(model.report(bytes(OpGetMultiple, 0), {}));
+    EXPECT_EQ(model.rateText(), QString());
 }
 
 TEST(ProgressModel, RaisesAMaximumThatWasTooSmall)
@@ -120,6 +138,8 @@ TEST(ProgressModel, FollowsTheKnownTotalOfATree)
     EXPECT_EQ(model.maximum(), 4000);
     ASSERT_TRUE(model.report(bytes(15, 600, 6000), {}));
     EXPECT_EQ(model.maximum(), 6000);
+    ASSERT_TRUE(model.report(bytes(15, 700), {}));
+    EXPECT_EQ(model.maximum(), 6000) << "a tree of unknown size leaves it";
 }
 
 TEST(ProgressModel, FinishingEmptiesBarAndRate)
@@ -146,6 +166,14 @@ TEST(ShowTransferItem, CutsTextsOfSixteenCharacters)
     EXPECT_EQ(model.sizeText(), QString());
     model.ShowTransferItem({}, {});
     EXPECT_EQ(model.fileText(), QString());
+}
+
+TEST(ShowTransferItem, ASizeOfZeroIsASize)
+{
+    ProgressModel model;
+    model.ShowTransferItem(u"Datei: leer"_s, u"0"_s);
+    EXPECT_EQ(model.rateText(), u"0 Bytes"_s);
+    EXPECT_EQ(model.sizeText(), u"von "_s);
 }
 
 TEST(ProgressPanel, ShowsTheModel)

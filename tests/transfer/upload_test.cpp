@@ -1,5 +1,6 @@
 #include "transferbench.h"
 
+#include "ftp/ftplocalnames.h"
 #include "remote/itemkind.h"
 
 #include <sys/stat.h>
@@ -488,6 +489,106 @@ TEST_F(UploadTest, RenamesTheRemoteFileWithFullPathsAndAsksAgain)
     EXPECT_EQ(dialogs.offeredNames, (QStringList { u"a.txt"_s, u"a.txt"_s }));
     ASSERT_EQ(dialogs.questions.size(), 3);
     EXPECT_EQ(dialogs.questions[2].message, dialogs.questions[0].message);
+}
+
+TEST_F(UploadTest, AConflictThatARenameMadeIsSeen)
+{
+    ftp.addFile(u"/www/a"_s, "alt");
+    writeLocal(u"a"_s, "neuer");
+    writeLocal(u"b"_s, "neuer");
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"b"_s },
+                      { ConflictAnswer::Overwrite, false, {} },
+                      { ConflictAnswer::Skip, false, {} } };
+    upload({ u"a"_s, u"b"_s });
+    EXPECT_EQ(ftp.content(u"/www/b"_s), "alt") << "overwritten without a question";
+    EXPECT_EQ(ftp.content(u"/www/a"_s), "neuer");
+}
+
+TEST_F(UploadTest, RenamingAFolderMakesRoomForTheNewOne)
+{
+    ftp.addFile(u"/www/bilder/x"_s, "alt");
+    writeLocal(u"bilder/x"_s, "neuer");
+    dialogs.steps = { { ConflictAnswer::Rename, false, u"frueher"_s },
+                      { ConflictAnswer::Overwrite, false, {} } };
+    upload({ u"bilder"_s });
+    EXPECT_EQ(ftp.commandsOf(u"MKD"_s), QStringList { u"MKD /www/bilder"_s });
+    EXPECT_EQ(ftp.content(u"/www/bilder/x"_s), "neuer");
+    EXPECT_EQ(ftp.content(u"/www/frueher/x"_s), "alt");
+}
+
+TEST_F(UploadTest, AFolderThatWasRenamedAndThenSkippedIsNotMadeAnew)
+{
+    ftp.addFolder(u"/www/bilder"_s);
+    writeLocal(u"bilder/x"_s, "neuer");
+    dialogs.steps
+        = { { ConflictAnswer::Rename, false, u"frueher"_s }, { ConflictAnswer::Skip, false, {} } };
+    upload({ u"bilder"_s });
+    EXPECT_TRUE(ftp.has(u"/www/frueher"_s));
+    EXPECT_FALSE(ftp.has(u"/www/bilder"_s));
+    EXPECT_TRUE(shell.queue.isEmpty());
+}
+
+TEST_F(UploadTest, TheNewNameIsAskedForWithTheServersName)
+{
+    const QString name = textOfName("a\xe4.txt"); // no UTF-8: another name on the server
+    const QString onServer = nameForServer(name);
+    ASSERT_NE(onServer, name);
+    ftp.addFile(u"/www/"_s + onServer, "alt");
+    showBoth();
+    local.model().appendRow({ name, ItemKind::File, u"5"_s, {}, {}, disk(name), false });
+    local.select({ name });
+    dialogs.steps = { { ConflictAnswer::Rename, false, std::nullopt } };
+    commands.cmd_upload_Click();
+    EXPECT_EQ(dialogs.offeredNames, QStringList { onServer });
+}
+
+TEST_F(UploadTest, ResumingIsOfferedWhateverTheServerSaysOfRestarts)
+{
+    ftp.addFile(u"/www/a"_s, "alt");
+    writeLocal(u"a"_s, "neuer");
+    globals.session.ResumeSupport = false; // an upload is continued by appending
+    dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+    upload({ u"a"_s });
+    EXPECT_TRUE(dialogs.questions.value(0).mayResume);
+}
+
+TEST_F(UploadTest, AllGoesForFoldersThatExist)
+{
+    ftp.addFile(u"/www/a"_s, "EINS");
+    ftp.addFolder(u"/www/d1"_s);
+    ftp.addFolder(u"/www/d2"_s);
+    writeLocal(u"a"_s, "eins eins");
+    writeLocal(u"d1/x"_s, "x");
+    writeLocal(u"d2/x"_s, "x");
+    for (const auto &[answer, names] :
+         { std::pair { ConflictAnswer::Overwrite, QStringList { u"d1"_s, u"d2"_s } },
+           std::pair { ConflictAnswer::Resume, QStringList { u"a"_s, u"d1"_s } } }) {
+        shell.queue.clear();
+        ftp.nodes.remove(u"/www/d1/x"_s);
+        dialogs.steps = { { answer, true, {} }, { answer, true, {} } };
+        upload(names);
+        EXPECT_EQ(dialogs.steps.size(), 1U) << "asked more than once";
+        dialogs.steps.clear();
+        EXPECT_EQ(ftp.content(u"/www/d1/x"_s), "x");
+        EXPECT_EQ(statuses(), (QStringList { u"Upload"_s, u"Upload"_s }));
+    }
+    EXPECT_EQ(ftp.content(u"/www/d2/x"_s), "x");
+}
+
+TEST_F(UploadTest, TheBarIsEmptyWhileTheNextQuestionStands)
+{
+    ftp.addFile(u"/www/c"_s, "alt");
+    for (const char *name : { "a", "b", "c" }) {
+        writeLocal(QString::fromLatin1(name), "neuer");
+    }
+    dialogs.whileAsked = [this] { EXPECT_EQ(progress.value(), 0); };
+    for (const QStringList &names :
+         { QStringList { u"b"_s, u"c"_s }, QStringList { u"a"_s, u"b"_s, u"c"_s } }) {
+        ftp.nodes.remove(u"/www/a"_s);
+        ftp.nodes.remove(u"/www/b"_s);
+        dialogs.steps = { { ConflictAnswer::Skip, false, {} } };
+        upload(names);
+    }
 }
 
 TEST_F(UploadTest, ANameThatOnlyTheServerKnowsIsNotReplaced)
