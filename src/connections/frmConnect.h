@@ -47,6 +47,7 @@ private:
     [[nodiscard]] QLayout *buttonRow();
     void fillProfiles();
     void showFields(const ProfileFields &fields);
+    [[nodiscard]] int entryOf(const QString &name) const;
     void filterName(const QString &typed);
     void onChosen(int index);
     void readProfile();

@@ -23,6 +23,14 @@ void frmConnect::fillProfiles()
         m_globals.session.Lastconnect, Qt::MatchExactly | Qt::MatchCaseSensitive));
 }
 
+/// The entry of a profile's name. The exact one counts first, as with the files: two profiles may
+/// differ in case only.
+int frmConnect::entryOf(const QString &name) const
+{
+    const int exact = m_cbo_profil->findText(name, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    return exact >= 0 ? exact : m_cbo_profil->findText(name, Qt::MatchFixedString);
+}
+
 void frmConnect::filterName(const QString &typed)
 {
     const QString filtered = filteredProfileName(typed);
@@ -72,10 +80,10 @@ bool frmConnect::writeProfile()
     m_unchanged = fields();
     const QSignalBlocker quiet(m_cbo_profil);
     // A name in other case is the same profile, whose own spelling stays.
-    if (m_cbo_profil->findText(name, Qt::MatchFixedString) < 0) {
+    if (entryOf(name) < 0) {
         m_cbo_profil->addItem(name);
     }
-    m_cbo_profil->setCurrentIndex(m_cbo_profil->findText(name, Qt::MatchFixedString));
+    m_cbo_profil->setCurrentIndex(entryOf(name));
     m_cbo_profil->lineEdit()->home(false); // the beginning of a long name is what tells it apart
     return true;
 }
@@ -113,7 +121,7 @@ void frmConnect::onDelete()
         return;
     }
     const QSignalBlocker quiet(m_cbo_profil);
-    m_cbo_profil->removeItem(m_cbo_profil->findText(name, Qt::MatchFixedString));
+    m_cbo_profil->removeItem(entryOf(name));
     m_cbo_profil->setCurrentIndex(-1);
     m_cbo_profil->clearEditText();
 }

@@ -241,3 +241,18 @@ TEST_F(ConnectDialog, FieldsGivenFromOutsideCountAsUnchanged)
     press("cmdOK");
     EXPECT_EQ(globals.connection.RemoteHost, u"files01"_s);
 }
+
+TEST_F(ConnectDialog, TheLastConnectionIsTheTextOfTheBox)
+{
+    writeHome();
+    for (const bool chosen : { false, true }) {
+        globals.session.Lastconnect = chosen ? u"Heim"_s : QString();
+        open();
+        names()->setEditText(u"Neu_9"_s); // no such profile
+        edit("txtRemoteHost")->setText(u"files09"_s);
+        prompts.expectQuestion(saveQuestion, false);
+        press("cmdOK");
+        EXPECT_EQ(globals.session.Lastconnect, u"Neu_9"_s);
+        EXPECT_EQ(saved(u"Lastconnect"_s), u"Neu_9"_s);
+    }
+}

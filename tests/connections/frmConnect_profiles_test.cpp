@@ -157,6 +157,44 @@ TEST_F(ConnectDialog, ANameInOtherCaseIsTheSameProfile)
     EXPECT_EQ(profiles.names(), QStringList { u"Heim"_s });
 }
 
+TEST_F(ConnectDialog, ProfilesThatDifferInCaseAreNeverMixedUp)
+{
+    const auto write = [this](const QString &name, const QByteArray &server) {
+        QFile made(base.filePath(name));
+        ASSERT_TRUE(made.open(QIODevice::WriteOnly) && made.write(server + "\r\n") > 0);
+    };
+    write(u"HEIM.login"_s, "gross01");
+    write(u"heim.login"_s, "klein01");
+    globals.session.Lastconnect = u"heim"_s;
+    open();
+    EXPECT_EQ(edit("txtRemoteHost")->text(), u"klein01"_s);
+    edit("txtRemoteHost")->setText(u"klein02"_s);
+    press("cmd_profil_speichern");
+    EXPECT_EQ(names()->currentText(), u"heim"_s) << "the next saving would go to the other one";
+    EXPECT_TRUE(file(u"heim.login"_s).startsWith("klein02\r\n"));
+    EXPECT_EQ(file(u"HEIM.login"_s), "gross01\r\n");
+    prompts.expectQuestion(u"Sind Sie sicher, dass Sie die Verbindung löschen möchten."_s, true);
+    press("cmd_profil_loeschen");
+    ASSERT_EQ(names()->count(), 1);
+    EXPECT_EQ(names()->itemText(0), u"HEIM"_s);
+    EXPECT_EQ(file(u"HEIM.login"_s), "gross01\r\n");
+}
+
+TEST_F(ConnectDialog, EnterInTheNameLoadsNoProfileOverTheTypedFields)
+{
+    writeHome();
+    open();
+    press("cmd_profil_neu");
+    edit("txtRemoteHost")->setText(u"neu01"_s);
+    names()->setFocus();
+    QTest::keyClicks(names()->lineEdit(), u"Heim"_s);
+    prompts.expectQuestion(u"Möchten Sie die Änderungen an der Verbindung speichern?"_s, false);
+    QTest::keyClick(names()->lineEdit(), Qt::Key_Return);
+    EXPECT_FALSE(globals.session.DialogCancelled) << "Enter is Login";
+    EXPECT_EQ(globals.connection.RemoteHost, u"neu01"_s);
+    EXPECT_TRUE(file(u"Heim.login"_s).startsWith("files01\r\n"));
+}
+
 TEST_F(ConnectDialog, TheWheelChangesNoEntry)
 {
     writeHome();
