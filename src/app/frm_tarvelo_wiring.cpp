@@ -92,6 +92,8 @@ void frm_tarvelo::connectPanes()
             [this] { m_globals.active = { .LocalListActive = true }; });
     connect(&m_remote->view(), &PaneView::gotFocus, this,
             [this] { m_globals.active = { .RemoteListActive = true }; });
+    // The rows of a slow folder come later, and none of them is selected.
+    connect(m_local, &LocalPane::listed, this, [this] { followPane(false); });
     connectSelection(m_local->view(), false);
     connectSelection(m_remote->view(), true);
     connect(&m_local->view(), &PaneView::upPressed, this, [this] { goUp(false); });

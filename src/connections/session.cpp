@@ -145,6 +145,7 @@ void Session::LoginErrorMessage(const FtpError &error)
         m_prompts.message(message.box);
     }
     m_shell.AppendLog(error.text + lineBreak);
+    // Intended: whoever reads German messages is told in German, too, what to do.
     appendAdvice(adviceFor(error.kind));
     m_control.close();
     m_globals.session.ConnectionLost = true;
@@ -216,8 +217,8 @@ void Session::onStateChanged(int state)
         Q_EMIT captionChanged(windowCaption({}));
         m_shell.AppendLog(u"Connection Closed"_s + lineBreak);
         m_globals.session.ConnectionLost = true;
+        m_remote.model().clear(); // before the commands that need a row are looked at
         showDisconnected();
-        m_remote.model().clear();
     }
 }
 
@@ -229,6 +230,8 @@ void Session::onReplyEvent(const FtpEvent &event)
         }
     } else {
         noteNewFolder(event);
+        // Intended: a reply in the middle of a transfer leaves it as it is; there is still
+        // something to abort.
         if (!duringTransfer(event)) {
             m_shell.SetAbortEnabled(false);
         }

@@ -38,7 +38,7 @@ protected:
     {
         window.reset();
         window = std::make_unique<frm_tarvelo>(
-            WindowServices { globals, ftp, prompts, store, Addresses(), commandLine });
+            WindowServices { globals, ftp, prompts, store, addresses, commandLine });
         window->show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
         window->activateWindow();
@@ -117,6 +117,12 @@ protected:
     QTemporaryDir home;
     Globals globals;
     SettingsStore store;
+    /// Others than the built-in ones.
+    const Addresses addresses {
+        QStringLiteral("https://a.example/"),     QStringLiteral("https://b.example/"),
+        QStringLiteral("https://c.example/"),     QStringLiteral("https://d.example/"),
+        QStringLiteral("hilfe@morlanda.example"), QStringLiteral("buero@morlanda.example")
+    };
     ScriptedPrompts prompts;
     FtpControl ftp;
     std::unique_ptr<frm_tarvelo> window;

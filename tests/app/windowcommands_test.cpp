@@ -1,5 +1,6 @@
 #include "app/windowbench.h"
 #include "ftp/ftplocalnames.h"
+#include "support/urlcatcher.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -10,6 +11,7 @@
 #include <QTreeView>
 
 #include <filesystem>
+#include <numeric>
 
 using WindowCommands = WindowBench;
 
@@ -193,6 +195,29 @@ TEST_F(WindowCommands, TheLocalToolBarWorksOnTheLocalPane)
     EXPECT_EQ(globals.session.CurrentLocalDir, QFileInfo(home.path()).path() + u'/');
 }
 
+TEST_F(WindowCommands, TheLocalToolBarNeedsNoActiveList)
+{
+    file("a.txt");
+    refreshLocal();
+    LocalPane &local = window->localPane();
+    select(local, { "a.txt" });
+    focus(window->remotePane().view()); // the other list is the active one
+    UrlCatcher desktop(QStringLiteral("file"));
+    const QUrl shown = QUrl::fromLocalFile(home.filePath(QStringLiteral("a.txt")));
+    window->UpdateLocalCommandStates();
+    button("tbToolBar", "ViewFile")->trigger();
+    EXPECT_EQ(desktop.opened, QList<QUrl> { shown });
+    focus(local.view());
+    item("mnuView")->trigger();
+    EXPECT_EQ(desktop.opened, (QList<QUrl> { shown, shown }));
+    focus(window->remotePane().view());
+    window->UpdateLocalCommandStates();
+    button("tbToolBar", "NewFolder")->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    EXPECT_TRUE(QFileInfo(home.filePath(QStringLiteral("Ordner"))).isDir());
+    EXPECT_NE(local.view().viewport()->findChild<QLineEdit *>(), nullptr) << "its name is edited";
+}
+
 TEST_F(WindowCommands, KeysOfThePanesReachTheCommands)
 {
     QDir(home.path()).mkdir(QStringLiteral("bilder"));
@@ -216,31 +241,85 @@ TEST_F(WindowCommands, KeysOfThePanesReachTheCommands)
     EXPECT_TRUE(local.view().hasFocus());
 }
 
-TEST_F(WindowCommands, OnlyTheStartFolderOfTheCommandLineIsSelected)
+namespace {
+
+/// A folder that takes longer to read than the pane waits: links to themselves by long ways.
+/// @return its rows without the up row
+int makeSlowFolder(const QString &path)
 {
-    const QString slow = home.filePath(QStringLiteral("viele"));
-    const QString other = home.filePath(QStringLiteral("andere"));
-    ASSERT_TRUE(QDir().mkpath(slow) && QDir().mkpath(other + QStringLiteral("/b")));
-    // Links to themselves by long ways: looking at each takes milliseconds, and all of them more
-    // than the pane waits for.
-    ASSERT_TRUE(QDir(slow).mkdir(QStringLiteral("s")));
-    for (int i = 0; i < 200; ++i) {
+    constexpr int links = 200;
+    EXPECT_TRUE(QDir().mkpath(path + QStringLiteral("/s")));
+    for (int i = 0; i < links; ++i) {
         const QString name = QStringLiteral("l%1").arg(i);
-        ASSERT_TRUE(QFile::link(QStringLiteral("s/../").repeated(800) + name, slow + u'/' + name));
+        EXPECT_TRUE(QFile::link(QStringLiteral("s/../").repeated(800) + name, path + u'/' + name));
     }
-    const QStringList fields { QStringLiteral("127.0.0.1"), {}, {}, slow, {}, QStringLiteral("1"),
-                               QStringLiteral("0"),         {}, {}, {},   {} }; // no port: no login
-    prompts.expectMessage(
-        QStringLiteral("Allgemeiner Fehler! Versuchen Sie den Vorgang zu einem späteren Zeitpunkt "
-                       "nochmals zu starten."));
-    open(fields.join(u'\t'));
-    window->load_commands();
+    return links + 1;
+}
+
+class SlowStartFolder : public WindowBench {
+protected:
+    /// Starts as another program would start it, with the slow folder as its folder here.
+    void SetUp() override
+    {
+        globals.settings.HiddenFile = true; // broken links count as hidden
+        rows = makeSlowFolder(slow);
+        const QStringList fields { QStringLiteral("127.0.0.1"),
+                                   {},
+                                   {},
+                                   slow,
+                                   {},
+                                   QStringLiteral("1"),
+                                   QStringLiteral("0"), // no port: no login
+                                   {},
+                                   {},
+                                   {},
+                                   {} };
+        prompts.expectMessage(
+            QStringLiteral("Allgemeiner Fehler! Versuchen Sie den Vorgang zu einem späteren "
+                           "Zeitpunkt nochmals zu starten."));
+        open(fields.join(u'\t'));
+        window->load_commands();
+        ASSERT_TRUE(window->localPane().isReading());
+    }
+    bool waitForRows()
+    {
+        return QTest::qWaitFor([this] { return !window->localPane().isReading(); });
+    }
+
+    QString slow = home.filePath(QStringLiteral("viele"));
+    int rows = 0;
+};
+
+} // namespace
+
+TEST_F(SlowStartFolder, AllItsRowsAreSelectedWhenTheyCome)
+{
+    ASSERT_TRUE(waitForRows());
+    QList<int> expected(rows);
+    std::iota(expected.begin(), expected.end(), 1);
+    EXPECT_EQ(window->localPane().selectedRows(), expected) << "the up row is none of them";
+}
+
+TEST_F(SlowStartFolder, NoOtherFolderIsSelected)
+{
+    const QString other = home.filePath(QStringLiteral("andere"));
+    ASSERT_TRUE(QDir().mkpath(other + QStringLiteral("/b")));
     LocalPane &local = window->localPane();
-    ASSERT_TRUE(local.isReading());
     find<QComboBox>("cmbLocalDir")->setEditText(other); // the user does not wait
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !local.isReading(); }));
+    ASSERT_TRUE(waitForRows());
     ASSERT_EQ(rowOf(local, "b"), 1);
     EXPECT_TRUE(local.selectedRows().isEmpty());
+}
+
+TEST_F(SlowStartFolder, ARefreshIsFollowedByTheStatesWhenItsRowsCome)
+{
+    ASSERT_TRUE(waitForRows());
+    EXPECT_TRUE(button("tbToolBar", "DeleteFiles")->isEnabled());
+    button("tbToolBar", "Refresh")->trigger();
+    ASSERT_TRUE(window->localPane().isReading());
+    ASSERT_TRUE(waitForRows());
+    ASSERT_TRUE(window->localPane().selectedRows().isEmpty());
+    EXPECT_FALSE(button("tbToolBar", "DeleteFiles")->isEnabled() || enabled("mnuDelete"));
 }
 
 TEST_F(WindowCommands, F2RenamesInPlace)

@@ -6,6 +6,7 @@
 #include "dialogs/helpkeyfilter.h"
 #include "dialogs/helppages.h"
 #include "support/modalbox.h"
+#include "support/urlcatcher.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -26,26 +27,6 @@ protected:
         }
         return texts.join(u'|').toStdString();
     }
-};
-
-/// Stands in for the desktop's opener.
-class UrlCatcher : public QObject {
-    Q_OBJECT
-
-public:
-    explicit UrlCatcher(const QString &scheme = QStringLiteral("https"))
-        : m_scheme(scheme)
-    {
-        QDesktopServices::setUrlHandler(m_scheme, this, "open");
-    }
-    ~UrlCatcher() override { QDesktopServices::unsetUrlHandler(m_scheme); }
-    QList<QUrl> opened;
-
-public Q_SLOTS:
-    void open(const QUrl &url) { opened.append(url); }
-
-private:
-    QString m_scheme;
 };
 
 } // namespace
@@ -167,15 +148,19 @@ TEST_F(WindowParts, TheHelpMenuOpensTheHelpAtItsBeginning)
 TEST_F(WindowParts, TheHelpMenuOpensBoxesAndPages)
 {
     {
-        const WhenModalOpens<frm_info> info([](frm_info &opened) { opened.close(); });
+        UrlCatcher desktop;
+        const WhenModalOpens<frm_info> info([](frm_info &opened) {
+            opened.findChild<QAbstractButton *>(QStringLiteral("cmd_auswahl_0"))->click();
+            opened.close();
+        });
         item("m_h_1")->trigger();
+        EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(addresses.secondHomePage) });
     }
     {
         const WhenModalOpens<frmAbout> about([](frmAbout &opened) { opened.close(); });
         item("m_h_2")->trigger();
     }
     UrlCatcher desktop;
-    const Addresses addresses;
     for (const char *name : { "m_h_4", "m_h_7", "m_h_10" }) {
         item(name)->trigger();
     }
@@ -195,7 +180,7 @@ TEST_F(WindowParts, TheHelpMenuWritesToTheSupportAfterAHint)
     item("m_h_6")->trigger();
     ASSERT_EQ(desktop.opened.size(), 1);
     EXPECT_EQ(desktop.opened.first().toString(QUrl::FullyEncoded),
-              QStringLiteral("mailto:support@morlanda.example?subject=Tarvelo%20FTP%20V220&body="
+              QStringLiteral("mailto:hilfe@morlanda.example?subject=Tarvelo%20FTP%20V220&body="
                              "Hallo,%0A%0Aich%20habe%20folgende%20Probleme/Fragen:"));
 }
 
@@ -204,7 +189,5 @@ TEST_F(WindowParts, TheMakersLogoOpensTheHomePage)
     EXPECT_TRUE(find<QWidget>("img_logo_links")->isVisible());
     UrlCatcher desktop;
     find<QAbstractButton>("img_logo_rechts")->click();
-    EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(Addresses().homePage) });
+    EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(addresses.homePage) });
 }
-
-#include "windowparts_test.moc"

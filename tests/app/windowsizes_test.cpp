@@ -8,7 +8,18 @@
 
 #include <cstdlib>
 
-using WindowSizes = WindowBench;
+namespace {
+
+class WindowSizes : public WindowBench {
+protected:
+    [[nodiscard]] QRect place(const char *name) const
+    {
+        const auto *widget = find<QWidget>(name);
+        return { widget->mapTo(window.get(), QPoint()), widget->size() };
+    }
+};
+
+} // namespace
 
 TEST_F(WindowSizes, TheQueueStartsEmptyAndIsNeverSaved)
 {
@@ -37,12 +48,33 @@ TEST_F(WindowSizes, NeverGetsSmallerThanItsMinimum)
     EXPECT_EQ(window->size(), QSize(667, 467));
     for (const char *name : { "lvwLocal", "lvwRemote", "lvwStatus", "txtLog", "cmd_download",
                               "cmd_upload", "cmdAbort", "cmd_desktop" }) {
-        auto *widget = find<QWidget>(name);
-        const QRect place(widget->mapTo(window.get(), QPoint()), widget->size());
-        EXPECT_TRUE(window->rect().contains(place)) << name;
-        EXPECT_GE(widget->height(), 20) << name;
+        EXPECT_TRUE(window->rect().contains(place(name))) << name;
+        EXPECT_GE(place(name).height(), 20) << name;
+    }
+    for (const char *name : { "img_ampel_rot", "op_transfer_2", "Progress", "lblFileSize",
+                              "img_logo_links", "img_logo_rechts" }) {
+        EXPECT_TRUE(window->rect().contains(place(name))) << name;
     }
     EXPECT_GE(find<QWidget>("lvwLocal")->height(), 60);
+}
+
+TEST_F(WindowSizes, PanesQueueAndLogFillABiggerWindow)
+{
+    constexpr std::array grown { "lvwLocal", "lvwRemote", "lvwStatus", "txtLog" };
+    window->resize(667, 467);
+    QHash<QString, QRect> small;
+    for (const char *name : grown) {
+        small[QString::fromLatin1(name)] = place(name);
+    }
+    window->resize(1267, 967);
+    for (const char *name : grown) {
+        const QSize gain = place(name).size() - small[QString::fromLatin1(name)].size();
+        EXPECT_GE(gain.width(), 200) << name;
+        EXPECT_GE(gain.height(), 100) << name;
+    }
+    EXPECT_NEAR(place("lvwLocal").left(), window->width() - place("lvwRemote").right(), 2)
+        << "the margins are one";
+    EXPECT_NEAR(place("txtLog").right(), place("lvwRemote").right(), 2);
 }
 
 TEST_F(WindowSizes, QueueAndLogBeginAtOneHeight)

@@ -3,6 +3,9 @@
 
 #include "transfer/queuemodel.h"
 
+#include <QLabel>
+#include <QProgressBar>
+
 namespace {
 
 class BusyWindow : public OnlineBench {
@@ -30,6 +33,7 @@ protected:
         find<QAbstractButton>(download ? "cmd_download" : "cmd_upload")->click();
         EXPECT_TRUE(m_acted);
     }
+    QString label(const char *name) const { return find<QLabel>(name)->text(); }
     /// The one row says that the file did not come, and what came is a part of it.
     void expectBroken(bool download)
     {
@@ -72,6 +76,12 @@ TEST_P(BusyWindow, AbortingLeavesItReady)
     during(true, [this, title] {
         EXPECT_TRUE(window->windowTitle().endsWith(QStringLiteral(" % - ") + title));
         EXPECT_TRUE(find<QWidget>("cmdAbort")->isEnabled());
+        EXPECT_FALSE(find<QWidget>("cmbLocalDir")->isEnabled());
+        EXPECT_FALSE(find<QWidget>("cmbRemoteDir")->isEnabled());
+        EXPECT_EQ(label("lblFileName"), QStringLiteral("Datei: riesig"));
+        EXPECT_EQ(label("lblFileSize"), QStringLiteral("von 1430,5 MB"));
+        EXPECT_NE(label("lblRate"), QString());
+        EXPECT_GT(find<QProgressBar>("Progress")->maximum(), 0);
         prompts.expectConfirm(QStringLiteral("Beim Abbrechen wird die Verbindung getrennt."), true,
                               QStringLiteral("Abbrechen"));
         find<QAbstractButton>("cmdAbort")->click();
@@ -80,6 +90,9 @@ TEST_P(BusyWindow, AbortingLeavesItReady)
     settle();
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Tarvelo FTP"));
+    for (const char *name : { "lblFileName", "lblFileSize", "lblRate" }) {
+        EXPECT_EQ(label(name), QString()) << name;
+    }
     EXPECT_TRUE(find<QWidget>("cmbLocalDir")->isEnabled());
     EXPECT_TRUE(find<QWidget>("cmbRemoteDir")->isEnabled());
     EXPECT_FALSE(find<QWidget>("cmdAbort")->isEnabled());

@@ -3,6 +3,7 @@
 
 #include "fileops/frm_rechte.h"
 #include "support/modalbox.h"
+#include "support/urlcatcher.h"
 #include "transfer/frmRename.h"
 #include "transfer/frmTransfer.h"
 
@@ -90,6 +91,48 @@ TEST_P(OnlineCommands, DeletingGoesToTheListUsedLast)
     item("mnuDelete")->trigger();
     EXPECT_TRUE(std::filesystem::exists(remote("fern.txt")));
     EXPECT_TRUE(std::filesystem::exists(localPath("nah.txt")));
+}
+
+TEST_P(OnlineCommands, TheServersToolBarNeedsNoActiveList)
+{
+    servers::writeFile(remote("fern.txt"), "x");
+    server->adoptFiles();
+    button("tbToolBar_rem", "Refresh")->trigger();
+    settle();
+    FilePane &pane = window->remotePane();
+    focus(window->localPane().view()); // the other list is the active one
+    select(pane, { "fern.txt" });
+    expectDeletion(1);
+    button("tbToolBar_rem", "DeleteFiles")->trigger();
+    EXPECT_TRUE(prompts.finished());
+    select(pane, { "fern.txt" });
+    UrlCatcher desktop(QStringLiteral("file"));
+    const QUrl fetched
+        = QUrl::fromLocalFile(globals.folders.temporary + QStringLiteral("fern.txt"));
+    button("tbToolBar_rem", "ViewFile")->trigger();
+    settle();
+    EXPECT_EQ(desktop.opened, QList<QUrl> { fetched }) << log();
+    focus(pane.view());
+    window->UpdateRemoteCommandStates();
+    item("mnuView")->trigger();
+    settle();
+    EXPECT_EQ(desktop.opened, (QList<QUrl> { fetched, fetched })) << log();
+    focus(window->localPane().view());
+    button("tbToolBar_rem", "NewFolder")->trigger();
+    settle();
+    EXPECT_TRUE(std::filesystem::is_directory(remote("Ordner"))) << log();
+    EXPECT_NE(pane.view().viewport()->findChild<QLineEdit *>(), nullptr) << "its name is edited";
+}
+
+TEST_P(OnlineCommands, AFolderThatCannotBeEnteredIsToldInTheLogAlone)
+{
+    auto *box = find<QComboBox>("cmbRemoteDir");
+    focus(*box);
+    box->setEditText(QStringLiteral("/geheim"));
+    QTest::keyClick(box, Qt::Key_Return);
+    settle();
+    EXPECT_NE(log().find("550"), std::string::npos) << log();
+    EXPECT_GE(rowOf(window->remotePane(), "Fotos [2020]"), 0);
 }
 
 TEST_P(OnlineCommands, NoTransferStartsWhileADeletionRuns)

@@ -125,11 +125,34 @@ TEST_P(OnlineDrag, ACancelledDragUnmarks)
 
 TEST_P(OnlineDrag, ADropOnItsOwnPaneDoesNothing)
 {
-    FilePane &pane = window->remotePane();
-    select(pane, { "Fotos [2020]" });
-    drag(pane, "Fotos [2020]", pane, emptySpace(pane));
-    EXPECT_EQ(marked(pane), 0);
-    EXPECT_EQ(queue(), "");
+    for (FilePane *pane : { static_cast<FilePane *>(&window->remotePane()),
+                            static_cast<FilePane *>(&window->localPane()) }) {
+        const char *name = pane == &window->remotePane() ? "Fotos [2020]" : "seite";
+        select(*pane, { name });
+        Qt::DropAction taken = Qt::CopyAction;
+        drag(*pane, name, [&](QDrag &drag) {
+            return taken = carry(drag.mimeData(), *pane, emptySpace(*pane), {});
+        });
+        EXPECT_EQ(taken, Qt::IgnoreAction) << name;
+        EXPECT_EQ(marked(*pane), 0);
+        EXPECT_EQ(queue(), "");
+    }
+}
+
+TEST_P(OnlineDrag, FilesOfTheDesktopAreNotForTheLocalPane)
+{
+    QMimeData data;
+    data.setUrls({ QUrl::fromLocalFile(home.path()) });
+    LocalPane &pane = window->localPane();
+    EXPECT_EQ(carry(&data, pane, emptySpace(pane), {}), Qt::IgnoreAction);
+    // Nothing of it is left for the next drag.
+    select(pane, { "gross.bin" });
+    prompts.expectConfirm(QStringLiteral("1 Dateien oder Ordner Uploaden?"), true,
+                          QStringLiteral("Store..."));
+    drag(pane, "gross.bin", window->remotePane(), emptySpace(window->remotePane()));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return prompts.finished(); }));
+    settle();
+    EXPECT_EQ(queue(), "Upload --> gross.bin");
 }
 
 TEST_P(OnlineDrag, FilesOfTheDesktopAreUploadedAfterTheSameQuestion)

@@ -6,6 +6,8 @@
 #include <QLineEdit>
 #include <QMenu>
 
+#include <numeric>
+
 namespace {
 
 class OnlineWindow : public OnlineBench { };
@@ -44,8 +46,9 @@ TEST_P(OnlineWindow, ShowsBothSidesAfterTheLogin)
     const int row = rowOf(window->localPane(), "gross.bin");
     ASSERT_GE(row, 0);
     EXPECT_EQ(window->localPane().model().row(row).size, QStringLiteral("3000000"));
-    EXPECT_EQ(window->localPane().selectedRows().size(), window->localPane().model().rowCount() - 1)
-        << "every row but the up row is selected, ready to be sent";
+    QList<int> allButTheUpRow(window->localPane().model().rowCount() - 1);
+    std::iota(allButTheUpRow.begin(), allButTheUpRow.end(), 1);
+    EXPECT_EQ(window->localPane().selectedRows(), allButTheUpRow) << "ready to be sent";
 }
 
 TEST_P(OnlineWindow, MovesFilesAndFoldersBothWays)
@@ -139,10 +142,24 @@ TEST_P(OnlineWindow, WalksThroughTheFolders)
 TEST_P(OnlineWindow, RefreshSelectAllAndUpWorkByBarMenuAndKey)
 {
     FilePane &pane = window->remotePane();
+    const auto selectOne = [&] {
+        select(pane, { "Fotos [2020]" });
+        window->UpdateRemoteCommandStates();
+        EXPECT_TRUE(enabled("mnuDelete"));
+    };
+    const auto expectNothingToDelete = [&] {
+        EXPECT_FALSE(enabled("mnuDelete") || button("tbToolBar_rem", "DeleteFiles")->isEnabled());
+        EXPECT_TRUE(button("tbToolBar_rem", "Refresh")->isEnabled());
+    };
     servers::writeFile(remote("neu1.txt"), "x");
+    selectOne();
+    find<QComboBox>("cmbRemoteDir")->setEditText(QStringLiteral("/gibt es nicht")); // no Enter
     button("tbToolBar_rem", "Refresh")->trigger();
     settle();
     EXPECT_GE(rowOf(pane, "neu1.txt"), 0);
+    EXPECT_EQ(remoteFolder(), QStringLiteral("/web"));
+    expectNothingToDelete();
+    selectOne();
     focus(pane.view());
     servers::writeFile(remote("neu2.txt"), "x");
     find<QMenu>("mnuActions")->popup(window->pos());
@@ -151,6 +168,7 @@ TEST_P(OnlineWindow, RefreshSelectAllAndUpWorkByBarMenuAndKey)
     item("mnuRefresh")->trigger();
     settle();
     EXPECT_GE(rowOf(pane, "neu2.txt"), 0);
+    expectNothingToDelete();
     EXPECT_TRUE(pane.selectedRows().isEmpty());
     item("mnuSelectall")->trigger();
     EXPECT_EQ(pane.selectedRows().size(), pane.model().rowCount());
@@ -251,8 +269,13 @@ TEST_P(OnlineWindow, ClosingTheWindowEndsTheConnection)
 
 TEST_P(OnlineWindow, AServerThatGoesAwayIsNoticed)
 {
+    select(window->remotePane(), { "Fotos [2020]" });
+    EXPECT_TRUE(button("tbToolBar_rem", "DeleteFiles")->isEnabled());
     server->stop();
     ASSERT_TRUE(QTest::qWaitFor([this] { return ftp.state() == FtpControl::Closed; }, 10000));
+    for (const char *key : keys) {
+        EXPECT_FALSE(button("tbToolBar_rem", key)->isEnabled()) << key;
+    }
     EXPECT_TRUE(find<QWidget>("img_ampel_rot")->isVisible());
     EXPECT_EQ(window->remotePane().model().rowCount(), 0);
     EXPECT_TRUE(item("mnuLogin")->isEnabled());
