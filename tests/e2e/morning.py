@@ -272,6 +272,14 @@ class Morning:
         p.click("mnu_einstell")
         u.sees("frm_einstellungen")
         u.presses_f1("frm_einstellungen", "Programmeinstellungen")
+        logs = self.local / "protokolle"
+        logs.mkdir()
+        p.click("cmd_ordner_log")
+        u.sees("frm_get_folder")
+        p.enter("tx_pfad", str(logs))
+        p.click("cmd_ok")
+        u.no_longer_sees("frm_get_folder")
+        expect("log folder", p.text("tx_logfolder"), str(logs))
         p.key("Ctrl+Tab", "Tab1")
         p.wait("the tab", lambda: p.visible("chk_hidden"))
         p.click("chk_hidden")
@@ -279,7 +287,8 @@ class Morning:
         u.no_longer_sees("frm_einstellungen")
         p.wait("the hidden file", lambda: ".versteckt" in p.names("lvwLocal"))
         stored = (self.home / "XDG_CONFIG_HOME" / "Tarvelo FTP" / "Tarvelo FTP.ini").read_text()
-        expect("stored setting", "HiddenFile=True" in stored, True)
+        expect("stored settings", ("HiddenFile=True" in stored, f"LogFolder={logs}" in stored),
+               (True, True))
         p.click("m_h_2")
         u.sees("frmAbout")
         u.presses_f1("frmAbout", "Winsock Info")
@@ -287,9 +296,11 @@ class Morning:
         u.no_longer_sees("frmAbout")
 
     def leave(self):
-        """Closing the window while connected says goodbye and asks nothing."""
+        """Closing the window while connected says goodbye and asks nothing. Fetched files stay."""
         self.program.close("frm_tarvelo")
         expect("exit code", self.program.end(), 0)
+        expect("fetched file", (self.home / "TEMP" / "tarvelo_ftp_temp" / "impressum.html").exists(),
+               True)
         expect("console", self.program.output(), "")
 
     STEPS = ("first_start", "log_in", "browse", "upload_site", "upload_conflicts", "download_conflicts",

@@ -3,6 +3,7 @@
 address fills in, and that nothing is called before the user says so. Exits 0 only when all holds."""
 import argparse
 import contextlib
+import shutil
 import socket
 import sys
 import tempfile
@@ -25,14 +26,14 @@ class Starts:
         self._runs = 0
 
     @contextlib.contextmanager
-    def info_screen(self, *words):
+    def info_screen(self, *words, program=None):
         """The program with an empty home, at its info screen."""
         self._runs += 1
         self.home = self._folder / f"home{self._runs}"
         self.home.mkdir()
         self.settings = self.home / "XDG_CONFIG_HOME" / "Tarvelo FTP" / "Tarvelo FTP.ini"
         path, self.notes = opener(self.home)
-        with Program(self._arguments.program, self._arguments.driver, words, self.home,
+        with Program(program or self._arguments.program, self._arguments.driver, words, self.home,
                      self._display, variables={"PATH": f"{path}:/usr/bin:/bin"}) as program:
             user = User(program)
             user.sees("frm_info")
@@ -40,9 +41,9 @@ class Starts:
             yield user
 
     @contextlib.contextmanager
-    def started(self, *words):
+    def started(self, *words, program=None):
         """The same behind its info screen. It must end well and in silence."""
-        with self.info_screen(*words) as user:
+        with self.info_screen(*words, program=program) as user:
             program = user.program
             program.close("frm_info")
             user.sees("frmConnect")
@@ -143,6 +144,31 @@ class Starts:
             user.program.click("mnuLogin")
             user.sees("frmConnect")
 
+    def addresses_of_a_deployer_are_taken(self):
+        """From the file beside the program; what is wrong in it is told, and the rest holds."""
+        own = self._folder / "eigene"
+        own.mkdir()
+        file = own / "addresses.ini"
+        file.write_text("[Addresses]\nHomePage=https://eigene.example/\nFaq=file:///etc/passwd\n")
+        with self.started(program=shutil.copy(self._arguments.program, own)) as user:
+            p = user.program
+            expect("log", p.text("txtLog").strip(),
+                   f'Die Adresse "Faq" in der Datei {file} ist ungültig: file:///etc/passwd')
+            p.key("Escape", "frmConnect")
+            user.no_longer_sees("frmConnect")
+            p.click("img_logo_rechts")
+            p.wait("the opener", lambda: opened(self.notes))
+            p.click("m_h_1")
+            user.sees("frm_info")
+            p.click("cmd_auswahl_0")
+            p.wait("the opener", lambda: len(opened(self.notes)) == 2)
+            p.close("frm_info")
+            user.no_longer_sees("frm_info")
+            expect("opened", opened(self.notes),
+                   ["https://eigene.example/", "https://online.morlanda.example/"])
+            p.click("mnuLogin")
+            user.sees("frmConnect")
+
     def run(self):
         self.info_screen_starts_once()
         self.settings_are_read_behind_the_info_screen()
@@ -151,6 +177,7 @@ class Starts:
         self.address_fills_the_dialog("ftpes", "Immer")
         self.refused_address()
         self.logo_opens_the_home_page()
+        self.addresses_of_a_deployer_are_taken()
 
 
 def main():

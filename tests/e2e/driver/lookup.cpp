@@ -14,12 +14,24 @@
 
 namespace lookup {
 
+namespace {
+
+/// How near a widget is to the user: dialogs that stand one over the other share button names.
+int nearness(const QWidget *widget)
+{
+    const bool inFront = widget->window() == QApplication::activeModalWidget();
+    return widget->isVisible() ? (inFront ? 2 : 1) : 0;
+}
+
+} // namespace
+
 QWidget *widget(const QString &name)
 {
     QWidget *found = nullptr;
     const QWidgetList all = QApplication::allWidgets();
     for (QWidget *candidate : all) {
-        if (candidate->objectName() == name && (found == nullptr || candidate->isVisible())) {
+        if (candidate->objectName() == name
+            && (found == nullptr || nearness(candidate) > nearness(found))) {
             found = candidate;
         }
     }
