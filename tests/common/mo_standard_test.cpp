@@ -96,6 +96,7 @@ TEST(NormalizeFolderPath, DropsTheAnnotationTrimsAndCompletes)
     EXPECT_EQ(remote(""), text("/"));
     EXPECT_EQ(remote(" /a/ "), text("/a/"));
     EXPECT_EQ(remote("/a [b"), text("/a [b/"));
+    EXPECT_EQ(remote("/a] b"), text("/a] b/"));
     EXPECT_EQ(remote("x]y[z"), text("x]yy[z/")); // "[" behind "]": no check
     QString drive = text("c: [System]");
     EXPECT_EQ(NormalizeFolderPath(drive, u'\\'), text("c:\\"));

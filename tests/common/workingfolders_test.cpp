@@ -96,9 +96,11 @@ TEST_F(Folders, MakingThemCreatesMissingFoldersAboveTemp)
     EXPECT_EQ(QFile(folder).permissions() & others, QFile::Permissions());
     // What is in it stays when the next run takes it again.
     QDir(folder).mkdir(u"bleibt"_s);
+    QFile fetched(folder + u"bleibt/impressum.html"_s);
+    ASSERT_TRUE(fetched.open(QIODevice::WriteOnly));
     QFile::setPermissions(folder, owner | others);
     EXPECT_EQ(makeTemporaryFolder(folder), folder);
-    EXPECT_TRUE(QFileInfo(folder + u"bleibt"_s).isDir());
+    EXPECT_TRUE(fetched.exists());
     EXPECT_EQ(QFile(folder).permissions() & others, QFile::Permissions());
 }
 

@@ -9,6 +9,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -113,6 +114,39 @@ TEST_F(SettingsDialog, CaptionsAreTheGivenOnes)
                     == u"Ordner in dem die LOG-Dateien gespeichert werden."_s);
     }
     EXPECT_TRUE(labelled);
+}
+
+TEST_F(SettingsDialog, EveryControlStandsOnItsTab)
+{
+    open();
+    auto *tabs = find<QTabWidget>("Tab1");
+    const QStringList controls[] {
+        { u"tx_logfolder"_s, u"cmd_ordner_log"_s, u"cmd_ordner_log_def"_s, u"chk_logname"_s },
+        { u"op_fehlermeldungen_0"_s, u"op_fehlermeldungen_1"_s, u"chk_hidden"_s }
+    };
+    for (int chosen = 0; chosen < 2; ++chosen) {
+        tabs->setCurrentIndex(chosen);
+        for (int tab = 0; tab < 2; ++tab) {
+            for (const QString &name : controls[tab]) {
+                const auto *control = dialog->findChild<QWidget *>(name);
+                ASSERT_NE(control, nullptr) << name.toStdString();
+                EXPECT_TRUE(tabs->widget(tab)->isAncestorOf(control)) << name.toStdString();
+                EXPECT_EQ(control->isVisible(), tab == chosen) << name.toStdString();
+            }
+        }
+    }
+}
+
+TEST_F(SettingsDialog, SettingsThatCannotBeStoredHoldForThisRun)
+{
+    QDir().mkpath(base.filePath(u"settings.ini"_s)); // a folder in the file's place
+    open();
+    find<QCheckBox>("chk_hidden")->click();
+    find<QComboBox>("cbo_verschluesselung")->setCurrentIndex(1);
+    press("cmd_ok");
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_TRUE(globals.settings.HiddenFile);
+    EXPECT_EQ(globals.settings.encryption, 1);
 }
 
 TEST_F(SettingsDialog, ShowsTheSettingsButNotTheWebRoot)

@@ -219,6 +219,17 @@ TEST_F(FolderPicker, ANewFolderIsMadeAndShown)
     EXPECT_EQ(globals.folderChoice.PickedFolder, root + u"/haus/Bad"_s);
 }
 
+TEST_F(FolderPicker, ANewFolderIsMadeInTheOneShownNotInTheOneTyped)
+{
+    open(root + u"/haus"_s);
+    find<QLineEdit>("tx_pfad")->setText(root + u"/stick"_s);
+    prompts.expectInput(u"Geben Sie einen Namen für den Ordner an."_s, u"NeuerOrdner"_s, u"Bad"_s);
+    press("cmd_new_folder");
+    EXPECT_TRUE(QFileInfo(root + u"/haus/Bad"_s).isDir());
+    EXPECT_FALSE(QFileInfo::exists(root + u"/stick/Bad"_s));
+    EXPECT_EQ(path(), root + u"/haus/Bad"_s);
+}
+
 TEST_F(FolderPicker, NoNameMakesNoFolder)
 {
     open(root + u"/haus"_s);

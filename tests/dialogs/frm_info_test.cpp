@@ -15,6 +15,10 @@ namespace {
 const QString hint
     = u"Es ist oft hilfreich, wenn Sie uns den Inhalt des LogFensters zusammen mit Ihrer Anfrage senden. Kopieren Sie dazu den Inhalt des LogFensters in die Zwischenablage und fügen Sie den Text dann in die e-Mail ein."_s;
 
+const Addresses own { u"https://a.example/"_s,     u"https://b.example/"_s,
+                      u"https://c.example/"_s,     u"https://d.example/"_s,
+                      u"hilfe@morlanda.example"_s, u"buero@morlanda.example"_s };
+
 class InfoScreen : public testing::Test {
 protected:
     QAbstractButton *button(int index)
@@ -31,7 +35,7 @@ protected:
     Globals m_globals;
     ScriptedPrompts m_prompts;
     QStringList m_opened;
-    frm_info m_screen { m_globals, Addresses {}, m_prompts, [this](const QString &address) {
+    frm_info m_screen { m_globals, own, m_prompts, [this](const QString &address) {
                            m_opened += address;
                            return 42;
                        } };
@@ -66,8 +70,8 @@ TEST_F(InfoScreen, ButtonsBearTheirCaptionsAndToolTips)
 TEST_F(InfoScreen, EveryClickStopsTheTimerAndOnlySixCloses)
 {
     const QHash<int, QStringList> opened {
-        { 0, { Addresses {}.secondHomePage } },
-        { 3, { Addresses {}.update } },
+        { 0, { own.secondHomePage } },
+        { 3, { own.update } },
     };
     for (const int index : { 0, 3, 4, 5 }) {
         showScreen();
@@ -90,14 +94,17 @@ TEST_F(InfoScreen, EveryClickStopsTheTimerAndOnlySixCloses)
 TEST_F(InfoScreen, MailShowsTheHintAndNamesTheLogin)
 {
     m_globals.connection.UserName = u"web 01&x"_s;
-    m_prompts.expectMessage(hint);
+    m_prompts.expectMessage(hint).meanwhile([this] {
+        EXPECT_TRUE(m_opened.isEmpty());
+        EXPECT_FALSE(timer()->isActive()) << "the screen would close itself under the hint";
+    });
     showScreen();
     button(1)->click();
     EXPECT_FALSE(timer()->isActive());
     EXPECT_TRUE(m_screen.isVisible());
     EXPECT_EQ(
         m_opened,
-        QStringList(u"mailto:office@morlanda.example?subject=Tarvelo FTP&body=Hallo,%0A%0Aich ("
+        QStringList(u"mailto:buero@morlanda.example?subject=Tarvelo FTP&body=Hallo,%0A%0Aich ("
                     u"web%2001%26x) habe folgende Probleme/Fragen:"_s));
 }
 

@@ -10,12 +10,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const Addresses own { u"https://a.example/"_s,     u"https://b.example/"_s,
+                      u"https://c.example/"_s,     u"https://d.example/"_s,
+                      u"hilfe@morlanda.example"_s, u"buero@morlanda.example"_s };
+
 class HelpMenuItems : public testing::Test {
 protected:
     HelpMenuItems()
     {
         m_globals.ProgramVersion = 220;
-        new HelpMenu(m_menu, m_globals, Addresses {}, m_prompts,
+        new HelpMenu(m_menu, m_globals, own, m_prompts,
                      { [this] { m_done += u"F1"_s; }, [this] { m_done += u"info"_s; },
                        [this] { m_done += u"about"_s; },
                        [this](const QString &address) {
@@ -53,11 +57,9 @@ TEST_F(HelpMenuItems, StandInTheGivenOrder)
 
 TEST_F(HelpMenuItems, RunTheirActions)
 {
-    const Addresses addresses;
     const QList<std::pair<int, QString>> expected {
-        { 0, u"F1"_s },       { 1, u"info"_s },
-        { 2, u"about"_s },    { 4, addresses.homePage },
-        { 7, addresses.faq }, { 10, addresses.update },
+        { 0, u"F1"_s },      { 1, u"info"_s }, { 2, u"about"_s },
+        { 4, own.homePage }, { 7, own.faq },   { 10, own.update },
     };
     for (const auto &[index, done] : expected) {
         trigger(index);
@@ -73,6 +75,6 @@ TEST_F(HelpMenuItems, SupportMailComesAfterTheHintAndNamesTheVersion)
     trigger(6);
     EXPECT_EQ(
         m_done,
-        QStringList(u"mailto:support@morlanda.example?subject=Tarvelo FTP V220&body=Hallo,%0A%0A"
+        QStringList(u"mailto:hilfe@morlanda.example?subject=Tarvelo FTP V220&body=Hallo,%0A%0A"
                     u"ich habe folgende Probleme/Fragen:"_s));
 }

@@ -24,6 +24,12 @@ QStringList buttonTexts(const QMessageBox &box)
     return texts;
 }
 
+void expectPlain(const QMessageBox &box, const QString &title)
+{
+    EXPECT_EQ(box.windowTitle(), title);
+    EXPECT_EQ(box.icon(), QMessageBox::NoIcon);
+}
+
 } // namespace
 
 TEST(QtPrompts, AMessageIsAPlainBoxWithOk)
@@ -68,6 +74,7 @@ TEST(QtPrompts, AConfirmationHasOkAndAbbrechen)
     {
         const WhenModalOpens<QMessageBox> box([](QMessageBox &opened) {
             EXPECT_EQ(opened.text(), u"Trennen?"_s);
+            expectPlain(opened, u"Titel"_s);
             EXPECT_EQ(opened.informativeText(), u"<i>3</i> Dateien"_s);
             for (const auto *label : opened.findChildren<QLabel *>()) {
                 EXPECT_EQ(label->textFormat(), Qt::PlainText);
@@ -75,10 +82,12 @@ TEST(QtPrompts, AConfirmationHasOkAndAbbrechen)
             EXPECT_EQ(buttonTexts(opened), (QStringList { u"Abbrechen"_s, u"OK"_s }));
             opened.button(QMessageBox::Ok)->click();
         });
-        EXPECT_TRUE(prompts.confirm(u"Trennen?"_s, {}, u"<i>3</i> Dateien"_s));
+        EXPECT_TRUE(prompts.confirm(u"Trennen?"_s, u"Titel"_s, u"<i>3</i> Dateien"_s));
     }
-    const WhenModalOpens<QMessageBox> box(
-        [](QMessageBox &opened) { QTest::keyClick(&opened, Qt::Key_Escape); });
+    const WhenModalOpens<QMessageBox> box([](QMessageBox &opened) {
+        expectPlain(opened, u"Tarvelo FTP"_s);
+        QTest::keyClick(&opened, Qt::Key_Escape);
+    });
     EXPECT_FALSE(prompts.confirm(u"Trennen?"_s));
 }
 
@@ -88,9 +97,10 @@ TEST(QtPrompts, AQuestionHasJaAndNein)
     {
         const WhenModalOpens<QMessageBox> box([](QMessageBox &opened) {
             EXPECT_EQ(buttonTexts(opened), (QStringList { u"Ja"_s, u"Nein"_s }));
+            expectPlain(opened, u"Titel"_s);
             QTest::keyClick(&opened, Qt::Key_Return);
         });
-        EXPECT_TRUE(prompts.question(u"Wirklich?"_s));
+        EXPECT_TRUE(prompts.question(u"Wirklich?"_s, u"Titel"_s));
     }
     {
         const WhenModalOpens<QMessageBox> box(
@@ -116,6 +126,7 @@ TEST(QtPrompts, AnInputGivesTheLineOrNothing)
     {
         const WhenModalOpens<QInputDialog> box([](QInputDialog &opened) {
             EXPECT_EQ(opened.labelText(), u"Name <b>?"_s);
+            EXPECT_EQ(opened.windowTitle(), u"Titel"_s);
             EXPECT_EQ(opened.textValue(), u"log.txt"_s);
             EXPECT_EQ(opened.okButtonText(), u"OK"_s);
             EXPECT_EQ(opened.cancelButtonText(), u"Abbrechen"_s);
@@ -123,7 +134,7 @@ TEST(QtPrompts, AnInputGivesTheLineOrNothing)
             opened.findChild<QLineEdit *>()->setText(u"neu.txt"_s);
             QTest::keyClick(&opened, Qt::Key_Return);
         });
-        EXPECT_EQ(prompts.input(u"Name <b>?"_s, u"log.txt"_s), u"neu.txt"_s);
+        EXPECT_EQ(prompts.input(u"Name <b>?"_s, u"log.txt"_s, u"Titel"_s), u"neu.txt"_s);
     }
     const WhenModalOpens<QInputDialog> box(
         [](QInputDialog &opened) { QTest::keyClick(&opened, Qt::Key_Escape); });
@@ -148,6 +159,7 @@ TEST(QtPrompts, AConfirmationGetsALateLineWhileItStands)
     const auto stop = std::make_shared<std::atomic_bool>(false);
     bool found = false;
     const WhenModalOpens<QMessageBox> box([&](QMessageBox &opened) {
+        expectPlain(opened, u"Titel"_s);
         ASSERT_TRUE(QTest::qWaitFor([&] { return found; }));
         EXPECT_EQ(opened.informativeText(), u"<i>3</i> Dateien"_s);
         for (const auto *label : opened.findChildren<QLabel *>()) {
@@ -161,8 +173,9 @@ TEST(QtPrompts, AConfirmationGetsALateLineWhileItStands)
         found = opened != nullptr && opened->informativeText().contains(u"Dateien"_s);
     });
     watcher.start(1);
-    EXPECT_TRUE(prompts.confirmLate(
-        u"Löschen?"_s, {}, { u"Wird gezählt ..."_s, [] { return u"<i>3</i> Dateien"_s; }, stop }));
+    EXPECT_TRUE(
+        prompts.confirmLate(u"Löschen?"_s, u"Titel"_s,
+                            { u"Wird gezählt ..."_s, [] { return u"<i>3</i> Dateien"_s; }, stop }));
     EXPECT_TRUE(*stop);
 }
 

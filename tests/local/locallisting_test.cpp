@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
@@ -69,6 +70,19 @@ TEST_F(LocalListingTest, RowsCarrySizeDateAndFullPath)
     EXPECT_EQ(listing.rows.at(1).date, QStringLiteral("09.03.2026 08:07:06"));
     EXPECT_EQ(listing.rows.at(1).tag, m_root.path() + QStringLiteral("/seite.html"));
     EXPECT_EQ(listing.folder, m_root.path() + u'/');
+}
+
+TEST_F(LocalListingTest, AFolderHasItsDateAndNoSize)
+{
+    folder("bilder");
+    const timespec then { 1773043626, 0 };
+    const timespec times[2] { then, then };
+    ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path("bilder")).constData(), times, 0), 0);
+    const LocalListing listing = read();
+    ASSERT_EQ(listing.rows.size(), 2);
+    EXPECT_EQ(listing.rows.at(1).size, QString());
+    EXPECT_EQ(listing.rows.at(1).date, QStringLiteral("09.03.2026 08:07:06"));
+    EXPECT_EQ(listing.rows.at(1).tag, m_root.path() + QStringLiteral("/bilder"));
 }
 
 TEST_F(LocalListingTest, HiddenAndSystemEntriesNeedTheSetting)

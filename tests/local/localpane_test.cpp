@@ -112,6 +112,20 @@ TEST_F(LocalPaneTest, NothingIsSelectedAfterAListing)
     EXPECT_EQ(m_pane.currentRow(), -1);
 }
 
+TEST_F(LocalPaneTest, ARowOfALinkToAFolderOpensWhatItLeadsTo)
+{
+    QSignalSpy wanted(&m_pane, &LocalPane::uploadWanted);
+    PaneRow link;
+    link.name = QStringLiteral("verweis");
+    link.kind = ItemKind::FolderLink;
+    link.tag = path("bilder");
+    m_pane.model().appendRow(link);
+    open("verweis", true);
+    EXPECT_EQ(names(), "<up> alt");
+    EXPECT_EQ(wanted.count(), 0);
+    EXPECT_EQ(m_pane.box().itemText(0), path("bilder/"));
+}
+
 TEST_F(LocalPaneTest, OpeningRowsFollowsTheFolders)
 {
     open("bilder", false);
@@ -143,6 +157,11 @@ TEST_F(LocalPaneTest, UpStaysAtTheRootAndIsRemembered)
     m_pane.goUp();
     settle();
     EXPECT_EQ(boxText(), path("bilder/"));
+    EXPECT_EQ(m_pane.box().findText(path("bilder/")), 0) << "not in the history";
+    list(path("bilder/alt"));
+    m_pane.goUp();
+    settle();
+    EXPECT_EQ(m_pane.box().count(), 1);
     list(QStringLiteral("/"));
     m_pane.goUp();
     settle();
