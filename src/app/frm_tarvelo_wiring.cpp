@@ -147,6 +147,8 @@ void frm_tarvelo::connectSession()
         return frm_zertifikat::ask(certificate, this);
     });
     connect(m_session.get(), &Session::logToBeCleared, m_log, &LogPanel::clear);
+    connect(m_session.get(), &Session::loggedIn, this,
+            [this] { m_features->putBack.offerUnsent(); });
     connect(m_session.get(), &Session::captionChanged, m_notice, &TransferNotice::setCaption);
     connect(m_session.get(), &Session::progress, this, &frm_tarvelo::showProgress);
     connect(m_session.get(), &Session::replied, this,

@@ -130,6 +130,7 @@ void Session::afterLogin()
         m_shell.SetCommandsEnabled(false, true, false, true, true);
         m_shell.UpdateRemoteCommandStates();
         m_shell.UpdateLocalCommandStates();
+        Q_EMIT loggedIn();
     }
 }
 

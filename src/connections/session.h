@@ -40,6 +40,7 @@ public:
 Q_SIGNALS:
     /// The log shall be emptied: a new connection begins. Connect directly, never queued.
     void logToBeCleared();
+    void loggedIn(); ///< a session stands and its folder is shown
     void captionChanged(const QString &caption); ///< of the main window
     /// Bytes of a running transfer, for the progress display.
     void progress(const FtpEvent &event);

@@ -60,6 +60,13 @@ void EditWatch::forget(const QString &path)
     m_watcher.removePath(path);
 }
 
+void EditWatch::reportNextSaving(const QString &path)
+{
+    if (const auto known = m_known.find(path); known != m_known.end()) {
+        known->hash.clear();
+    }
+}
+
 void EditWatch::look()
 {
     const QStringList paths = m_known.keys();

@@ -30,6 +30,8 @@ public:
     /// Watches a file from its present content on.
     void watch(const QString &path);
     void forget(const QString &path);
+    /// The next saving is reported even when it leaves the content as it is.
+    void reportNextSaving(const QString &path);
     /// How long a file must have been left alone before it counts as saved.
     void setQuietTime(int milliseconds) { m_quiet.setInterval(milliseconds); }
 

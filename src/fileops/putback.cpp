@@ -24,6 +24,22 @@ bool looksLikeText(const QString &path)
         && !file.read(start).contains('\0');
 }
 
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Whether a copy is what arrived of an upload that broke off.
+bool isPartOf(const QByteArray &sent, QByteArray arrived)
+{
+    // A text may have been cut within the two bytes of a line's end.
+    if (!sent.startsWith(arrived) && arrived.endsWith('\r')) {
+        arrived.chop(1);
+    }
+    return sent.startsWith(arrived);
+}
+
 } // namespace
 
 PutBack::PutBack(const Workplace &work, ProgressDisplay &progress)
@@ -75,6 +91,7 @@ bool PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
     // What is written from now on is the fetching, no edit.
     m_edits.forget(localPath);
     m_waiting.removeAll(localPath);
+    m_unsent.removeAll(localPath);
     Fetched file { remotePath, currentServer(), {}, {}, m_work.ftp.transferType(), {}, false };
     if (const auto before = m_files.constFind(localPath); before != m_files.constEnd()) {
         // An editor may still show the file of the other folder; sending that one back would
@@ -147,24 +164,40 @@ void PutBack::offerNext()
     }
 }
 
+void PutBack::offerUnsent()
+{
+    for (const QString &localPath : std::as_const(m_unsent)) {
+        if (m_files.value(localPath).server == currentServer()
+            && !m_waiting.contains(localPath)) {
+            m_waiting.append(localPath);
+        }
+    }
+    m_retry.start(); // the login goes on with the start folders
+}
+
 void PutBack::offer(const QString &localPath)
 {
     const Fetched file = m_files.value(localPath);
-    if (contentHash(localPath) == file.hash) {
+    const auto mayGo = [&] { return mayStart(m_work.ftp) && file.server == currentServer(); };
+    m_unsent.removeAll(localPath);
+    if (contentHash(localPath) == file.hash && !file.brokenOff) {
         return; // changed back
     }
-    if (!mayStart(m_work.ftp) || file.server != currentServer()) {
-        m_work.shell.AppendLog(localPath
-                               + u": Geändert, aber nicht zurückgespielt, denn es besteht keine "
-                                 u"Verbindung zu seinem Server.\r\n"_s);
-        return;
+    if (!mayGo()) {
+        waitForLogin(localPath);
+    } else if (m_work.prompts.question(file.remotePath
+                                       + u"\r\nwurde geändert – zum Server zurückspielen?"_s)) {
+        mayGo() ? send(localPath) : waitForLogin(localPath);
     }
-    const auto still = [&] { return mayStart(m_work.ftp) && file.server == currentServer(); };
-    if (m_work.prompts.question(file.remotePath
-                                + u"\r\nwurde geändert – zum Server zurückspielen?"_s)
-        && still()) {
-        send(localPath);
-    }
+}
+
+void PutBack::waitForLogin(const QString &localPath)
+{
+    m_unsent.append(localPath);
+    m_work.shell.AppendLog(localPath
+                           + u": Geändert, aber nicht zurückgespielt, denn es besteht keine "
+                             u"Verbindung zu seinem Server. Nach der nächsten Anmeldung fragt das "
+                             u"Programm wieder.\r\n"_s);
 }
 
 void PutBack::send(const QString &localPath)
@@ -181,56 +214,75 @@ void PutBack::send(const QString &localPath)
     m_work.shell.SetFtpProperties();
     m_work.shell.ShowTransferItem(u"Datei: "_s + QFileInfo(localPath).fileName(),
                                   QString::number(QFileInfo(localPath).size()));
-    const QString refusal = whyNot(localPath, file);
+    QString refusal;
+    const Outcome outcome = upload(localPath, file, refusal);
     record(localPath, file, refusal);
-    if (refusal.isEmpty() && m_work.ftp.state() == FtpOperations::Connected) {
+    if (outcome == Outcome::Failed) {
+        m_unsent.append(localPath);
+        m_edits.reportNextSaving(localPath);
+    }
+    if (outcome == Outcome::Sent && m_work.ftp.state() == FtpOperations::Connected) {
         m_work.shell.DoRemoteRefresh(m_work.ftp.currentFolder());
     }
 }
 
-/// Sends the file. @return why it was not sent; empty when it was
-QString PutBack::whyNot(const QString &localPath, const Fetched &file)
+/// Sends the file, if the server's copy is still the one that was fetched.
+/// @param refusal  why it was not sent; empty when it was
+PutBack::Outcome PutBack::upload(const QString &localPath, const Fetched &file, QString &refusal)
 {
     const FtpResult<bool> same = isSame(file);
     if (!same) {
-        return same.error().text;
+        refusal = same.error().text;
+        return Outcome::Failed;
     }
     if (!*same) {
-        return u"Die Datei auf dem Server wurde inzwischen geändert und nicht ersetzt. Ihre "
-               u"Fassung "
-               u"steht in "_s
+        refusal = u"Die Datei auf dem Server wurde inzwischen geändert und nicht ersetzt. Ihre "
+                  u"Fassung "
+                  u"steht in "_s
             + localPath;
+        return Outcome::ServerChanged;
     }
     const FileStamp stamp = FileStamp::of(localPath);
     const QByteArray hash = contentHash(localPath);
-    m_progress.setMaximumFor(QFileInfo(localPath).size());
+    QByteArray content = contentOf(localPath);
+    m_progress.setMaximumFor(content.size());
     m_progress.setValue(0);
     m_work.globals.transfer.RemoteSize = 0; // from the beginning: the progress counts from here
     m_work.ftp.setTransferType(file.transferType);
     m_work.ftp.setStoreMode(StoreReplace);
     qint64 offset = 0;
-    if (const FtpStatus sent = m_work.ftp.putFile(localPath, file.remotePath, offset); !sent) {
-        return sent.error().text;
-    }
+    const FtpStatus sent = m_work.ftp.putFile(localPath, file.remotePath, offset);
     Fetched &now = m_files[localPath];
+    if (!sent) {
+        now.brokenOff = std::move(content);
+        refusal = sent.error().text;
+        return Outcome::Failed;
+    }
+    now.brokenOff.reset();
     now.hash = hash;
     now.stamp = stamp;
     const auto facts = m_work.ftp.fileFacts(file.remotePath);
     now.facts = facts ? *facts : FtpFileFacts {};
-    return {};
+    return Outcome::Sent;
 }
 
-/// Whether the server's copy is still the one that was fetched.
+/// Whether nobody else has changed the server's copy since it was fetched.
 FtpResult<bool> PutBack::isSame(const Fetched &file)
 {
     const FtpResult<FtpFileFacts> facts = m_work.ftp.fileFacts(file.remotePath);
     if (!facts) {
         return tl::unexpected(facts.error());
     }
-    if (facts->time && file.facts.time) {
+    const bool told = facts->time && file.facts.time;
+    if (told && (*facts == file.facts || !file.brokenOff)) {
         return *facts == file.facts;
     }
     // A server that does not tell times is asked for the content itself.
+    return hasSameContent(file);
+}
+
+FtpResult<bool> PutBack::hasSameContent(const Fetched &file)
+{
     QTemporaryFile copy(m_work.globals.folders.temporary + u"vergleich"_s);
     if (!copy.open()) {
         return false;
@@ -238,10 +290,14 @@ FtpResult<bool> PutBack::isSame(const Fetched &file)
     qint64 offset = 0;
     m_work.ftp.setTransferType(file.transferType);
     const FtpStatus fetched = m_work.ftp.getFile(file.remotePath, copy.fileName(), offset);
-    if (!fetched) {
-        return tl::unexpected(fetched.error());
+    if (fetched) {
+        return contentHash(copy.fileName()) == file.hash
+            || (file.brokenOff && isPartOf(*file.brokenOff, contentOf(copy.fileName())));
     }
-    return contentHash(copy.fileName()) == file.hash;
+    if (file.brokenOff && fetched.error().replyCode == 550) {
+        return true; // servers remove what did not arrive as a whole
+    }
+    return tl::unexpected(fetched.error());
 }
 
 void PutBack::record(const QString &localPath, const Fetched &file, const QString &refusal)

@@ -28,6 +28,8 @@ public:
     void afterFetch(const QString &localPath);
     /// It could not be fetched. A copy that stands as it was is watched on.
     void fetchFailed(const QString &localPath);
+    /// A session stands: what could not go back to its server before is offered again.
+    void offerUnsent();
 
 private:
     /// A fetched file.
@@ -38,16 +40,21 @@ private:
         int transferType = 0;
         FileStamp stamp = {}; ///< of the copy that the server has, too
         bool ambiguous = false; ///< files of two folders met under this name
+        /// What was on its way when an upload broke off: the server may hold any part of it.
+        std::optional<QByteArray> brokenOff = {};
     };
+    enum class Outcome { Sent, Failed, ServerChanged };
 
     [[nodiscard]] bool isEdited(const QString &localPath) const;
     [[nodiscard]] bool moveAside(const QString &localPath);
     void saved(const QString &localPath);
     void offerNext();
     void offer(const QString &localPath);
+    void waitForLogin(const QString &localPath);
     void send(const QString &localPath);
-    [[nodiscard]] QString whyNot(const QString &localPath, const Fetched &file);
+    [[nodiscard]] Outcome upload(const QString &localPath, const Fetched &file, QString &refusal);
     [[nodiscard]] FtpResult<bool> isSame(const Fetched &file);
+    [[nodiscard]] FtpResult<bool> hasSameContent(const Fetched &file);
     void record(const QString &localPath, const Fetched &file, const QString &refusal);
     [[nodiscard]] QString currentServer() const;
 
@@ -60,4 +67,5 @@ private:
     std::optional<Fetched> m_before; ///< what the file that is being fetched takes the place of
     FileStamp m_stampBefore; ///< of its copy here
     QStringList m_waiting; ///< local paths to be asked about
+    QStringList m_unsent; ///< local paths to be asked about after the next login
 };

@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -44,12 +45,16 @@ protected:
         open(fields.join(u'\t'));
         window->load_commands();
     }
-    void login(const QString &type = QStringLiteral("1"))
+    void expectAdvice()
     {
         prompts.expectMessage(
             QStringLiteral("Überprüfen Sie ob auf der rechten Seite (dem Server), das richtige "
                            "Verzeichnis eingestellt ist.\nWenn ja, drücken Sie den "
                            "Übertragenbutton -> um mit dem Kopiervorgang zu beginnen."));
+    }
+    void login(const QString &type = QStringLiteral("1"))
+    {
+        expectAdvice();
         start(type);
         ASSERT_EQ(ftp.state(), FtpControl::Connected) << log().toStdString();
     }
@@ -57,6 +62,18 @@ protected:
     void click(const char *name) { find<QAbstractButton>(name)->click(); }
 
     servers::FaultServer server;
+};
+
+/// Takes the files that would be opened with the desktop's programs.
+class DesktopStandIn : public QObject {
+    Q_OBJECT
+
+public:
+    DesktopStandIn() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open"); }
+    ~DesktopStandIn() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
+
+public Q_SLOTS:
+    void open(const QUrl & /*address*/) { }
 };
 
 } // namespace
@@ -86,6 +103,24 @@ TEST_F(WiredWindow, RepliesAboutSpaceAreExplained)
     EXPECT_TRUE(
         log().contains(QStringLiteral("Ihr Speicherplatz auf dem Server reicht nicht aus.")))
         << log().toStdString();
+}
+
+TEST_F(WiredWindow, AnEditThatFoundNoLineIsOfferedAfterTheNextLogin)
+{
+    login();
+    DesktopStandIn desktop;
+    select(window->remotePane(), { "da.txt" });
+    button("tbToolBar_rem", "ViewFile")->trigger();
+    ftp.close();
+    file("temp/da.txt", "neu");
+    ASSERT_TRUE(
+        QTest::qWaitFor([this] { return log().contains(QStringLiteral("nicht zurückgespielt")); }));
+    expectAdvice();
+    window->load_commands();
+    prompts.expectQuestion(
+        QStringLiteral("/da.txt\r\nwurde geändert – zum Server zurückspielen?"), true);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return prompts.finished() && !ftp.isBusy(); }));
+    EXPECT_EQ(servers::readFile(server.root() / "da.txt"), "neu");
 }
 
 TEST_F(WiredWindow, BeendenClosesItAlsoWhileConnected)
@@ -199,3 +234,5 @@ TEST_F(WiredWindow, ShowingHiddenFilesListsTheLocalPaneAgain)
     ASSERT_TRUE(QTest::qWaitFor([this] { return !window->localPane().isReading(); }));
     EXPECT_GE(rowOf(window->localPane(), ".versteckt"), 0);
 }
+
+#include "wiring_test.moc"

@@ -41,6 +41,22 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([&] { return shell.log.contains(text); }));
     }
 
+    /// From now on uploads break off after a part has arrived.
+    void breakUploads(const QByteArray &arrived)
+    {
+        ftp.refuse = [this, arrived](const QString &command) -> std::optional<FtpError> {
+            if (!command.startsWith(u"PUT "_s)) {
+                return std::nullopt;
+            }
+            auto &time = ftp.nodes[u"/www/a.html"_s].time;
+            if (time) {
+                ++*time;
+            }
+            ftp.nodes[u"/www/a.html"_s].content = arrived;
+            return FtpError { ftp::ErrorKind::Refused, 552, u"552 Voll."_s };
+        };
+    }
+
     ProgressModel progress;
     PutBack putBack { work, progress };
     ViewCommand viewer { work, progress, putBack };
@@ -178,6 +194,114 @@ TEST_F(PutBackTest, ARefusedUploadIsTold)
     EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
     EXPECT_EQ(shell.queue[0].detail, u"553 Verboten."_s);
     EXPECT_FALSE(shell.queue[0].repeatable) << "it would go without a look at the server's copy";
+}
+
+TEST_F(PutBackTest, AnUploadThatBrokeOffGoesWithTheNextSavingChangedOrNot)
+{
+    view(u"a.html"_s);
+    breakUploads("ne");
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
+    ftp.refuse = nullptr;
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu") << shell.log.toStdString();
+}
+
+TEST_F(PutBackTest, AnUploadThatBrokeOffGoesAlsoWithAFurtherChange)
+{
+    view(u"a.html"_s);
+    for (const QByteArray arrived : { "", "neu\r", "neu\neins" }) {
+        breakUploads(arrived);
+        expectOffer(true);
+        edit("neu\neins");
+        waitForOffer();
+    }
+    ftp.refuse = nullptr;
+    expectOffer(true);
+    edit("ganz neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "ganz neu") << shell.log.toStdString();
+}
+
+TEST_F(PutBackTest, AServerMayRemoveWhatBrokeOff)
+{
+    ftp.nodes[u"/www/a.html"_s].time.reset();
+    view(u"a.html"_s);
+    breakUploads("");
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    ftp.nodes.remove(u"/www/a.html"_s);
+    ftp.refuse = nullptr;
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu") << shell.log.toStdString();
+}
+
+TEST_F(PutBackTest, WhatOthersWroteAfterABrokenUploadIsNotReplaced)
+{
+    view(u"a.html"_s);
+    breakUploads("ne");
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    ftp.refuse = nullptr;
+    ftp.nodes[u"/www/a.html"_s] = { u"-"_s, "nein", {}, 1800000000 };
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "nein");
+    EXPECT_TRUE(shell.log.contains(u"inzwischen geändert"_s));
+}
+
+TEST_F(PutBackTest, WhatWasSavedWithoutALineIsOfferedAfterTheLogin)
+{
+    view(u"a.html"_s);
+    ftp.connectionState = FtpOperations::Closed;
+    edit("neu");
+    waitForLog(u"nicht zurückgespielt"_s);
+    ftp.connectionState = FtpOperations::Connected;
+    expectOffer(true);
+    putBack.offerUnsent();
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
+}
+
+TEST_F(PutBackTest, AYesWithoutALineIsToldAndAskedAgainAfterTheLogin)
+{
+    view(u"a.html"_s);
+    expectOffer(true);
+    prompts.meanwhile([this] { ftp.connectionState = FtpOperations::Closed; });
+    edit("neu");
+    waitForOffer();
+    EXPECT_TRUE(shell.log.contains(u"nicht zurückgespielt"_s));
+    globals.connection.RemoteHost = u"anderswo"_s;
+    ftp.connectionState = FtpOperations::Connected;
+    putBack.offerUnsent(); // it is none of that server's
+    globals.connection.RemoteHost = u"files01"_s;
+    expectOffer(true);
+    putBack.offerUnsent();
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
+}
+
+TEST_F(PutBackTest, AnUploadThatLostItsLineIsOfferedAfterTheLogin)
+{
+    view(u"a.html"_s);
+    breakUploads("n");
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    ftp.refuse = nullptr;
+    expectOffer(true);
+    putBack.offerUnsent();
+    waitForOffer();
+    EXPECT_EQ(ftp.content(u"/www/a.html"_s), "neu");
 }
 
 TEST_F(PutBackTest, TheOfferWaitsForTheEndOfWhatRuns)
