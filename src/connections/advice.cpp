@@ -94,9 +94,22 @@ QString adviceFor(const FtpEvent &event)
         return u"Der Server kann diesen Namen nicht annehmen; bitte prüfen Sie ihn auf unerlaubte "
                "Zeichen und auf seine Länge."_s;
     }
-    if (event.reason == ftp::ErrorKind::LocalFile
-        && (event.operation == OpPutFile || event.operation == OpPutMultiple)) {
-        return u"Bitte prüfen Sie, ob Sie die Datei auf dem eigenen Computer lesen dürfen."_s;
+    if (event.reason && event.text.contains("nested too deeply"_L1)) {
+        return u"Ordner sind zu tief ineinander verschachtelt; was in ihnen steht, wurde "
+               "ausgelassen."_s;
+    }
+    const auto isOneOf = [&event](int one, int other) {
+        return event.operation == one || event.operation == other;
+    };
+    if (event.reason == ftp::ErrorKind::UnsafeName && !isOneOf(OpGetFile, OpGetMultiple)) {
+        return u"Der Server nennt einen unzulässigen Namen; er wurde ausgelassen."_s;
+    }
+    if (event.reason == ftp::ErrorKind::LocalFile && isOneOf(OpPutFile, OpPutMultiple)) {
+        return u"Bitte prüfen Sie, ob Sie die Datei auf dem eigenen Computer lesen dürfen, ob es "
+               "sie noch gibt und ob ein anderes Programm sie gerade ändert."_s;
+    }
+    if (event.reason == ftp::ErrorKind::Refused) {
+        return {}; // not by the server, whose reply would be the reason; the text says why
     }
     // 425: the server could not open the data connection.
     const bool blocked = event.text.startsWith("425"_L1);

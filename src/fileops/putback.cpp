@@ -167,8 +167,7 @@ void PutBack::offerNext()
 void PutBack::offerUnsent()
 {
     for (const QString &localPath : std::as_const(m_unsent)) {
-        if (m_files.value(localPath).server == currentServer()
-            && !m_waiting.contains(localPath)) {
+        if (m_files.value(localPath).server == currentServer() && !m_waiting.contains(localPath)) {
             m_waiting.append(localPath);
         }
     }

@@ -183,6 +183,16 @@ TEST_F(SessionRules, AnAbortedLoginShowsNoBox)
     EXPECT_TRUE(endsDisconnected());
 }
 
+TEST_F(SessionRules, ADeclinedCertificateShowsNoBox)
+{
+    failLogin(ftp::ErrorKind::CertificateRejected, u"The certificate is not trusted"_s);
+    session.ConnectSequence();
+    EXPECT_EQ(shell.log,
+              u"Connecting ...\r\nThe certificate is not trusted\r\n"_s
+                  + adviceFor(ftp::ErrorKind::CertificateRejected) + u"\r\n"_s);
+    EXPECT_TRUE(endsDisconnected());
+}
+
 TEST_F(SessionRules, AnErrorWithoutADescriptionDoesNothing)
 {
     ftp.connectionState = FtpOperations::Connected;

@@ -117,8 +117,8 @@ TEST_F(WiredWindow, AnEditThatFoundNoLineIsOfferedAfterTheNextLogin)
         QTest::qWaitFor([this] { return log().contains(QStringLiteral("nicht zurückgespielt")); }));
     expectAdvice();
     window->load_commands();
-    prompts.expectQuestion(
-        QStringLiteral("/da.txt\r\nwurde geändert – zum Server zurückspielen?"), true);
+    prompts.expectQuestion(QStringLiteral("/da.txt\r\nwurde geändert – zum Server zurückspielen?"),
+                           true);
     EXPECT_TRUE(QTest::qWaitFor([this] { return prompts.finished() && !ftp.isBusy(); }));
     EXPECT_EQ(servers::readFile(server.root() / "da.txt"), "neu");
 }
