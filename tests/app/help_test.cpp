@@ -106,7 +106,7 @@ TEST_F(HelpEverywhere, EachDialogHasItsPage)
     FtpCertificate certificate;
     frm_zertifikat trust(certificate);
     expectOwnPage(trust);
-    frmTransfer conflict(ConflictQuestion { u"Dateitransfer"_s, u"?"_s, true });
+    frmTransfer conflict(ConflictQuestion { u"Dateitransfer"_s, { u"?"_s }, true });
     expectOwnPage(conflict);
     frmRename rename(u"a.txt"_s, prompts);
     expectOwnPage(rename);

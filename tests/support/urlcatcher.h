@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QDesktopServices>
-#include <QObject>
 #include <QList>
+#include <QObject>
 #include <QUrl>
 
 /// Stands in for the desktop's opener.
