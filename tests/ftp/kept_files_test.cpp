@@ -2,13 +2,9 @@
 #include "ftp/crew.h"
 #include "ftp/tree.h"
 
-#include "ftp/run.h"
-#include "servers/faultserver.h"
-#include "servers/fixture.h"
+#include "ftp/faultcase.h"
 
-#include <algorithm>
 #include <filesystem>
-#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 using ftp::ErrorKind;
@@ -17,29 +13,7 @@ using servers::Rule;
 
 namespace {
 
-class KeptFiles : public testing::Test {
-protected:
-    ftp::Client &connect(ftp::Encryption encryption = ftp::Encryption::Never)
-    {
-        m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
-                                                encryption, 1);
-        m_client->login().timeout = std::chrono::milliseconds(2000);
-        m_opened = m_client->open();
-        return m_client->client();
-    }
-    template <class T> T run(ftp::Awaitable<T> work) { return m_client->run(std::move(work)); }
-    std::string local(const std::string &name) { return (folder.path() / name).string(); }
-    bool noted(const std::string &text)
-    {
-        return std::any_of(m_client->notes().begin(), m_client->notes().end(),
-                           [&](const std::string &note) { return note.find(text) != note.npos; });
-    }
-
-    servers::FaultServer server;
-    servers::TemporaryFolder folder;
-    std::unique_ptr<TestClient> m_client;
-    ftp::Status m_opened;
-};
+class KeptFiles : public FaultCase { };
 
 } // namespace
 
@@ -50,7 +24,7 @@ TEST_F(KeptFiles, AnUploadIsNotContinuedOnAnOlderFile)
     // The bytes are on their way already when the server breaks off before it took any.
     server.fault.greeting = "220 (vsFTPd 3.0.3)";
     server.on({ .verb = "STOR", .action = Rule::Drop, .times = 1 });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
     EXPECT_TRUE(put) << put.error().text;
     EXPECT_EQ(servers::readFile(server.root() / "web" / "f"), std::string(50000, 'N'));
@@ -61,7 +35,7 @@ TEST_F(KeptFiles, AServerThatMayDislikeEarlyBytesGetsThemAfterItsReply)
     server.fault.dislikesEarlyData = true;
     servers::writeFile(folder.path() / "web" / "f", "inhalt");
     servers::writeFile(folder.path() / "web" / "leer", "");
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(client.put(local("web/f"), "f", 0, Type::Binary));
     EXPECT_TRUE(put) << put.error().text;
     EXPECT_EQ(servers::readFile(server.root() / "f"), "inhalt");
@@ -76,7 +50,7 @@ TEST_F(KeptFiles, AServerKnownToBearEarlyBytesGetsThemAtOnce)
     server.fault.dislikesEarlyData = true;
     server.fault.greeting = "220 (vsFTPd 3.0.3)";
     servers::writeFile(folder.path() / "f", "inhalt");
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(client.put(local("f"), "f", 0, Type::Binary));
     ASSERT_FALSE(put); // it only says that it is that server
     EXPECT_EQ(put.error().replyCode, 425);
@@ -87,7 +61,7 @@ TEST_F(KeptFiles, AFolderThatNoCommandMayNameIsLeftOutAlone)
     for (const char *name : { "a", "b", "c\nd", "e" }) {
         servers::writeFile(folder.path() / "oben" / name / "f", "inhalt");
     }
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(ftp::putTree(client, local("oben"), "/oben", Type::Binary));
     ASSERT_FALSE(put);
     EXPECT_EQ(put.error().kind, ErrorKind::BadArgument);
@@ -99,7 +73,7 @@ TEST_F(KeptFiles, AFolderThatNoCommandMayNameIsLeftOutAlone)
 
 TEST_F(KeptFiles, CommandsAreSentTogetherOrNotAtAll)
 {
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     std::vector<std::string> commands { "MKD gut", "MKD schlecht\r\nDELE alles" };
     const auto replies = run(client.session().askAll(commands));
     ASSERT_FALSE(replies);
@@ -113,7 +87,7 @@ TEST_F(KeptFiles, AFolderThatCannotBeReadIsNoEmptyFolder)
     server.fault.noMlsd = true;
     server.fault.listing = "<html>Wartung</html>\r\nbitte warten\r\n";
     servers::writeFile(server.root() / "web" / "f", "inhalt");
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
     ASSERT_FALSE(got);
     EXPECT_EQ(got.error().kind, ErrorKind::Protocol);
@@ -128,7 +102,7 @@ TEST_F(KeptFiles, AnOptionTakenForANameIsNoEmptyFolder)
     for (const char *answer : { "", "-a: No such file or directory\r\n" }) {
         server.fault.optionAnswer = answer;
         fs::remove_all(local("web"));
-        ftp::Client &client = connect();
+        ftp::Client &client = connected();
         const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
         ASSERT_TRUE(got) << got.error().text;
         EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
@@ -141,7 +115,7 @@ TEST_F(KeptFiles, AnOptionTakenForANameIsNoEmptyFolder)
 
 TEST_F(KeptFiles, AFullDiskIsToldAlsoBehindARefusedFile)
 {
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     ftp::Crew crew(client,
                    [](ftp::Session &) -> ftp::Awaitable<ftp::Status> { co_return ftp::Status {}; });
     crew.failed({ ErrorKind::Refused, 550, "550 No" });
@@ -155,7 +129,7 @@ TEST_F(KeptFiles, AFullDiskIsToldAlsoBehindARefusedFile)
 TEST_F(KeptFiles, AFolderUploadShowsThatItRunsBeforeItsFirstFile)
 {
     servers::writeFile(folder.path() / "web" / "f", "neu");
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     server.on({ .verb = "MKD", .action = Rule::Drop }); // the end comes before any file
     EXPECT_FALSE(run(ftp::putTree(client, local("web"), "/neu", Type::Binary)));
     EXPECT_FALSE(m_client->progress().empty());
@@ -169,7 +143,7 @@ TEST_F(KeptFiles, ALineLostWhileAFolderIsRemovedLeavesNothingStanding)
         servers::writeFile(server.root() / "weg" / "c" / "f", "inhalt");
         server.clearRules();
         server.on({ .verb = "RMD", .action = Rule::Drop, .skip = skip, .times = 1 });
-        ftp::Client &client = connect();
+        ftp::Client &client = connected();
         const auto removed = run(ftp::removeTree(client, "/weg"));
         EXPECT_TRUE(removed) << removed.error().text;
         EXPECT_FALSE(fs::exists(server.root() / "weg")) << skip;
@@ -180,7 +154,7 @@ TEST_F(KeptFiles, AShorterFileOnTheServerIsFetchedAnew)
 {
     servers::writeFile(server.root() / "f", std::string(500, 'N'));
     servers::writeFile(folder.path() / "f", std::string(1000, 'O'));
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto got = run(client.get("f", local("f"), 1000, Type::Binary));
     ASSERT_TRUE(got) << got.error().text;
     EXPECT_EQ(*got, 0);
@@ -192,7 +166,7 @@ TEST_F(KeptFiles, AContinuedFileMustHaveTheServersSize)
     server.fault.forgetRestart = true; // the whole file comes behind what is there
     servers::writeFile(server.root() / "f", std::string(2000, 'N'));
     servers::writeFile(folder.path() / "f", std::string(1000, 'N'));
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto got = run(client.get("f", local("f"), 1000, Type::Binary));
     ASSERT_FALSE(got);
     EXPECT_EQ(got.error().kind, ErrorKind::Truncated);
@@ -201,7 +175,7 @@ TEST_F(KeptFiles, AContinuedFileMustHaveTheServersSize)
 TEST_F(KeptFiles, AVanishedFileIsNotContinuedButSentWhole)
 {
     servers::writeFile(folder.path() / "f", std::string(5000, 'N'));
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(client.put(local("f"), "f", 2000, Type::Binary));
     ASSERT_TRUE(put) << put.error().text;
     EXPECT_EQ(*put, 0);
@@ -212,7 +186,7 @@ TEST_F(KeptFiles, ALongerFileOnTheServerIsNotReplacedByContinuing)
 {
     servers::writeFile(server.root() / "f", std::string(9000, 'O'));
     servers::writeFile(folder.path() / "f", std::string(5000, 'N'));
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     EXPECT_FALSE(run(client.put(local("f"), "f", 9000, Type::Binary)));
     EXPECT_EQ(servers::readFile(server.root() / "f"), std::string(9000, 'O'));
     EXPECT_TRUE(noted("ist größer als die lokale"));
@@ -225,7 +199,7 @@ TEST_F(KeptFiles, ARefusedUploadDoesNotTouchTheTimeOfTheOlderFile)
         servers::writeFile(folder.path() / "web" / ("f" + std::to_string(i)), "neu");
     }
     server.on({ .verb = "STOR", .argument = "*f1", .text = "550 Overwrite permission denied" });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     EXPECT_FALSE(run(ftp::putTree(client, local("web"), "/web", Type::Binary)));
     const auto times = server.lines("MFMT");
     EXPECT_EQ(times.size(), 2U); // also the last one, which no other upload follows
@@ -237,17 +211,17 @@ TEST_F(KeptFiles, ARefusedUploadDoesNotTouchTheTimeOfTheOlderFile)
 TEST_F(KeptFiles, AServerWithoutEncryptionIsNoWrongPassword)
 {
     server.on({ .verb = "AUTH", .text = "530 Please login with USER and PASS." });
-    connect(ftp::Encryption::Always);
-    ASSERT_FALSE(m_opened);
-    EXPECT_EQ(m_opened.error().kind, ErrorKind::TlsFailed);
-    EXPECT_EQ(m_opened.error().text.find("530"), std::string::npos);
+    const ftp::Status opened = prepared(ftp::Encryption::Always).open();
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error().kind, ErrorKind::TlsFailed);
+    EXPECT_EQ(opened.error().text.find("530"), std::string::npos);
     EXPECT_FALSE(m_client->replies().empty()); // but the log has it
 }
 
 TEST_F(KeptFiles, AServerThatDoesNotTellItsFolderIsInTheOneItWasSentTo)
 {
     fs::create_directories(server.root() / "web" / "unten");
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     server.on({ .verb = "PWD", .text = "550 No" });
     EXPECT_TRUE(run(client.changeFolder("/web")));
     EXPECT_EQ(client.folder(), "/web");
@@ -261,7 +235,7 @@ TEST_F(KeptFiles, RepliesInsideAFolderAreNoNewsButAFullWebSpaceIs)
         servers::writeFile(folder.path() / "web" / ("f" + std::to_string(i)), "neu");
     }
     server.on({ .verb = "STOR", .argument = "*f5", .text = "451 Quota exceeded", .times = 1 });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     m_client->replies().clear();
     EXPECT_FALSE(run(ftp::putTree(client, local("web"), "/web", Type::Binary)));
     const auto &told = m_client->replies();
@@ -277,7 +251,7 @@ TEST_F(KeptFiles, PermissionsGoToTheNameInTheServersBytes)
 {
     server.fault.noUtf8 = true;
     servers::writeFile(server.root() / "K\xE4se.html", "inhalt");
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     ASSERT_TRUE(run(client.list()));
     EXPECT_TRUE(run(client.raw("SITE chmod 644 Käse.html")));
     EXPECT_EQ(server.lines("SITE").back(), "SITE chmod 644 K\xE4se.html");
@@ -289,7 +263,7 @@ TEST_F(KeptFiles, HiddenFilesAreFetchedAlthoughAListingWasRefusedOnce)
     servers::writeFile(server.root() / "web" / "unten" / ".htaccess", "allow");
     server.fault.noMlsd = true;
     server.on({ .verb = "LIST", .argument = "-a", .text = "425 No data connection.", .times = 1 });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
     EXPECT_TRUE(got) << got.error().text;
     EXPECT_EQ(servers::readFile(folder.path() / "web" / ".htaccess"), "deny");
@@ -301,7 +275,7 @@ TEST_F(KeptFiles, APassingRefusalDoesNotHideFilesForGood)
     servers::writeFile(server.root() / ".htaccess", "deny");
     server.fault.noMlsd = true;
     server.on({ .verb = "LIST", .argument = "-a", .text = "425 No data connection.", .times = 1 });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     EXPECT_TRUE(run(client.list()));
     const auto listed = run(client.list());
     ASSERT_TRUE(listed);
@@ -315,7 +289,7 @@ TEST_F(KeptFiles, AFolderThatMayNotBeListedDoesNotHideFilesInOthers)
     servers::writeFile(server.root() / "web" / ".htaccess", "deny");
     server.fault.noMlsd = true;
     server.on({ .verb = "LIST", .text = "550 Permission denied.", .times = 2 });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     EXPECT_FALSE(run(client.list()));
     const auto listed = run(client.list());
     ASSERT_TRUE(listed);
@@ -330,7 +304,7 @@ TEST_F(KeptFiles, AFolderThatMayNotBeListedDoesNotHideFilesInOthers)
 TEST_F(KeptFiles, ANameThatNoCommandMayCarryIsRefusedBeforeAnythingIsSent)
 {
     server.on({ .verb = "MDTM", .text = "500 Unknown" });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     ASSERT_FALSE(run(client.get("f", local("f"), 0, Type::Ascii))); // no MDTM from now on
     const auto got = run(client.get("a\rb", local("f"), 0, Type::Ascii));
     ASSERT_FALSE(got);
@@ -346,7 +320,7 @@ TEST_F(KeptFiles, AListingThatBreaksOffIsNotToldTwice)
     server.fault.faultyListings = true;
     server.fault.dropDataAfter = 100;
     server.fault.faultyTransfers = 1;
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     EXPECT_FALSE(run(client.list()));
     EXPECT_EQ(server.lines("LIST").size(), 1U);
 }
@@ -355,7 +329,7 @@ TEST_F(KeptFiles, AFolderIsFetchedWhereMachineListingsAreForbidden)
 {
     servers::writeFile(server.root() / "web" / "unten" / "f", "inhalt");
     server.on({ .verb = "MLSD", .text = "500 Forbidden." });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
     EXPECT_TRUE(got) << got.error().text;
     EXPECT_EQ(servers::readFile(folder.path() / "web" / "unten" / "f"), "inhalt");
@@ -369,7 +343,7 @@ TEST_F(KeptFiles, AnUploadIsNotContinuedOnAFileThatTheServerKeepsMeanwhile)
     server.fault.storesAside = true;
     server.fault.dropAllAfter = 1'000'000;
     server.fault.faultyTransfers = 1;
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
     EXPECT_TRUE(put) << put.error().text;
     EXPECT_TRUE(servers::readFile(server.root() / "web" / "f") == wanted);
@@ -381,7 +355,7 @@ TEST_F(KeptFiles, AnUploadThatBrokeOffGoesOnWhereNothingStoodBefore)
     servers::writeFile(folder.path() / "web" / "f", wanted);
     server.fault.dropAllAfter = 1'000'000;
     server.fault.faultyTransfers = 1;
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
     EXPECT_TRUE(put) << put.error().text;
     EXPECT_TRUE(servers::readFile(server.root() / "web" / "f") == wanted);
@@ -394,7 +368,7 @@ TEST_F(KeptFiles, AServerThatRefusesCommandsDuringTransfersGetsEveryFile)
         servers::writeFile(folder.path() / "web" / name, name);
     }
     server.fault.refusesDuringTransfers = true;
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto put = run(ftp::putTree(client, local("web"), "/web", Type::Binary));
     EXPECT_TRUE(put) << put.error().text;
     for (const char *name : { "a", "b", "c", "d", "e" }) {
@@ -410,10 +384,8 @@ TEST_F(KeptFiles, WhatOnlyAnotherSessionMayNotDoTheFirstOneDoes)
     }
     server.fault.replyDelay = 5; // so that there is time for others to join
     server.on({ .verb = "RETR", .text = "450 One transfer at a time.", .fromSession = 2 });
-    m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
-                                            ftp::Encryption::Never, 3);
-    ASSERT_TRUE(m_client->open());
-    const auto got = run(ftp::getTree(m_client->client(), "/web", local("web"), Type::Binary));
+    ftp::Client &client = connected(ftp::Encryption::Never, 3);
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
     EXPECT_TRUE(got) << got.error().text;
     for (int i = 0; i < 20; ++i) {
         EXPECT_EQ(servers::readFile(folder.path() / "web" / std::to_string(i)), std::to_string(i));
@@ -431,7 +403,7 @@ TEST_F(KeptFiles, ALinkThatMayNotBeReadIsTold)
     server.on({ .verb = "RETR", .argument = "/web/geheim", .text = "550 Permission denied." });
     server.on({ .verb = "RETR", .argument = "/web/ordner", .text = "550 Not a file." });
     server.on({ .verb = "CWD", .argument = "/web/ordner", .text = "250 Okay." });
-    ftp::Client &client = connect();
+    ftp::Client &client = connected();
     const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
     EXPECT_TRUE(got) << got.error().text;
     EXPECT_TRUE(noted("Verknüpfung ohne Ziel oder ohne Leserecht, nicht übertragen: /web/geheim"));
@@ -447,11 +419,8 @@ TEST_F(KeptFiles, ASizeOfZeroIsNoProofThatAnEncryptedFileIsWhole)
     server.fault.noCloseNotify = true;
     server.fault.truncateDataAfter = 1000;
     server.fault.faultyTransfers = 1;
-    m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
-                                            ftp::Encryption::Always, 1);
-    m_client->trust(ftp::Trust::Once);
-    ASSERT_TRUE(m_client->open());
-    const auto got = run(ftp::getTree(m_client->client(), "/web", local("web"), Type::Binary));
+    ftp::Client &client = connected(ftp::Encryption::Always);
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
     EXPECT_TRUE(got) << got.error().text;
     EXPECT_EQ(servers::readFile(folder.path() / "web" / "f"), std::string(5000, 'x'));
 }
@@ -465,13 +434,11 @@ TEST_F(KeptFiles, AFirstSessionThatMayNotComeBackDoesNotStopTheOthers)
     server.on({ .verb = "RETR", .action = Rule::Drop, .toSession = 1, .skip = 4, .times = 1 });
     // As long as the work lasts the server counts the lost connection, too.
     server.on({ .verb = "USER", .text = "421 Too many", .fromSession = 4, .times = 3 });
-    m_client = std::make_unique<TestClient>(server.port(), server.user(), server.password(),
-                                            ftp::Encryption::Never, 3);
-    ASSERT_TRUE(m_client->open());
-    const auto got = run(ftp::getTree(m_client->client(), "/web", local("web"), Type::Binary));
+    ftp::Client &client = connected(ftp::Encryption::Never, 3);
+    const auto got = run(ftp::getTree(client, "/web", local("web"), Type::Binary));
     EXPECT_TRUE(got) << got.error().text;
     for (int i = 0; i < 30; ++i) {
         EXPECT_EQ(servers::readFile(folder.path() / "web" / std::to_string(i)), std::to_string(i));
     }
-    EXPECT_TRUE(m_client->client().usable());
+    EXPECT_TRUE(client.usable());
 }

@@ -10,6 +10,8 @@ using testing::IsEmpty;
 
 namespace {
 
+const std::string whole = servers::randomBytes(50000, 5);
+
 class Restart : public FaultCase {
 protected:
     ftp::Result<std::int64_t> get(const std::string &name, std::int64_t offset)
@@ -20,13 +22,23 @@ protected:
     {
         return run(m_client->client().put(local(name), name, offset, Type::Binary));
     }
+    /// Continues an upload whose beginning is on the server.
+    void expectRestAppended()
+    {
+        servers::writeFile(server.root() / "f", whole.substr(0, 20000));
+        servers::writeFile(local("f"), whole);
+        connected();
+        const auto put = this->put("f", 20000);
+        ASSERT_TRUE(put) << put.error().text;
+        EXPECT_EQ(*put, 20000);
+        EXPECT_EQ(stored("f"), whole);
+        EXPECT_THAT(server.lines("APPE"), ElementsAre("APPE f"));
+    }
     static void setAge(const std::filesystem::path &file, std::chrono::minutes age)
     {
         std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() - age);
     }
 };
-
-const std::string whole = servers::randomBytes(50000, 5);
 
 } // namespace
 
@@ -123,27 +135,14 @@ TEST_F(Restart, ARefusedOffsetFetchesTheWholeFile)
 TEST_F(Restart, ARefusedOffsetAppendsToAnUpload)
 {
     server.on({ .verb = "REST", .text = "502 REST not implemented" });
-    servers::writeFile(server.root() / "f", whole.substr(0, 20000));
-    servers::writeFile(local("f"), whole);
-    connected();
-    const auto put = this->put("f", 20000);
-    ASSERT_TRUE(put) << put.error().text;
-    EXPECT_EQ(*put, 20000);
-    EXPECT_EQ(stored("f"), whole);
-    EXPECT_THAT(server.lines("APPE"), ElementsAre("APPE f"));
+    expectRestAppended();
     EXPECT_THAT(server.lines("STOR"), IsEmpty());
 }
 
 TEST_F(Restart, AnUploadIsAppendedWhereSizesAreUnknown)
 {
     server.on({ .verb = "SIZE", .text = "500 SIZE not understood" });
-    servers::writeFile(server.root() / "f", whole.substr(0, 20000));
-    servers::writeFile(local("f"), whole);
-    connected();
-    const auto put = this->put("f", 20000);
-    ASSERT_TRUE(put) << put.error().text;
-    EXPECT_EQ(stored("f"), whole);
-    EXPECT_THAT(server.lines("APPE"), ElementsAre("APPE f"));
+    expectRestAppended();
     EXPECT_THAT(server.lines("REST"), IsEmpty()); // a wrong offset would leave a hole
 }
 
