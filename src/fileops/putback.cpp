@@ -1,6 +1,7 @@
 #include "fileops/putback.h"
 
 #include "fileops/rename.h"
+#include "fileops/servercopies.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -57,12 +58,25 @@ QString PutBack::currentServer() const { return webSpaceOf(m_work.globals.connec
 /// Whether the copy here holds something that the server never got.
 bool PutBack::isEdited(const QString &localPath) const
 {
-    const auto file = m_files.constFind(localPath);
     const FileStamp now = FileStamp::of(localPath);
-    if (file == m_files.constEnd() || file->stamp.size < 0 || now.size < 0 || now == file->stamp) {
+    if (now.size < 0) {
+        return false;
+    }
+    const auto file = m_files.constFind(localPath);
+    if (file == m_files.constEnd()) { // the folder stays when the program ends
+        return !ServerCopies(m_work.globals.folders.temporary).holds(localPath);
+    }
+    if (now == file->stamp) {
         return false;
     }
     return file->hash.isEmpty() || contentHash(localPath) != file->hash;
+}
+
+/// The file stands as the server's, whatever is known about its content.
+void PutBack::noteServerCopy(const QString &localPath)
+{
+    m_files[localPath].stamp = FileStamp::of(localPath);
+    ServerCopies(m_work.globals.folders.temporary).note(localPath);
 }
 
 bool PutBack::moveAside(const QString &localPath)
@@ -114,8 +128,9 @@ bool PutBack::beforeFetch(const QString &localPath, const QString &remotePath)
 
 void PutBack::fetchFailed(const QString &localPath)
 {
-    // One that broke off has left something else than the server's copy.
+    // One that broke off has left something else than the server's copy, but nothing to be kept.
     if (!m_before || FileStamp::of(localPath) != m_stampBefore) {
+        noteServerCopy(localPath);
         return;
     }
     m_files.insert(localPath, *m_before);
@@ -126,8 +141,8 @@ void PutBack::fetchFailed(const QString &localPath)
 
 void PutBack::afterFetch(const QString &localPath)
 {
+    noteServerCopy(localPath);
     Fetched &file = m_files[localPath];
-    file.stamp = FileStamp::of(localPath);
     if (!looksLikeText(localPath)) {
         return;
     }
@@ -260,6 +275,9 @@ PutBack::Outcome PutBack::upload(const QString &localPath, const Fetched &file, 
     now.brokenOff.reset();
     now.hash = hash;
     now.stamp = stamp;
+    if (FileStamp::of(localPath) == stamp) { // else it is edited again already
+        noteServerCopy(localPath);
+    }
     const auto facts = m_work.ftp.fileFacts(file.remotePath);
     now.facts = facts ? *facts : FtpFileFacts {};
     return Outcome::Sent;

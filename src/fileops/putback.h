@@ -1,8 +1,8 @@
 #pragma once
 
 #include "fileops/editwatch.h"
-#include "fileops/workplace.h"
 #include "transfer/progressdisplay.h"
+#include "fileops/workplace.h"
 
 #include <QHash>
 #include <QObject>
@@ -47,6 +47,7 @@ private:
 
     [[nodiscard]] bool isEdited(const QString &localPath) const;
     [[nodiscard]] bool moveAside(const QString &localPath);
+    void noteServerCopy(const QString &localPath);
     void saved(const QString &localPath);
     void offerNext();
     void offer(const QString &localPath);

@@ -135,6 +135,57 @@ TEST_F(PutBackTest, AnUnsentEditIsNeverReplacedByViewingAnew)
     }
 }
 
+TEST_F(PutBackTest, EditsOfAnEarlierRunAreNeverReplaced)
+{
+    view(u"a.html"_s);
+    view(u"a.html"_s);
+    PutBack secondRun(work, progress);
+    ViewCommand secondViewer(work, progress, secondRun);
+    const auto viewAgain
+        = [&] { secondViewer.ViewRemoteFile(remote.model().findRow(u"a.html"_s)); };
+    viewAgain();
+    EXPECT_EQ(QDir(disk(u"temp"_s)).entryList(QDir::Files), QStringList { u"a.html"_s });
+
+    ASSERT_TRUE(QFile::remove(disk(u"temp/a.html"_s)));
+    edit("abends"); // when the program had ended
+    PutBack thirdRun(work, progress);
+    ViewCommand(work, progress, thirdRun).ViewRemoteFile(remote.model().findRow(u"a.html"_s));
+    EXPECT_EQ(readLocal(u"temp/a.html"_s), "alt");
+    EXPECT_EQ(readLocal(u"temp/a.html.bearbeitet"_s), "abends");
+
+    ftp.addFile(u"/www/a.html.bearbeitet"_s, "vom Server");
+    showBoth();
+    ViewCommand(work, progress, thirdRun)
+        .ViewRemoteFile(remote.model().findRow(u"a.html.bearbeitet"_s));
+    EXPECT_EQ(readLocal(u"temp/a.html.bearbeitet.bearbeitet"_s), "abends");
+}
+
+TEST_F(PutBackTest, WhatWentBackOrCameInPartIsNoEditForTheNextRun)
+{
+    view(u"a.html"_s);
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    ftp.refuse = [this](const QString &command) -> std::optional<FtpError> {
+        if (!command.startsWith(u"GET "_s)) {
+            return std::nullopt;
+        }
+        writeLocal(u"temp/b.html"_s, "ha");
+        return FtpError { ftp::ErrorKind::Timeout, 0, u"Connection timed out"_s };
+    };
+    ftp.addFile(u"/www/b.html"_s, "halb");
+    showBoth();
+    view(u"b.html"_s);
+    ftp.refuse = nullptr;
+    PutBack nextRun(work, progress);
+    ViewCommand nextViewer(work, progress, nextRun);
+    for (const char *name : { "a.html", "b.html" }) {
+        nextViewer.ViewRemoteFile(remote.model().findRow(QString::fromLatin1(name)));
+    }
+    EXPECT_EQ(QDir(disk(u"temp"_s)).entryList(QDir::Files),
+              (QStringList { u"a.html"_s, u"b.html"_s }));
+}
+
 TEST_F(PutBackTest, ARefusedSecondViewLeavesTheOfferStanding)
 {
     view(u"a.html"_s);
