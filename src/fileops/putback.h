@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fileops/editwatch.h"
-#include "transfer/progressdisplay.h"
+#include "fileops/progressdisplay.h"
 #include "fileops/workplace.h"
 
 #include <QHash>

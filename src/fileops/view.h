@@ -1,8 +1,8 @@
 #pragma once
 
+#include "fileops/progressdisplay.h"
 #include "fileops/putback.h"
 #include "fileops/workplace.h"
-#include "transfer/progressdisplay.h"
 
 #include <QUrl>
 

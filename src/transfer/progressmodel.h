@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/globals.h"
+#include "fileops/progressdisplay.h"
 #include "ftp/ftptypes.h"
-#include "transfer/progressdisplay.h"
 
 #include <QObject>
 

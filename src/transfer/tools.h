@@ -1,8 +1,8 @@
 #pragma once
 
+#include "fileops/progressdisplay.h"
 #include "fileops/workplace.h"
 #include "transfer/conflict.h"
-#include "transfer/progressdisplay.h"
 
 /// What a transfer driver works with.
 struct TransferTools {
