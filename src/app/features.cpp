@@ -4,8 +4,9 @@
 
 Features::Features(const Workplace &workplace, QWidget *window)
     : work(workplace)
+    , disk(work.ftp, work.shell)
     , dialogs(work.prompts, window)
-    , transfers({ work, progress, dialogs })
+    , transfers({ work, progress, dialogs, disk })
     , space(work.prompts, work.shell)
     , remove(work)
     , newFolder(work)

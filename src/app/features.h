@@ -16,6 +16,7 @@ class QWidget;
 struct Features {
     Workplace work;
     ProgressModel progress;
+    DiskLook disk;
     WindowConflictDialogs dialogs;
     TransferCommands transfers;
     SpaceReplies space;

@@ -162,7 +162,8 @@ void frm_tarvelo::addLogos()
 
 bool frm_tarvelo::isBusy() const
 {
-    return m_services.ftp.isBusy() || m_remote->isWorking() || m_features->remove.isRunning();
+    return m_services.ftp.isBusy() || m_remote->isWorking() || m_features->remove.isRunning()
+        || m_features->disk.isLooking();
 }
 
 void frm_tarvelo::followPane(bool remote)

@@ -4,12 +4,15 @@
 #include <QEventLoop>
 #include <QThread>
 #include <QTimer>
+#include <chrono>
+#include <semaphore>
 #include <system_error>
 #include <thread>
 
 namespace {
 
 constexpr int lookTime = 10; ///< milliseconds between two looks at the work
+constexpr std::chrono::milliseconds unfelt(25); ///< below what anybody feels as a standstill
 constexpr qint64 grace = 300; ///< milliseconds that work which was told to stop has for it
 
 } // namespace
@@ -28,27 +31,40 @@ void runAside(const std::function<void()> &work)
 bool runAsideUntil(const std::function<void()> &work,
                    const std::shared_ptr<const std::atomic_bool> &stop)
 {
-    const auto done = std::make_shared<std::atomic_bool>(false);
+    return runAsideUntil(
+        work, [stop] { return stop->load(); }, [] {});
+}
+
+bool runAsideUntil(const std::function<void()> &work, const std::function<bool()> &stop,
+                   const std::function<void()> &slow)
+{
+    const auto done = std::make_shared<std::binary_semaphore>(0);
     try {
         std::thread([work, done] {
             work();
-            *done = true;
+            done->release();
         }).detach();
     } catch (const std::system_error &) {
         return false; // no thread to be had
     }
+    if (done->try_acquire_for(unfelt)) {
+        return true;
+    }
+    slow();
+    bool finished = false;
     QEventLoop loop;
     QElapsedTimer stopped;
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (*stop && !stopped.isValid()) {
+        if (!stopped.isValid() && stop()) {
             stopped.start();
         }
-        if (*done || (stopped.isValid() && stopped.hasExpired(grace))) {
+        finished = finished || done->try_acquire();
+        if (finished || (stopped.isValid() && stopped.hasExpired(grace))) {
             loop.quit();
         }
     });
     look.start(lookTime);
     loop.exec();
-    return *done;
+    return finished;
 }

@@ -13,3 +13,8 @@ void runAside(const std::function<void()> &work);
 /// @return whether the work is done
 [[nodiscard]] bool runAsideUntil(const std::function<void()> &work,
                                  const std::shared_ptr<const std::atomic_bool> &stop);
+/// The same with a stop that is asked on the caller's thread. Work that takes no time is waited for
+/// without the event loop. @param slow  called once when it takes longer
+[[nodiscard]] bool runAsideUntil(const std::function<void()> &work,
+                                 const std::function<bool()> &stop,
+                                 const std::function<void()> &slow);

@@ -58,7 +58,8 @@ RemotePane::RemotePane(FtpOperations &ftp, Globals &globals, Shell &shell, QWidg
 
 bool RemotePane::isReady() const
 {
-    return m_ftp.state() == FtpOperations::Connected && !m_ftp.isBusy() && !m_working;
+    return m_ftp.state() == FtpOperations::Connected && !m_ftp.isBusy() && !m_working
+        && !m_othersWork();
 }
 
 bool RemotePane::maySort() const { return FilePane::maySort() && isReady(); }

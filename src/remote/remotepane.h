@@ -3,6 +3,8 @@
 #include "ftp/ftpoperations.h"
 #include "remote/filepane.h"
 
+#include <functional>
+
 class Shell;
 struct Globals;
 
@@ -41,6 +43,8 @@ public:
 
     /// Rows are being built while the window paints.
     [[nodiscard]] bool isWorking() const { return m_working; }
+    /// Work of the window that the session knows nothing of counts as busy, too.
+    void setBusyCheck(std::function<bool()> busy) { m_othersWork = std::move(busy); }
     /// Connected, and nothing runs.
     [[nodiscard]] bool isReady() const;
     /// Grey line of an empty list, as the session stands.
@@ -62,6 +66,7 @@ private:
     FtpOperations &m_ftp;
     Globals &m_globals;
     Shell &m_shell;
+    std::function<bool()> m_othersWork = [] { return false; };
     bool m_working = false;
     QString m_listed; ///< folder of the listing that the control holds
     bool m_unread = false; ///< the rows are missing, not the files

@@ -40,15 +40,11 @@ void Download::fill(const MarkedItem &item)
     m_state.LocalSize = 0;
 }
 
-std::optional<FtpError> Download::refusal(const MarkedItem &item) const
+std::optional<FtpError> Download::refusal(const MarkedItem &item, const LocalEntry &here) const
 {
     const auto name = refuseName(item.name);
-    return name || ItemKind::isFolderLike(item.kind) ? name : refuseSpecial(localPath());
+    return name || ItemKind::isFolderLike(item.kind) ? name : refuseSpecial(localPath(), here);
 }
-
-qint64 Download::existingSize() const { return localEntry(localPath()).size; }
-
-bool Download::folderExists() const { return localEntry(localPath()).isFolder; }
 
 std::optional<FtpError> Download::moveFile()
 {
@@ -57,10 +53,7 @@ std::optional<FtpError> Download::moveFile()
 
 std::optional<FtpError> Download::moveFolder()
 {
-    // A rename may just have moved the folder away; a failure shows when the first file comes.
-    if (!localEntry(localPath()).exists) {
-        (void)makeLocalFolder(localPath());
-    }
+    m_tools.disk.provideFolder(localPath()); // a rename may just have moved it away
     return errorOf(m_tools.work.ftp.getMultiple(multiplePattern(remotePath(), u'/'), localPath()));
 }
 
@@ -81,5 +74,5 @@ QueueRow Download::row(bool failed) const
 
 QString Download::success() const
 {
-    return QString::number(localEntry(localPath()).size) + u" Bytes"_s;
+    return QString::number(m_tools.disk.sizeSoon(localPath(), m_state.RemoteSize)) + u" Bytes"_s;
 }

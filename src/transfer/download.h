@@ -20,9 +20,10 @@ private:
     void oneFile(int record) override { DownloadFile(m_target, record); }
     void oneFolder(int record) override { DownloadFolder(m_target, record); }
     void fill(const MarkedItem &item) override;
-    [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item) const override;
-    [[nodiscard]] qint64 existingSize() const override;
-    [[nodiscard]] bool folderExists() const override;
+    [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item,
+                                                  const LocalEntry &here) const override;
+    [[nodiscard]] qint64 existingSize(const LocalEntry &here) override { return here.size; }
+    [[nodiscard]] bool folderExists(const LocalEntry &here) const override { return here.isFolder; }
     [[nodiscard]] std::optional<FtpError> moveFile() override;
     [[nodiscard]] std::optional<FtpError> moveFolder() override;
     [[nodiscard]] FtpStatus moveFiles(const QList<FtpFile> &files,

@@ -13,6 +13,8 @@ void TransferDriver::runItems(Pane &source, const std::function<void()> &prepare
 {
     m_batch.run(source, prepare, list, [this](int slot) {
         m_state.IsUpload = m_upload;
+        m_seen.clear(); // a question may have stood for long
+        m_ahead = 1;
         const int end
             = endOfRun(slot, m_batch.behindLast(), [this](int next) { return isPlain(next); });
         if (end > slot + 1) {
@@ -37,11 +39,38 @@ bool TransferDriver::isPlain(int record)
         return false;
     }
     fill(item);
-    if (!knowsTarget() || whyNot(record)) {
+    if (!knowsTarget()) {
         return false;
     }
-    targetSize() = existingSize();
+    const auto here = seenAhead(record);
+    fill(item);
+    if (!here || whyNot(record, *here)) {
+        return false;
+    }
+    targetSize() = existingSize(*here);
     return startsWithoutQuestion(m_state);
+}
+
+/// What stands at an item's local path. The next ones are looked at along with it, more each time:
+/// a run takes few waits, and items that are asked about one by one are not looked at for nothing.
+std::optional<LocalEntry> TransferDriver::seenAhead(int record)
+{
+    fill(m_batch.item(record));
+    const QString path = localPath();
+    if (!m_seen.contains(path)) {
+        QStringList paths;
+        const int end = std::min(m_batch.behindLast(), record + m_ahead);
+        for (int slot = record; slot < end; ++slot) {
+            fill(m_batch.item(slot));
+            if (!ItemKind::isFolderLike(m_batch.item(slot).kind)) {
+                paths.append(localPath());
+            }
+        }
+        m_ahead *= 2;
+        m_seen.insert(m_tools.disk.at(paths));
+    }
+    const auto seen = m_seen.constFind(path);
+    return seen == m_seen.constEnd() ? std::nullopt : std::optional(*seen);
 }
 
 void TransferDriver::runFile(int record)
@@ -49,10 +78,15 @@ void TransferDriver::runFile(int record)
     const MarkedItem item = m_batch.item(record);
     fill(item);
     const auto finished = qScopeGuard([this] { finishItem(); });
-    if (m_state.SkipCurrent || refuse(record, item.sizeText)) {
+    if (m_state.SkipCurrent) {
         return;
     }
-    targetSize() = existingSize();
+    const auto here = seenAhead(record); // no question has stood since it was looked at
+    fill(item);
+    if (!here || refuse(record, item.sizeText, *here)) {
+        return;
+    }
+    targetSize() = existingSize(*here);
     askAboutFile();
     if (!stillConnected()) {
         return;
@@ -73,10 +107,14 @@ void TransferDriver::runFolder(int record)
     fill(item);
     sourceSize() = 0; // folders have no size of their own
     const auto finished = qScopeGuard([this] { finishItem(); });
-    if (m_state.SkipCurrent || refuse(record, {})) {
+    if (m_state.SkipCurrent) {
         return;
     }
-    if (folderExists() && asksForFolder(m_state)) {
+    const auto here = m_tools.disk.at(localPath());
+    if (!here || refuse(record, {}, *here)) {
+        return;
+    }
+    if (folderExists(*here) && asksForFolder(m_state)) {
         askConflict(m_tools.work, m_tools.dialogs);
     }
     if (!stillConnected()) {
@@ -128,7 +166,7 @@ void TransferDriver::present(int record)
 }
 
 /// Why an item is not even tried; fill() was called for it.
-std::optional<FtpError> TransferDriver::whyNot(int record)
+std::optional<FtpError> TransferDriver::whyNot(int record, const LocalEntry &here)
 {
     // Files of two folders may be dropped together, and two names may become one on the other side.
     // No question would tell of it, and in a run both would be written at once.
@@ -141,12 +179,12 @@ std::optional<FtpError> TransferDriver::whyNot(int record)
                                 u"erste wird übertragen."_s };
     }
     m_targets.insert(target, record);
-    return refusal(m_batch.item(record));
+    return refusal(m_batch.item(record), here);
 }
 
-bool TransferDriver::refuse(int record, const QString &sizeText)
+bool TransferDriver::refuse(int record, const QString &sizeText, const LocalEntry &here)
 {
-    const auto why = whyNot(record);
+    const auto why = whyNot(record, here);
     if (why) {
         m_tools.work.shell.AppendLog(why->text + u"\r\n"_s);
         this->record(sizeText, why, {});

@@ -40,11 +40,13 @@ private:
     virtual void oneFolder(int record) = 0;
     /// Names, folders and the source's size of an item; the target's size is 0.
     virtual void fill(const MarkedItem &item) = 0;
-    /// Why the item is not even tried, if it is not.
-    [[nodiscard]] virtual std::optional<FtpError> refusal(const MarkedItem &item) const = 0;
+    /// Why the item is not even tried, if it is not. @param here  what stands at localPath()
+    [[nodiscard]] virtual std::optional<FtpError> refusal(const MarkedItem &item,
+                                                          const LocalEntry &here) const
+        = 0;
     /// Size of what stands at a file's target, 0 for nothing.
-    [[nodiscard]] virtual qint64 existingSize() const = 0;
-    [[nodiscard]] virtual bool folderExists() const = 0;
+    [[nodiscard]] virtual qint64 existingSize(const LocalEntry &here) = 0;
+    [[nodiscard]] virtual bool folderExists(const LocalEntry &here) const = 0;
     /// Whether existingSize() tells without asking the server.
     [[nodiscard]] virtual bool knowsTarget() const { return true; }
     [[nodiscard]] virtual std::optional<FtpError> moveFile() = 0;
@@ -58,10 +60,11 @@ private:
     [[nodiscard]] qint64 &sourceSize() { return m_upload ? m_state.LocalSize : m_state.RemoteSize; }
     [[nodiscard]] qint64 &targetSize() { return m_upload ? m_state.RemoteSize : m_state.LocalSize; }
     [[nodiscard]] bool isPlain(int record);
+    [[nodiscard]] std::optional<LocalEntry> seenAhead(int record);
     void runFiles(int first, int end);
     void present(int record);
-    [[nodiscard]] std::optional<FtpError> whyNot(int record);
-    bool refuse(int record, const QString &sizeText);
+    [[nodiscard]] std::optional<FtpError> whyNot(int record, const LocalEntry &here);
+    bool refuse(int record, const QString &sizeText, const LocalEntry &here);
     void askAboutFile();
     [[nodiscard]] bool stillConnected() const;
     void finishItem();
@@ -70,4 +73,6 @@ private:
 
     bool m_upload;
     QHash<QString, int> m_targets; ///< record that a target path belongs to
+    QHash<QString, LocalEntry> m_seen; ///< by local path, what was looked at for a run
+    int m_ahead = 1; ///< items to look at next
 };

@@ -28,9 +28,9 @@
 }
 
 /// A pipe, socket or device is never opened: reading from it might wait for ever.
-[[nodiscard]] inline std::optional<FtpError> refuseSpecial(const QString &path)
+[[nodiscard]] inline std::optional<FtpError> refuseSpecial(const QString &path,
+                                                           const LocalEntry &entry)
 {
-    const LocalEntry entry = localEntry(path);
     if (!entry.exists || entry.isFile || entry.isFolder) {
         return std::nullopt;
     }

@@ -51,13 +51,13 @@ void Upload::fill(const MarkedItem &item)
     m_state.RemoteSize = 0;
 }
 
-std::optional<FtpError> Upload::refusal(const MarkedItem &item) const
+std::optional<FtpError> Upload::refusal(const MarkedItem &item, const LocalEntry &here) const
 {
     const bool folder = ItemKind::isFolderLike(item.kind);
-    return m_unreachable || folder ? m_unreachable : refuseSpecial(localPath());
+    return m_unreachable || folder ? m_unreachable : refuseSpecial(localPath(), here);
 }
 
-qint64 Upload::existingSize() const
+qint64 Upload::existingSize(const LocalEntry & /*here*/)
 {
     if (m_tools.work.remote.isUnread()) {
         const auto facts = m_tools.work.ftp.fileFacts(remotePath());
@@ -72,7 +72,7 @@ bool Upload::isListed() const
     return m_tools.work.remote.model().findRow(m_state.RemoteName) >= 0;
 }
 
-bool Upload::folderExists() const
+bool Upload::folderExists(const LocalEntry & /*here*/) const
 {
     // Files inside an accepted folder are replaced without questions: better one too many.
     return isListed() || m_tools.work.remote.isUnread();
@@ -113,5 +113,6 @@ QueueRow Upload::row(bool failed) const
 
 QString Upload::success() const
 {
-    return QString::number(localEntry(localPath()).size) + u" Bytes"_s; // it may have grown
+    // It may have grown.
+    return QString::number(m_tools.disk.sizeSoon(localPath(), m_state.LocalSize)) + u" Bytes"_s;
 }

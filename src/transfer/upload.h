@@ -24,9 +24,10 @@ private:
     void listTarget();
     [[nodiscard]] bool isListed() const;
     void fill(const MarkedItem &item) override;
-    [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item) const override;
-    [[nodiscard]] qint64 existingSize() const override;
-    [[nodiscard]] bool folderExists() const override;
+    [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item,
+                                                  const LocalEntry &here) const override;
+    [[nodiscard]] qint64 existingSize(const LocalEntry &here) override;
+    [[nodiscard]] bool folderExists(const LocalEntry &here) const override;
     [[nodiscard]] bool knowsTarget() const override { return !m_tools.work.remote.isUnread(); }
     [[nodiscard]] std::optional<FtpError> moveFile() override;
     [[nodiscard]] std::optional<FtpError> moveFolder() override;

@@ -116,6 +116,7 @@ protected:
     std::function<void()> onProgress; ///< called for every report while a transfer runs
     AnsweredConflicts dialogs;
     SpaceReplies space { prompts, shell };
-    TransferTools tools { work, progress, dialogs };
+    DiskLook looks { ftp, shell };
+    TransferTools tools { work, progress, dialogs, looks };
     TransferCommands commands { tools };
 };

@@ -168,7 +168,8 @@ protected:
             void setValue(qint64) override { }
             void finish() override { }
         } display;
-        const TransferTools tools { work, display, dialogs };
+        DiskLook looks { ftp, shell };
+        const TransferTools tools { work, display, dialogs, looks };
         QStringList names;
         for (std::size_t at = 0; at < items; ++at) {
             names.append(nameOf(at));

@@ -3,8 +3,10 @@
 #include "remote/itemkind.h"
 
 #include <QTime>
+#include <QTimer>
 
 #include <cmath>
+#include <semaphore>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -399,4 +401,29 @@ TEST_F(DownloadTest, NoFailedRowIsRepeatedInAnotherUsersWebSpace)
     EXPECT_TRUE(ftp.commands.isEmpty());
     repeatAs(u"anna"_s, 21);
     EXPECT_EQ(readLocal(u"a"_s), "eins");
+}
+
+TEST_F(DownloadTest, ADeadMountLeavesTheWindowAliveAndCanBeGivenUp)
+{
+    const auto neverAnswered = std::make_shared<std::binary_semaphore>(0);
+    looks.setReader([neverAnswered](const QString &) {
+        neverAnswered->acquire();
+        return LocalEntry {};
+    });
+    ftp.addFile(u"/www/a"_s, "neu");
+    ftp.addFile(u"/www/b"_s, "neu");
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, &user, [&] {
+        EXPECT_TRUE(looks.isLooking());
+        if (shell.calls.contains(u"SetAbortEnabled 1"_s)) {
+            ftp.close();
+            user.stop();
+        }
+    });
+    user.start(1);
+    download({ u"a"_s, u"b"_s });
+    EXPECT_FALSE(looks.isLooking());
+    EXPECT_TRUE(ftp.commandsOf(u"GET"_s).isEmpty());
+    EXPECT_TRUE(shell.queue.isEmpty());
+    neverAnswered->release(4);
 }

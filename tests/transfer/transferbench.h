@@ -73,6 +73,7 @@ protected:
 
     ProgressModel progress;
     ScriptedConflicts dialogs;
-    TransferTools tools { work, progress, dialogs };
+    DiskLook looks { ftp, shell };
+    TransferTools tools { work, progress, dialogs, looks };
     TransferCommands commands { tools };
 };
