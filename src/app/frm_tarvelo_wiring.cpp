@@ -127,9 +127,8 @@ void frm_tarvelo::connectEdits()
             [this] { isBusy() ? void() : m_features->remove.DeleteLocalItems(); });
     connect(&m_remote->view(), &PaneView::deletePressed, this,
             [this] { isBusy() ? void() : m_features->remove.DeleteRemoteItems(); });
-    m_remote->setBusyCheck([this] {
-        return m_features->remove.isRunning() || m_features->disk.isLooking();
-    });
+    m_remote->setBusyCheck(
+        [this] { return m_features->remove.isRunning() || m_features->disk.isLooking(); });
     m_features->putBack.setBusyCheck(
         [this] { return isBusy() || QApplication::activeModalWidget() != nullptr; });
     connect(m_local, &LocalPane::uploadWanted, this,

@@ -44,7 +44,8 @@ bool TransferDriver::isPlain(int record)
     }
     const auto here = seenAhead(record);
     fill(item);
-    if (!here || whyNot(record, *here)) {
+    // The first of two spellings has to be there before anybody can tell whether they are one file.
+    if (!here || hasTwin() || whyNot(record, *here)) {
         return false;
     }
     targetSize() = existingSize(*here);
@@ -72,6 +73,20 @@ std::optional<LocalEntry> TransferDriver::seenAhead(int record)
     const auto seen = m_seen.constFind(path);
     return seen == m_seen.constEnd() ? std::nullopt : std::optional(*seen);
 }
+
+/// The batch's first target that differs from this one in upper and lower case at most.
+QString TransferDriver::firstSpelling(const QString &target)
+{
+    const QString key = target.normalized(QString::NormalizationForm_C).toCaseFolded();
+    if (!m_spellings.contains(key)) {
+        m_spellings.insert(key, target);
+    }
+    return m_spellings.value(key);
+}
+
+/// Whether another item comes under the same name in other letters; many disks and network folders
+/// take both for one file.
+bool TransferDriver::hasTwin() { return !m_upload && firstSpelling(localPath()) != localPath(); }
 
 void TransferDriver::runFile(int record)
 {
@@ -172,7 +187,9 @@ std::optional<FtpError> TransferDriver::whyNot(int record, const LocalEntry &her
     // No question would tell of it, and in a run both would be written at once.
     const QString target = m_upload ? remotePath() : localPath();
     const auto owner = m_targets.constFind(target);
-    if (owner != m_targets.constEnd() && *owner != record) {
+    const bool taken = (owner != m_targets.constEnd() && *owner != record)
+        || (hasTwin() && here.exists && m_tools.disk.isSame(firstSpelling(target), target));
+    if (taken) {
         return FtpError { ftp::ErrorKind::LocalFile, 0,
                           target
                               + u": Mehrere der markierten Objekte haben dieses Ziel, nur das "

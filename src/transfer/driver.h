@@ -61,6 +61,8 @@ private:
     [[nodiscard]] qint64 &targetSize() { return m_upload ? m_state.RemoteSize : m_state.LocalSize; }
     [[nodiscard]] bool isPlain(int record);
     [[nodiscard]] std::optional<LocalEntry> seenAhead(int record);
+    [[nodiscard]] QString firstSpelling(const QString &target);
+    [[nodiscard]] bool hasTwin();
     void runFiles(int first, int end);
     void present(int record);
     [[nodiscard]] std::optional<FtpError> whyNot(int record, const LocalEntry &here);
@@ -73,6 +75,7 @@ private:
 
     bool m_upload;
     QHash<QString, int> m_targets; ///< record that a target path belongs to
+    QHash<QString, QString> m_spellings; ///< first target of those that differ in case alone
     QHash<QString, LocalEntry> m_seen; ///< by local path, what was looked at for a run
     int m_ahead = 1; ///< items to look at next
 };

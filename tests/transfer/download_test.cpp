@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include <cmath>
+#include <filesystem>
 #include <semaphore>
 #include <sys/stat.h>
 
@@ -401,6 +402,33 @@ TEST_F(DownloadTest, NoFailedRowIsRepeatedInAnotherUsersWebSpace)
     EXPECT_TRUE(ftp.commands.isEmpty());
     repeatAs(u"anna"_s, 21);
     EXPECT_EQ(readLocal(u"a"_s), "eins");
+}
+
+TEST_F(DownloadTest, OnADiskThatTellsNoCaseTheFirstOfTwoSpellingsIsKept)
+{
+    ftp.addFile(u"/www/Bild.JPG"_s, "gross");
+    ftp.addFile(u"/www/bild.jpg"_s, "klein");
+    ftp.onEvent = [this, log = ftp.onEvent](const FtpEvent &event) {
+        log(event);
+        // Such a disk knows the file by the other name, too.
+        std::error_code there;
+        std::filesystem::create_hard_link(disk(u"Bild.JPG"_s).toStdString(),
+                                          disk(u"bild.jpg"_s).toStdString(), there);
+    };
+    download({ u"Bild.JPG"_s, u"bild.jpg"_s });
+    EXPECT_EQ(readLocal(u"Bild.JPG"_s), "gross");
+    ASSERT_EQ(shell.queue.size(), 2);
+    EXPECT_TRUE(shell.queue[1].failed);
+    EXPECT_TRUE(shell.queue[1].detail.contains(u"nur das erste"_s));
+}
+
+TEST_F(DownloadTest, OnOtherDisksBothSpellingsCome)
+{
+    ftp.addFile(u"/www/Bild.JPG"_s, "gross");
+    ftp.addFile(u"/www/bild.jpg"_s, "klein");
+    download({ u"Bild.JPG"_s, u"bild.jpg"_s });
+    EXPECT_EQ(readLocal(u"Bild.JPG"_s), "gross");
+    EXPECT_EQ(readLocal(u"bild.jpg"_s), "klein");
 }
 
 TEST_F(DownloadTest, ADeadMountLeavesTheWindowAliveAndCanBeGivenUp)
