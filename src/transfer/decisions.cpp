@@ -18,7 +18,7 @@ qint64 &targetSize(TransferState &state)
 /// Intended: no blank between path and parenthesis.
 QString described(const QString &path, qint64 size)
 {
-    return path + u'(' + QString::number(size) + u')';
+    return path + u'(' + (size == UnknownSize ? u"unbekannt"_s : QString::number(size)) + u')';
 }
 
 } // namespace
@@ -31,7 +31,8 @@ ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport
         return QStringList { u"Überschreiben "_s + target, u"mit "_s + source };
     };
     if (state.IsUpload) {
-        return { u"Dateiupload..."_s, message(remote, local), state.RemoteSize < state.LocalSize };
+        const bool resume = state.RemoteSize != UnknownSize && state.RemoteSize < state.LocalSize;
+        return { u"Dateiupload..."_s, message(remote, local), resume };
     }
     // Intended: the caption speaks of an upload for downloads, too.
     return { u"Dateiupload fortsetzen..."_s, message(local, remote),
@@ -59,7 +60,7 @@ void applyReply(TransferState &state, const ConflictReply &reply)
 
 bool fileConflict(const TransferState &state)
 {
-    return (state.IsUpload ? state.RemoteSize : state.LocalSize) > 0;
+    return (state.IsUpload ? state.RemoteSize : state.LocalSize) != 0;
 }
 
 bool asksForFile(const TransferState &state)
@@ -67,7 +68,9 @@ bool asksForFile(const TransferState &state)
     if (state.ApplyToAll != 1) {
         return true;
     }
-    return state.IsUpload && state.RenameChosen;
+    // An earlier "resume" cannot be repeated without a size.
+    const bool unknown = state.RemoteSize == UnknownSize && !state.OverwriteChosen;
+    return state.IsUpload && (state.RenameChosen || unknown);
 }
 
 bool asksForFolder(const TransferState &state)

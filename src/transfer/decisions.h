@@ -5,6 +5,9 @@
 
 #include <functional>
 
+/// Size of a target about which the server tells nothing: something may stand there.
+constexpr qint64 UnknownSize = -1;
+
 /// Captions, message and whether resuming is offered.
 [[nodiscard]] ConflictQuestion conflictQuestion(const TransferState &state, bool resumeSupport);
 /// What frmTransfer's load does to the flags: leaving it by its frame skips the item.
@@ -12,7 +15,7 @@ void loadConflict(TransferState &state);
 /// What the four buttons and "Alle" do to the flags.
 void applyReply(TransferState &state, const ConflictReply &reply);
 
-/// Whether a file of the same name stands at the target; an empty one does not count.
+/// Whether a file of the same name stands at the target, or may; an empty one does not count.
 [[nodiscard]] bool fileConflict(const TransferState &state);
 /// Whether a file's conflict is asked about; otherwise "Alle" has decided it.
 [[nodiscard]] bool asksForFile(const TransferState &state);

@@ -44,7 +44,7 @@ private:
     [[nodiscard]] virtual std::optional<FtpError> refusal(const MarkedItem &item,
                                                           const LocalEntry &here) const
         = 0;
-    /// Size of what stands at a file's target, 0 for nothing.
+    /// Size of what stands at a file's target, 0 for nothing, or UnknownSize.
     [[nodiscard]] virtual qint64 existingSize(const LocalEntry &here) = 0;
     [[nodiscard]] virtual bool folderExists(const LocalEntry &here) const = 0;
     /// Whether existingSize() tells without asking the server.

@@ -60,11 +60,27 @@ std::optional<FtpError> Upload::refusal(const MarkedItem &item, const LocalEntry
 qint64 Upload::existingSize(const LocalEntry & /*here*/)
 {
     if (m_tools.work.remote.isUnread()) {
-        const auto facts = m_tools.work.ftp.fileFacts(remotePath());
-        return facts ? facts->size.value_or(0) : 0; // it fails only with the session itself
+        return askedSize();
     }
     const int row = m_tools.work.remote.model().findRow(m_state.RemoteName);
     return row < 0 ? 0 : lenientInteger(m_tools.work.remote.model().row(row).size);
+}
+
+/// The size as the server tells it for the very file, where the folder cannot be listed.
+qint64 Upload::askedSize()
+{
+    const auto facts = m_tools.work.ftp.fileFacts(remotePath());
+    if (!facts) {
+        return 0; // it fails only with the session itself
+    }
+    if (facts->size || facts->time || m_tellsNoSizes) {
+        return facts->size.value_or(UnknownSize);
+    }
+    // Either there is no such file, or the server does not know the command.
+    const FtpStatus size = m_tools.work.ftp.sendRaw(u"SIZE "_s + remotePath());
+    const bool missing = !size && size.error().replyCode == 550;
+    m_tellsNoSizes = !missing;
+    return missing ? 0 : UnknownSize;
 }
 
 bool Upload::isListed() const

@@ -27,6 +27,7 @@ private:
     [[nodiscard]] std::optional<FtpError> refusal(const MarkedItem &item,
                                                   const LocalEntry &here) const override;
     [[nodiscard]] qint64 existingSize(const LocalEntry &here) override;
+    [[nodiscard]] qint64 askedSize();
     [[nodiscard]] bool folderExists(const LocalEntry &here) const override;
     [[nodiscard]] bool knowsTarget() const override { return !m_tools.work.remote.isUnread(); }
     [[nodiscard]] std::optional<FtpError> moveFile() override;
@@ -38,4 +39,5 @@ private:
 
     QString m_target; ///< remote folder of the batch, ends in "/"
     std::optional<FtpError> m_unreachable; ///< why the target could not be entered
+    bool m_tellsNoSizes = false; ///< the server
 };

@@ -339,7 +339,16 @@ FtpStatus FakeFtp::rename(const QString &oldName, const QString &newName)
 
 FtpStatus FakeFtp::sendRaw(const QString &command)
 {
-    return run(OpRawCommand, u"RAW "_s + command, [] { return std::optional<FtpError>(); });
+    return run(OpRawCommand, u"RAW "_s + command, [&]() -> std::optional<FtpError> {
+        if (!command.startsWith(u"SIZE "_s)) {
+            return std::nullopt;
+        }
+        const QString path = absolute(command.mid(5));
+        if (!nodes.contains(path)) {
+            return refusal(u"550 No such file."_s);
+        }
+        return nodes[path].time ? std::nullopt : std::optional(refusal(u"502 Not known."_s));
+    });
 }
 
 FtpStatus FakeFtp::removeTree(const QString &folder)

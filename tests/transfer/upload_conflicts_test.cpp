@@ -284,3 +284,43 @@ TEST_F(UploadConflicts, TheBarIsEmptyWhileTheNextQuestionStands)
         upload(names);
     }
 }
+
+TEST_F(UploadConflicts, AServerThatTellsNeitherListsNorSizesIsNeverOverwrittenUnasked)
+{
+    for (const QString &name : { u"a"_s, u"b"_s, u"c"_s }) {
+        ftp.addFile(u"/www/"_s + name, "alt");
+        ftp.nodes[u"/www/"_s + name].time.reset();
+        writeLocal(name, "neuer");
+    }
+    showBoth();
+    remote.model().setRows({ upRow() });
+    remote.unread = [] { return true; };
+    local.select({ u"a"_s, u"b"_s, u"c"_s });
+    dialogs.steps
+        = { { ConflictAnswer::Skip, false, {} }, { ConflictAnswer::Overwrite, true, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_EQ(dialogs.questions.value(0).message.join(u' '),
+              u"Überschreiben /www/a(unbekannt) mit "_s + disk(u"a(5)"_s));
+    EXPECT_FALSE(dialogs.questions.value(0).mayResume) << "nobody knows where";
+    EXPECT_EQ(ftp.content(u"/www/a"_s), "alt");
+    EXPECT_EQ(ftp.content(u"/www/b"_s), "neuer");
+    EXPECT_EQ(ftp.content(u"/www/c"_s), "neuer");
+    EXPECT_EQ(ftp.commandsOf(u"RAW"_s).size(), 1) << "once it is known the server is left alone";
+}
+
+TEST_F(UploadConflicts, ResumingAllDoesNotDecideAboutATargetOfUnknownSize)
+{
+    ftp.addFile(u"/www/a"_s, "al");
+    ftp.addFile(u"/www/b"_s, "alt");
+    ftp.nodes[u"/www/b"_s].time.reset();
+    writeLocal(u"a"_s, "alles");
+    writeLocal(u"b"_s, "neuer");
+    showBoth();
+    remote.model().setRows({ upRow() });
+    remote.unread = [] { return true; };
+    local.select({ u"a"_s, u"b"_s });
+    dialogs.steps = { { ConflictAnswer::Resume, true, {} }, { ConflictAnswer::Skip, false, {} } };
+    commands.cmd_upload_Click();
+    EXPECT_EQ(ftp.content(u"/www/a"_s), "alles");
+    EXPECT_EQ(ftp.content(u"/www/b"_s), "alt");
+}
