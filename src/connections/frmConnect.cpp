@@ -67,11 +67,10 @@ QLayout *frmConnect::profileRow()
     FormParts::ignoreWheel(m_cbo_profil); // it would load a profile over unsaved fields
     m_cbo_profil->setInsertPolicy(QComboBox::NoInsert);
     m_cbo_profil->setCompleter(nullptr); // it would finish a new name as an old one
-    // Leaving the line, or Enter in it, would choose the entry of that name: typing a name only
+    // Leaving the line, with Enter too, would choose the entry of that name: typing a name only
     // names what is to be saved, and must not load the old fields over the typed ones.
-    for (const auto left : { &QLineEdit::editingFinished, &QLineEdit::returnPressed }) {
-        QObject::disconnect(m_cbo_profil->lineEdit(), left, m_cbo_profil, nullptr);
-    }
+    QObject::disconnect(m_cbo_profil->lineEdit(), &QLineEdit::editingFinished, m_cbo_profil,
+                        nullptr);
     m_cbo_profil->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_cbo_profil->setMinimumContentsLength(28);
     connect(m_cbo_profil, &QComboBox::editTextChanged, m_cbo_profil, &QComboBox::setToolTip);
