@@ -10,6 +10,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -139,7 +140,9 @@ TEST_F(SettingsDialog, EveryControlStandsOnItsTab)
 
 TEST_F(SettingsDialog, SettingsThatCannotBeStoredHoldForThisRun)
 {
-    QDir().mkpath(base.filePath(u"settings.ini"_s)); // a folder in the file's place
+    QFile::remove(store.file());
+    ASSERT_TRUE(QDir().mkpath(store.file())); // a folder in the file's place
+    ASSERT_FALSE(store.save(u"Properties"_s, {}));
     open();
     find<QCheckBox>("chk_hidden")->click();
     find<QComboBox>("cbo_verschluesselung")->setCurrentIndex(1);
