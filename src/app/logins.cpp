@@ -40,11 +40,12 @@ Logins::Logins(Globals &globals, SettingsStore &store, Prompts &prompts, Shell &
 void Logins::show_login()
 {
     m_window.showConnectDialog(false);
+    // Also when it was cancelled: an address of the command line belongs to no profile.
+    m_window.setRememberButtonsEnabled(!m_globals.session.Lastconnect.isEmpty());
     if (m_globals.session.DialogCancelled) {
         return;
     }
     m_window.showTransferType();
-    m_window.setRememberButtonsEnabled(!m_globals.session.Lastconnect.isEmpty());
     connect();
 }
 

@@ -96,7 +96,7 @@ TEST_F(LoginPaths, ACancelledDialogConnectsNothing)
 {
     window.loginPressed = false;
     logins.show_login();
-    EXPECT_EQ(window.calls, QStringList { u"dialog 0"_s });
+    EXPECT_EQ(window.calls, (QStringList { u"dialog 0"_s, u"remember 0"_s }));
 }
 
 TEST_F(LoginPaths, LoginConnectsAndEntersTheStartFolders)
@@ -106,7 +106,7 @@ TEST_F(LoginPaths, LoginConnectsAndEntersTheStartFolders)
     globals.session.Lastconnect = u"Heim"_s;
     logins.show_login();
     EXPECT_EQ(window.calls,
-              (QStringList { u"dialog 0"_s, u"type 1"_s, u"remember 1"_s, u"connect"_s,
+              (QStringList { u"dialog 0"_s, u"remember 1"_s, u"type 1"_s, u"connect"_s,
                              u"enter /html"_s }));
     EXPECT_EQ(local.text, base.path());
     EXPECT_TRUE(local.calls.contains(u"list "_s + base.path()));
