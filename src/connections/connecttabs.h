@@ -45,9 +45,6 @@ Q_SIGNALS:
     void resetPressed();
 
 private:
-    void buildNumbers();
-    void buildFolders();
-
     QLineEdit *m_txtRemotePort, *m_txtTimeout, *m_txtLocalDir, *m_txtRemoteDir, *m_txtAccount;
     QComboBox *m_lstTransferType, *m_cbo_verschluesselung;
     QCheckBox *m_chkPassive;

@@ -37,7 +37,7 @@ public:
     /// Lists the parent of a folder that ends in the separator.
     void LocalUp(const QString &folder);
     void RememberLocalFolder(const QString &folder);
-    /// The up command: the parent of the folder in the box, remembered.
+    /// The up command: the parent of the folder shown, remembered.
     void goUp();
     /// Lists the folder in the box again.
     void refresh();

@@ -23,7 +23,7 @@ public:
     void sizeColumns();
 
 Q_SIGNALS:
-    /// "Fehlgeschlagene erneut übertragen": rows for Retry::RetryTransfers.
+    /// "Fehlgeschlagene erneut übertragen": rows for TransferCommands::RetryTransfers.
     void retryRequested(const QList<QueueRow> &rows);
     /// "Lokalen Ordner öffnen": a folder for vorschau.
     void openFolderRequested(const QString &folder);
