@@ -227,10 +227,11 @@ void frm_tarvelo::pickFolder(QWidget *parent)
 void frm_tarvelo::showSettings()
 {
     const bool hidden = m_globals.settings.HiddenFile;
-    frm_einstellungen({ m_globals, m_services.store,
-                        [this](QWidget *parent) { pickFolder(parent); },
-                        trustedServersIn(trustFile(m_services.store)) },
-                      this)
+    frm_einstellungen(
+        { m_globals, m_services.store, [this](QWidget *parent) { pickFolder(parent); },
+          trustedServersIn(trustFile(m_services.store),
+                           [this](const QString &text) { m_services.prompts.message(text); }) },
+        this)
         .exec();
     if (hidden != m_globals.settings.HiddenFile) {
         refreshLocal();

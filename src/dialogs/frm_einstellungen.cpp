@@ -17,8 +17,6 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-#include <algorithm>
-#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -88,9 +86,6 @@ void frm_einstellungen::browse()
 void frm_einstellungen::fillTrusted()
 {
     m_lst_vertraut->addItems(m_services.trusted.list());
-    for (int row = 0; row < m_lst_vertraut->count(); ++row) {
-        m_lst_vertraut->item(row)->setData(Qt::UserRole, row);
-    }
     m_cmd_vertrauen_entfernen->setEnabled(false);
 }
 
@@ -99,7 +94,7 @@ void frm_einstellungen::forgetSelected()
     const int row = m_lst_vertraut->currentRow();
     if (row >= 0) {
         const std::unique_ptr<QListWidgetItem> gone(m_lst_vertraut->takeItem(row));
-        m_forgotten.append(gone->data(Qt::UserRole).toInt());
+        m_forgotten.append(gone->text());
         m_lst_vertraut->setCurrentRow(qMin(row, m_lst_vertraut->count() - 1));
         m_cmd_vertrauen_entfernen->setEnabled(m_lst_vertraut->count() > 0);
     }
@@ -115,9 +110,8 @@ void frm_einstellungen::confirm()
     settings.HiddenFile = m_chk_hidden->isChecked();
     settings.encryption = m_cbo_verschluesselung->currentIndex();
     settings.connections = m_spn_verbindungen->value();
-    std::sort(m_forgotten.begin(), m_forgotten.end(), std::greater<>()); // the others keep theirs
-    for (const int index : std::as_const(m_forgotten)) {
-        m_services.trusted.remove(index);
+    for (const QString &text : std::as_const(m_forgotten)) {
+        m_services.trusted.remove(text);
     }
 
     SettingsStore &store = m_services.store;

@@ -51,6 +51,6 @@ private:
     QComboBox *m_cbo_verschluesselung;
     QSpinBox *m_spn_verbindungen;
     QListWidget *m_lst_vertraut;
-    QList<int> m_forgotten; ///< trusted servers to forget, as list() numbers them; on confirming
+    QStringList m_forgotten; ///< trusted servers to forget on confirming, as list() names them
     QPushButton *m_cmd_vertrauen_entfernen;
 };

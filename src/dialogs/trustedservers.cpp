@@ -6,21 +6,24 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString display(const ftp::TrustedServer &server)
+QString nameOf(const ftp::TrustedServer &server)
 {
     constexpr int usualPort = 21;
-    QString text = QString::fromStdString(server.host);
-    if (server.port != usualPort) {
-        text += u':' + QString::number(server.port);
-    }
-    return text
+    const QString host = QString::fromStdString(server.host);
+    return server.port == usualPort ? host : host + u':' + QString::number(server.port);
+}
+
+QString display(const ftp::TrustedServer &server)
+{
+    return nameOf(server)
         + (server.fingerprint.empty() ? u" - nur noch verschlüsselt"_s
                                       : u" - Zertifikat bestätigt"_s);
 }
 
 } // namespace
 
-TrustedServers trustedServersIn(const QString &file)
+TrustedServers trustedServersIn(const QString &file,
+                                const std::function<void(const QString &)> &tell)
 {
     // Opened anew for each call: a login may have added a server meanwhile.
     const std::string path = file.toStdString();
@@ -33,12 +36,19 @@ TrustedServers trustedServersIn(const QString &file)
         }
         return texts;
     };
-    servers.remove = [path](int index) {
+    servers.remove = [path, tell](const QString &text) {
         ftp::TrustStore store(path);
-        if (index >= 0 && static_cast<std::size_t>(index) < store.all().size()) {
-            const ftp::TrustedServer server = store.all().at(static_cast<std::size_t>(index));
-            ignoreError(store.remove(server.host, server.port),
-                        "the server stays in the list, which is shown anew");
+        const std::vector<ftp::TrustedServer> all = store.all();
+        for (const ftp::TrustedServer &server : all) {
+            if (!text.startsWith(nameOf(server) + u" - "_s)) {
+                continue;
+            }
+            if (const ftp::Status removed = store.remove(server.host, server.port); !removed) {
+                tell(nameOf(server)
+                     + u": Der Server bleibt vertraut, denn die Datei ließ sich nicht "
+                       "ändern. "_s
+                     + QString::fromStdString(removed.error().text));
+            }
         }
     };
     return servers;

@@ -125,7 +125,7 @@ TEST_F(HelpEverywhere, EachDialogHasItsPage)
 TEST_F(HelpEverywhere, EveryTabOfTheSettingsHasTheirPage)
 {
     frm_einstellungen settings(
-        { globals, store, [](QWidget *) {}, trustedServersIn(home.filePath(u"trust"_s)) });
+        { globals, store, [](QWidget *) {}, trustedServersIn(home.filePath(u"trust"_s), {}) });
     auto *tabs = settings.findChild<QTabWidget *>();
     for (int tab = 0; tab < tabs->count(); ++tab) {
         tabs->setCurrentIndex(tab);

@@ -20,7 +20,9 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -51,7 +53,8 @@ struct SettingsDialog : ::testing::Test {
                 globals.folderChoice.FolderPicked = picked.has_value();
                 globals.folderChoice.PickedFolder = picked.value_or(pickerStart);
             },
-            { [this] { return trusted; }, [this](int index) { trusted.removeAt(index); } } });
+            { [this] { return trusted; },
+              [this](const QString &text) { trusted.removeOne(text); } } });
         dialog->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
     }
@@ -298,17 +301,44 @@ TEST_F(SettingsDialog, TheEnginesFileIsShownAndChanged)
         ASSERT_TRUE(written.trust("files01.example.net", 21, "AA:BB"));
         ASSERT_TRUE(written.remember("files02.example.net", 2121));
     }
-    const TrustedServers servers = trustedServersIn(file);
+    QStringList told;
+    const TrustedServers servers
+        = trustedServersIn(file, [&told](const QString &text) { told << text; });
     EXPECT_EQ(servers.list(),
               (QStringList { u"files01.example.net - Zertifikat bestätigt"_s,
                              u"files02.example.net:2121 - nur noch verschlüsselt"_s }));
-    servers.remove(7);
-    servers.remove(-1);
+    servers.remove(u"files01.example.net:2121 - Zertifikat bestätigt"_s);
     EXPECT_EQ(servers.list().size(), 2);
-    servers.remove(0);
-    EXPECT_EQ(servers.list().size(), 1);
+    const QString first = servers.list().value(0);
+    // Another window has trusted a server meanwhile: the places are others now.
+    ASSERT_TRUE(ftp::TrustStore(file.toStdString()).trust("aaa.example.net", 21, "CC:DD"));
+    servers.remove(first);
+    EXPECT_EQ(servers.list().size(), 2);
+    EXPECT_TRUE(told.isEmpty());
     EXPECT_FALSE(ftp::TrustStore(file.toStdString()).seen("files01.example.net", 21));
-    EXPECT_TRUE(trustedServersIn(base.filePath(u"fehlt"_s)).list().isEmpty());
+    EXPECT_TRUE(trustedServersIn(base.filePath(u"fehlt"_s), {}).list().isEmpty());
+}
+
+TEST_F(SettingsDialog, AServerThatCannotBeForgottenIsTold)
+{
+    const QString file = base.filePath(u"trusted"_s);
+    ASSERT_TRUE(ftp::TrustStore(file.toStdString()).trust("files01.example.net", 21, "AA:BB"));
+    ASSERT_TRUE(ftp::TrustStore(file.toStdString()).remember("files02.example.net", 21));
+    QStringList told;
+    const TrustedServers servers
+        = trustedServersIn(file, [&told](const QString &text) { told << text; });
+    const QString shown = servers.list().value(0);
+    // No file may grow; that stops root, too.
+    rlimit before {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit nothing { 0, before.rlim_max };
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &nothing), 0);
+    servers.remove(shown);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, handler);
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told[0].startsWith(u"files01.example.net: Der Server bleibt vertraut"_s));
 }
 
 TEST_F(SettingsDialog, NonsenseValuesAreShownAsTheNearest)
