@@ -137,7 +137,8 @@ QString makeTemporaryFolder(const QString &folder)
             return each + LocalSeparator;
         }
     }
-    // Whoever holds all these names means harm; then one that cannot be known beforehand.
+    // Whoever holds all these names means harm; then one that cannot be known beforehand, since
+    // mkdtemp fills in the six X.
     QByteArray unique = QFile::encodeName(own) + "_XXXXXX";
     if (::mkdtemp(unique.data()) != nullptr) {
         return QFile::decodeName(unique) + LocalSeparator;

@@ -19,6 +19,7 @@ std::string temporaryBeside(const std::string &path)
     const std::string folder
         = slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
     const std::string name = path.substr(folder.size());
+    // The six X are what mkostemp fills in.
     return folder + "." + name.substr(0, 200) + ".tarvelo-XXXXXX";
 }
 

@@ -112,18 +112,23 @@ Awaitable<Result<std::vector<Reply>>> Session::askAll(std::vector<std::string> c
     co_return replies;
 }
 
+Awaitable<Status> Session::sendTogether(std::span<const std::string> commands)
+{
+    for (const std::string &command : commands) {
+        Status queued = m_line->queue(command);
+        if (!queued) {
+            co_return queued;
+        }
+    }
+    co_return co_await m_line->flush();
+}
+
 Awaitable<Status> Session::askPacket(std::span<const std::string> commands,
                                      std::vector<Reply> &replies)
 {
     const bool together = pipelining() && usable(); // another session may find out meanwhile
     if (together) {
-        for (const std::string &command : commands) {
-            Status queued = m_line->queue(command);
-            if (!queued) {
-                co_return queued;
-            }
-        }
-        Status sent = co_await m_line->flush();
+        Status sent = co_await sendTogether(commands);
         if (!sent) {
             co_return sent;
         }

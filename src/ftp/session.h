@@ -148,6 +148,7 @@ public:
 
 private:
     Awaitable<Status> openOnce();
+    Awaitable<Status> sendTogether(std::span<const std::string> commands);
     Awaitable<Status> askPacket(std::span<const std::string> commands, std::vector<Reply> &replies);
     Awaitable<Status> encrypt();
     Awaitable<Status> checkCertificate();

@@ -242,13 +242,7 @@ Awaitable<Status> Session::setUp()
     if (!pipelining()) {
         co_return co_await setUpOneByOne();
     }
-    for (const std::string &command : commands) {
-        Status queued = m_line->queue(command);
-        if (!queued) {
-            co_return queued;
-        }
-    }
-    Status sent = co_await m_line->flush();
+    Status sent = co_await sendTogether(commands);
     if (!sent) {
         co_return sent;
     }
