@@ -18,6 +18,20 @@ protected:
                                      static_cast<std::uint32_t>(i));
         }
     }
+    /// One of two sessions stalls in its file, so that the other has to wait for it.
+    void fetchWhileOneStalls()
+    {
+        fill(6);
+        server.fault.stallDataAfter = 1000;
+        server.fault.faultyTransfers = 1;
+        TestClient &client = prepared(ftp::Encryption::Never, 2);
+        client.login().timeout = std::chrono::milliseconds(800);
+        client.login().keepAlive = std::chrono::milliseconds(20);
+        ASSERT_TRUE(client.open());
+        const auto got = run(ftp::getTree(client.client(), "/web", local("web"), Type::Binary));
+        ASSERT_TRUE(got) << got.error().text;
+        EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+    }
     /// Begins without waiting for the end.
     void begin(ftp::Awaitable<ftp::Status> work)
     {
@@ -44,33 +58,15 @@ protected:
 
 TEST_F(CrewAtWork, ASessionThatWaitsForTheOthersIsNotSilent)
 {
-    fill(6);
-    server.fault.stallDataAfter = 1000;
-    server.fault.faultyTransfers = 1;
-    TestClient &client = prepared(ftp::Encryption::Never, 2);
-    client.login().timeout = std::chrono::milliseconds(800);
-    client.login().keepAlive = std::chrono::milliseconds(20);
-    ASSERT_TRUE(client.open());
-    const auto got = run(ftp::getTree(client.client(), "/web", local("web"), Type::Binary));
-    ASSERT_TRUE(got) << got.error().text;
-    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+    fetchWhileOneStalls();
     EXPECT_GE(server.lines("NOOP").size(), 3U);
 }
 
 TEST_F(CrewAtWork, ASessionThatIsFoundLostWhileItWaitsLeavesItsWorkToTheOthers)
 {
-    fill(6);
-    server.fault.stallDataAfter = 1000;
-    server.fault.faultyTransfers = 1;
     server.on({ .verb = "NOOP", .action = servers::Rule::Drop });
-    TestClient &client = prepared(ftp::Encryption::Never, 2);
-    client.login().timeout = std::chrono::milliseconds(800);
-    client.login().keepAlive = std::chrono::milliseconds(20);
-    ASSERT_TRUE(client.open());
-    const auto got = run(ftp::getTree(client.client(), "/web", local("web"), Type::Binary));
-    ASSERT_TRUE(got) << got.error().text;
-    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
-    EXPECT_TRUE(run(client.client().list()));
+    fetchWhileOneStalls();
+    EXPECT_TRUE(run(m_client->client().list()));
 }
 
 TEST_F(CrewAtWork, AnAbortEndsThePauseBeforeTheNextTryToConnect)

@@ -15,6 +15,7 @@ namespace {
 struct Folder {
     Folder()
     {
+        // mkdtemp fills in the six X.
         std::string name = (fs::temp_directory_path() / "tarvelo-localfile-XXXXXX").string();
         path = ::mkdtemp(name.data());
     }

@@ -13,6 +13,7 @@ namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder()
 {
+    // mkdtemp fills in the six X.
     std::string name = fs::temp_directory_path() / "tarvelo-files-XXXXXX";
     if (mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("cannot make a folder like " + name);

@@ -45,6 +45,7 @@ fs::path temporaryFolder()
     if (!everybodyMayEnter(fs::absolute(parent))) {
         parent = "/tmp";
     }
+    // mkdtemp fills in the six X.
     std::string name = parent / "tarvelo-server-XXXXXX";
     if (mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("cannot make a folder in " + parent.string());
