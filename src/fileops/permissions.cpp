@@ -54,7 +54,6 @@ void PermissionCommand::mnu_rechte_Click()
         m_work.shell.SetFolderBoxesEnabled(true);
         m_work.shell.SetToolbarsEnabled(true);
         m_work.shell.UpdateRemoteCommandStates();
-        m_work.shell.UpdateLocalCommandStates();
     });
     MarkSelectedRemote(m_work.remote, globals, false);
     const MarkedItemList items = globals.marked;

@@ -205,6 +205,8 @@ TEST_P(OnlineCommands, PermissionsGoThroughTheRealDialog)
     EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0755)) << log();
     EXPECT_EQ(pane.model().row(rowOf(pane, "skript.cgi")).permissions, QStringLiteral("755"));
     EXPECT_EQ(queue(), "Dateirechte > setzen auf");
+    EXPECT_TRUE(item("mnu_rechte")->isEnabled() && item("mnuRename")->isEnabled())
+        << "the row is still selected";
 }
 
 TEST_P(OnlineCommands, ARowOfTheServerIsRenamedByTheMenu)

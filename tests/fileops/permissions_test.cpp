@@ -311,7 +311,7 @@ TEST_F(PermissionTest, ButtonsAndBoxesAreOffMeanwhileAndOnAfterwards)
     const auto expectOn = [&] {
         EXPECT_EQ(last(u"SetToolbarsEnabled"_s), u"SetToolbarsEnabled 1"_s);
         EXPECT_EQ(last(u"SetFolderBoxesEnabled"_s), u"SetFolderBoxesEnabled 1"_s);
-        EXPECT_EQ(shell.calls.last(), u"UpdateLocalCommandStates"_s) << "what is selected counts";
+        EXPECT_EQ(shell.calls.last(), u"UpdateRemoteCommandStates"_s) << "its rows are selected";
     };
     int seen = 0;
     const auto expectOff = [&](const QString &) {
