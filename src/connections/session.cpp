@@ -141,11 +141,8 @@ void Session::LoginErrorMessage(const FtpError &error)
     if (!message.failed) {
         return;
     }
-    // Who closed the window or the connection meanwhile, or declined a certificate, knows why it
-    // failed, and trying again later would change nothing.
-    const bool known = error.kind == ftp::ErrorKind::Aborted
-        || error.kind == ftp::ErrorKind::CertificateRejected;
-    if (!message.box.isEmpty() && !known) {
+    // Who closed the window or the connection meanwhile knows why it failed.
+    if (!message.box.isEmpty() && error.kind != ftp::ErrorKind::Aborted) {
         m_prompts.message(message.box);
     }
     m_shell.AppendLog(error.text + lineBreak);

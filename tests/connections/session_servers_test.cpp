@@ -144,6 +144,7 @@ TEST_P(SessionOnServers, ARejectedCertificateEndsTheLogin)
     const servers::Server server(GetParam(), { .tls = true });
     Live live;
     live.use(server);
+    live.prompts.expectMessage(otherText);
     live.session.ConnectSequence();
     EXPECT_EQ(live.questions, 1);
     live.expectDisconnected(ErrorKind::CertificateRejected);

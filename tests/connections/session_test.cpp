@@ -183,9 +183,10 @@ TEST_F(SessionRules, AnAbortedLoginShowsNoBox)
     EXPECT_TRUE(endsDisconnected());
 }
 
-TEST_F(SessionRules, ADeclinedCertificateShowsNoBox)
+TEST_F(SessionRules, ADeclinedCertificateIsAFailureLikeOthers)
 {
     failLogin(ftp::ErrorKind::CertificateRejected, u"The certificate is not trusted"_s);
+    prompts.expectMessage(otherText);
     session.ConnectSequence();
     EXPECT_EQ(shell.log,
               u"Connecting ...\r\nThe certificate is not trusted\r\n"_s
