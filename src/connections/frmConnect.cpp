@@ -82,7 +82,7 @@ QLayout *frmConnect::profileRow()
     auto *save = button(u"cmd_profil_speichern"_s, u"&Speichern"_s);
     auto *remove = button(u"cmd_profil_loeschen"_s, u"Löschen"_s);
     connect(neu, &QPushButton::clicked, this, &frmConnect::onNew);
-    connect(save, &QPushButton::clicked, this, [this] { (void)writeProfile(); });
+    connect(save, &QPushButton::clicked, this, [this] { (void)WriteProfile(); });
     connect(remove, &QPushButton::clicked, this, &frmConnect::onDelete);
 
     auto *row = new QHBoxLayout;

@@ -50,8 +50,8 @@ private:
     [[nodiscard]] int entryOf(const QString &name) const;
     void filterName(const QString &typed);
     void onChosen(int index);
-    void readProfile();
-    [[nodiscard]] bool writeProfile();
+    void ReadProfile();
+    [[nodiscard]] bool WriteProfile();
     void onNew();
     void onReset();
     void onDelete();

@@ -19,7 +19,7 @@ void frmConnect::onLogin()
     const bool save = fields() != m_unchanged
         && m_services.prompts.question(
             u"Möchten Sie die Änderungen an der Verbindung speichern?"_s);
-    if (save && !writeProfile()) {
+    if (save && !WriteProfile()) {
         return;
     }
     ConnectionProfile proxy;

@@ -33,7 +33,7 @@ int frmConnect::entryOf(const QString &name) const
 
 void frmConnect::filterName(const QString &typed)
 {
-    const QString filtered = filteredProfileName(typed);
+    const QString filtered = FilterProfileNameKey(typed);
     if (filtered != typed) {
         QLineEdit *edit = m_cbo_profil->lineEdit();
         const int caret = edit->cursorPosition();
@@ -46,11 +46,11 @@ void frmConnect::onChosen(int index)
 {
     if (index >= 0) {
         m_cbo_profil->lineEdit()->home(false);
-        readProfile();
+        ReadProfile();
     }
 }
 
-void frmConnect::readProfile()
+void frmConnect::ReadProfile()
 {
     const QString name = m_cbo_profil->currentText();
     ProfileFields shown = fields();
@@ -64,7 +64,7 @@ void frmConnect::readProfile()
     showFields(shown);
 }
 
-bool frmConnect::writeProfile()
+bool frmConnect::WriteProfile()
 {
     const QString name = m_cbo_profil->currentText();
     if (trimBlanks(name).isEmpty()) {
@@ -81,7 +81,7 @@ bool frmConnect::writeProfile()
     const QSignalBlocker quiet(m_cbo_profil);
     // A name in other case is the same profile, whose own spelling stays.
     if (entryOf(name) < 0) {
-        m_cbo_profil->addItem(name);
+        m_cbo_profil->insertItem(static_cast<int>(m_profiles.names().indexOf(name)), name);
     }
     m_cbo_profil->setCurrentIndex(entryOf(name));
     m_cbo_profil->lineEdit()->home(false); // the beginning of a long name is what tells it apart

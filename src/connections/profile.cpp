@@ -197,7 +197,7 @@ int decodeProfile(const ProfileBytes &bytes, ProfileFields &fields)
     return static_cast<int>(fixedLines) + 1;
 }
 
-QString filteredProfileName(const QString &text)
+QString FilterProfileNameKey(const QString &text)
 {
     QString name = text;
     for (QChar &character : name) {

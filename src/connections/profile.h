@@ -45,4 +45,4 @@ int decodeProfile(const ProfileBytes &bytes, ProfileFields &fields);
 
 /// A typed or pasted profile name: letters A to Z, digits and underscores stay, every other
 /// character becomes an underscore.
-[[nodiscard]] QString filteredProfileName(const QString &text);
+[[nodiscard]] QString FilterProfileNameKey(const QString &text);

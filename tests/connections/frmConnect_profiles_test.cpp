@@ -53,6 +53,17 @@ TEST_F(ConnectDialog, SavingWritesTheProfileAndListsItOnce)
     EXPECT_FALSE(globals.session.DialogCancelled);
 }
 
+TEST_F(ConnectDialog, ASavedProfileTakesItsPlaceAmongTheOthers)
+{
+    writeHome();
+    open();
+    names()->setEditText(u"Arbeit"_s);
+    press("cmd_profil_speichern");
+    ASSERT_EQ(names()->count(), 2);
+    EXPECT_EQ(names()->itemText(0), u"Arbeit"_s);
+    EXPECT_EQ(names()->currentText(), u"Arbeit"_s);
+}
+
 TEST_F(ConnectDialog, SavingNeedsAName)
 {
     open();

@@ -298,8 +298,8 @@ TEST(Profile, BinaryFilesAreReadWithoutHarm)
 
 TEST(Profile, NamesHoldLettersDigitsAndUnderscores)
 {
-    EXPECT_EQ(filteredProfileName(u"my site.1"_s), u"my_site_1"_s);
-    EXPECT_EQ(filteredProfileName(u"AZaz09_"_s), u"AZaz09_"_s);
-    EXPECT_EQ(filteredProfileName(u"Büro/../x\\y@[`{"_s), u"B_ro____x_y____"_s);
-    EXPECT_EQ(filteredProfileName({}), QString());
+    EXPECT_EQ(FilterProfileNameKey(u"my site.1"_s), u"my_site_1"_s);
+    EXPECT_EQ(FilterProfileNameKey(u"AZaz09_"_s), u"AZaz09_"_s);
+    EXPECT_EQ(FilterProfileNameKey(u"Büro/../x\\y@[`{"_s), u"B_ro____x_y____"_s);
+    EXPECT_EQ(FilterProfileNameKey({}), QString());
 }
