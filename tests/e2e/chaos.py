@@ -3,21 +3,19 @@
 faults at random moments. After every step the window must be idle again within a minute, without a box
 that nobody expects, and the disks on both sides must hold what the commands say; after a fault, nothing
 may be lost but what the broken command was about. The memory must not grow. The seed decides what is
-done (not when the faults hit), and is printed with a failure.
+done (not when the faults hit), and is printed first.
 
     chaos.py --program .. --driver .. --ftp-server .. [--server KIND] [--seed N]
              [--steps N | --minutes N] [--faults P]"""
-import argparse
 import random
 import shutil
 import sys
-import tempfile
 import threading
 import time
 from pathlib import Path
 
 import chaosmodel as model
-from driver import Display, DriverError, Program
+from driver import DriverError, Program, carry_out, parser_for
 from realserver import KINDS, Gate, RealServer, can_run
 from user import User, opener
 
@@ -352,7 +350,7 @@ def run(arguments, folder, display):
     tls = [] if arguments.server == "pyftpdlib" else ["--tls"]
     with RealServer(arguments.ftp_server, arguments.server, folder / "webspace", tls) as server, \
             Gate(server.port) as gate, \
-            Program(program_file, arguments.driver, [], home, display.name, timeout=60,
+            Program(program_file, arguments.driver, [], home, display, timeout=60,
                     variables={"PATH": f"{path}:/usr/bin:/bin"}) as program:
         user = User(program)
         user.passes_info()
@@ -375,9 +373,7 @@ def run(arguments, folder, display):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--driver", required=True, help="the built e2e_driver")
+    parser = parser_for(__doc__)
     parser.add_argument("--ftp-server", required=True, help="the built ftp-server")
     parser.add_argument("--server", choices=KINDS, default="pyftpdlib")
     parser.add_argument("--seed", type=int, default=random.randrange(1_000_000))
@@ -390,13 +386,7 @@ def main():
         return 77
     length = f"{arguments.minutes} minutes" if arguments.minutes else f"{arguments.steps} steps"
     print(f"seed {arguments.seed}, {length}, {arguments.server}", flush=True)
-    try:
-        with tempfile.TemporaryDirectory(prefix="tarvelo-chaos-") as folder, Display() as display:
-            run(arguments, Path(folder), display)
-    except (DriverError, OSError) as error:
-        print(f"FAILED with seed {arguments.seed}: {error}", file=sys.stderr)
-        return 1
-    return 0
+    return carry_out("chaos", run, arguments)
 
 
 if __name__ == "__main__":

@@ -2,14 +2,12 @@
 """The mouse of a real X display: drags between the panes, a drop of files from another program on the
 remote pane, a rubber band. xdotool moves the pointer; nothing in the program is told to do anything.
 Exits 0 only when everything has arrived, and nothing that was not asked for."""
-import argparse
 import contextlib
 import subprocess
 import sys
-import tempfile
 from pathlib import Path
 
-from driver import Display, DriverError, FtpServer, Program
+from driver import DriverError, FtpServer, Program, carry_out, parser_for
 from transfer import command_line, differences, is_idle, log_in
 from webspace import make_local_folder, make_web_space
 
@@ -159,21 +157,12 @@ def run(arguments, folder, display):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--driver", required=True, help="the built e2e_driver")
+    parser = parser_for(__doc__)
     parser.add_argument("--source", required=True, help="the built dragsource")
     parser.add_argument("--output", required=True, help="folder for a picture of a failure")
     arguments = parser.parse_args()
     Path(arguments.output).mkdir(parents=True, exist_ok=True)
-    try:
-        with tempfile.TemporaryDirectory(prefix="tarvelo-drag-") as folder, Display() as display:
-            run(arguments, Path(folder), display.name)
-    except (DriverError, OSError, subprocess.SubprocessError) as error:
-        print(f"FAILED: {error}", file=sys.stderr)
-        return 1
-    print("dragged both ways, from another program, and with a rubber band")
-    return 0
+    return carry_out("drag", run, arguments)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,5 @@
 """Drives the real program from a script; see README.md."""
+import argparse
 import contextlib
 import json
 import os
@@ -7,6 +8,7 @@ import select
 import signal
 import socket
 import subprocess
+import sys
 import tempfile
 import time
 from pathlib import Path
@@ -228,3 +230,26 @@ class Program:
     def end(self, timeout=20):
         """Waits for the end of the program. Returns its exit code."""
         return self.process.wait(timeout)
+
+
+def parser_for(description):
+    """A parser with what every script must be told."""
+    parser = argparse.ArgumentParser(description=description,
+                                     formatter_class=argparse.RawTextHelpFormatter)
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--driver", required=True, help="the built e2e_driver")
+    return parser
+
+
+def carry_out(name, run, arguments):
+    """Calls run(arguments, folder, display) with a folder and an X display of its own, the latter by
+    its name and None when "--offscreen" is given. Returns the script's exit code."""
+    no_display = getattr(arguments, "offscreen", False)
+    try:
+        with tempfile.TemporaryDirectory(prefix=f"tarvelo-{name}-") as folder, \
+                (contextlib.nullcontext() if no_display else Display()) as display:
+            run(arguments, Path(folder), display.name if display else None)
+    except (DriverError, OSError, subprocess.SubprocessError) as error:
+        print(f"FAILED: {error}", file=sys.stderr)
+        return 1
+    return 0

@@ -5,15 +5,13 @@ conflict, a script's permissions, a page edited, things renamed and deleted, a c
 middle of an upload and taken up again, the log saved, a setting changed, the end. After every step the
 disks on both sides are compared. Exits 0 only when all of it holds, 77 when this user cannot run the
 server."""
-import argparse
 import random
 import shutil
 import sys
-import tempfile
 import time
 from pathlib import Path
 
-from driver import Display, DriverError, Program
+from driver import DriverError, Program, carry_out, parser_for
 from realserver import KINDS, Gate, RealServer, can_run, upload_limit
 from transfer import differences
 from user import User, opened, opener, sample
@@ -340,15 +338,13 @@ def run(arguments, folder, display):
     with RealServer(arguments.ftp_server, arguments.server, folder / "webspace",
                     ["--tls", *upload_limit(arguments.server, 2048)]) as server, \
             Gate(server.port) as gate, \
-            Program(program_file, arguments.driver, [], home, display.name,
+            Program(program_file, arguments.driver, [], home, display,
                     timeout=120, variables={"PATH": f"{path}:/usr/bin:/bin"}) as program:
         Morning(User(program), server, gate, folder).run(arguments.output)
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--driver", required=True, help="the built e2e_driver")
+    parser = parser_for(__doc__)
     parser.add_argument("--ftp-server", required=True, help="the built ftp-server")
     parser.add_argument("--server", choices=KINDS, default="vsftpd")
     parser.add_argument("--output", type=Path, help="folder for a picture of every step")
@@ -356,13 +352,7 @@ def main():
     if not can_run(arguments.server):
         print(f"NOT RUN: {arguments.server} needs root")
         return 77
-    try:
-        with tempfile.TemporaryDirectory(prefix="tarvelo-morning-") as folder, Display() as display:
-            run(arguments, Path(folder), display)
-    except (DriverError, OSError) as error:
-        print(f"FAILED: {error}", file=sys.stderr)
-        return 1
-    return 0
+    return carry_out("morning", run, arguments)
 
 
 if __name__ == "__main__":

@@ -1,15 +1,12 @@
 #!/usr/bin/env python3
 """The start of the real program, in every way it can be called: what the info screen leads to, what an
 address fills in, and that nothing is called before the user says so. Exits 0 only when all holds."""
-import argparse
 import contextlib
 import shutil
 import socket
 import sys
-import tempfile
-from pathlib import Path
 
-from driver import Display, DriverError, Program
+from driver import DriverError, Program, carry_out, parser_for
 from user import User, opened, opener
 
 
@@ -181,17 +178,9 @@ class Starts:
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--driver", required=True, help="the built e2e_driver")
-    arguments = parser.parse_args()
-    try:
-        with tempfile.TemporaryDirectory(prefix="tarvelo-start-") as folder, Display() as display:
-            Starts(arguments, Path(folder), display.name).run()
-    except (DriverError, OSError) as error:
-        print(f"FAILED: {error}", file=sys.stderr)
-        return 1
-    return 0
+    def run(*details):
+        Starts(*details).run()
+    return carry_out("start", run, parser_for(__doc__).parse_args())
 
 
 if __name__ == "__main__":

@@ -2,13 +2,11 @@
 """The main job, end to end, with the real program: log in through the command line, upload a file and
 a folder, download a file and a folder, compare every byte. Buttons and rows are clicked as a user
 would. Exits 0 only when everything has arrived."""
-import argparse
 import contextlib
 import sys
-import tempfile
 from pathlib import Path
 
-from driver import Display, DriverError, FtpServer, Program
+from driver import DriverError, FtpServer, Program, carry_out, parser_for
 from webspace import make_local_folder, make_web_space
 
 UPLOADS = ["neue Bilder", "Termine für Mai.html"]
@@ -129,21 +127,11 @@ def run(arguments, folder, display):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--driver", required=True, help="the built e2e_driver")
+    parser = parser_for(__doc__)
     parser.add_argument("--output", required=True, help="folder for screenshots")
     parser.add_argument("--offscreen", action="store_true",
                         help="Qt's offscreen platform in place of a virtual X display")
-    arguments = parser.parse_args()
-    try:
-        with tempfile.TemporaryDirectory(prefix="tarvelo-e2e-") as folder, \
-                (contextlib.nullcontext() if arguments.offscreen else Display()) as display:
-            run(arguments, Path(folder), display.name if display else None)
-    except (DriverError, OSError) as error:
-        print(f"FAILED: {error}", file=sys.stderr)
-        return 1
-    return 0
+    return carry_out("e2e", run, parser.parse_args())
 
 
 if __name__ == "__main__":

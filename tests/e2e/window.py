@@ -2,14 +2,10 @@
 """What only the real program can show: it starts from an empty folder without a word on its console,
 speaks German without any file of the system, and a folder that never answers (a dead mount) leaves
 the window usable. Exits 0 only when all of that holds."""
-import argparse
-import contextlib
 import shutil
 import sys
-import tempfile
-from pathlib import Path
 
-from driver import Display, DriverError, Program
+from driver import DriverError, Program, carry_out, parser_for
 
 
 def expect(condition, what):
@@ -63,22 +59,14 @@ def survives_a_dead_mount(arguments, folder, display):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--program", required=True)
-    parser.add_argument("--driver", required=True, help="the built e2e_driver")
+    def run(*details):
+        for check in (runs_alone, survives_a_dead_mount):
+            check(*details)
+            print("holds:", check.__name__.replace("_", " "))
+    parser = parser_for(__doc__)
     parser.add_argument("--offscreen", action="store_true",
                         help="Qt's offscreen platform in place of a virtual X display")
-    arguments = parser.parse_args()
-    try:
-        with tempfile.TemporaryDirectory(prefix="tarvelo-window-") as folder, \
-                (contextlib.nullcontext() if arguments.offscreen else Display()) as display:
-            for check in (runs_alone, survives_a_dead_mount):
-                check(arguments, Path(folder), display.name if display else None)
-                print("holds:", check.__name__.replace("_", " "))
-    except (DriverError, OSError) as error:
-        print(f"FAILED: {error}", file=sys.stderr)
-        return 1
-    return 0
+    return carry_out("window", run, parser.parse_args())
 
 
 if __name__ == "__main__":
