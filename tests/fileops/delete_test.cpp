@@ -72,7 +72,7 @@ TEST_F(DeleteTest, CancelChangesNothing)
     EXPECT_TRUE(remote.markedNames().isEmpty());
     EXPECT_EQ(remote.calls, QStringList { u"text /www/"_s });
     deleteLocal({ u"b"_s }, {}, false);
-    EXPECT_EQ(local.selected, QList<int>());
+    EXPECT_TRUE(local.selected.isEmpty());
     EXPECT_TRUE(onDisk(u"b"_s));
     EXPECT_TRUE(local.markedNames().isEmpty());
     EXPECT_TRUE(shell.queue.isEmpty());

@@ -285,7 +285,7 @@ TEST(PaneModel, MarkedRowsAreBlueAndReadableOnEveryPalette)
         const auto colour = model.index(1, 0).data(Qt::ForegroundRole).value<QColor>();
         EXPECT_GT(colour.blue(), colour.red()) << colour.name().toStdString();
         EXPECT_GT(colour.blue(), colour.green()) << colour.name().toStdString();
-        const auto [darker, lighter] = std::minmax(luminance(colour), luminance(base));
+        const auto [darker, lighter] = std::minmax({ luminance(colour), luminance(base) });
         EXPECT_GE((lighter + 0.05) / (darker + 0.05), 4.5) << base.name().toStdString();
     }
     QGuiApplication::setPalette(before);
