@@ -71,6 +71,21 @@ X509_STORE *systemStore()
     return store.get();
 }
 
+/// Has the certificate checked for this host, and names the host to the server. When that fails the
+/// connection is of no use: the certificate of any other host would be good enough for it.
+bool expectHost(SSL *ssl, const std::string &host)
+{
+    X509_VERIFY_PARAM *parameters = SSL_get0_param(ssl);
+    if (isAddress(host)) {
+        return X509_VERIFY_PARAM_set1_ip_asc(parameters, host.c_str()) == 1;
+    }
+    // SSL_set_tlsext_host_name is a macro with casts of its own
+    return X509_VERIFY_PARAM_set1_host(parameters, host.c_str(), host.size()) == 1
+        && SSL_ctrl(ssl, SSL_CTRL_SET_TLSEXT_HOSTNAME, TLSEXT_NAMETYPE_host_name,
+                    const_cast<char *>(host.c_str()))
+        == 1;
+}
+
 } // namespace
 
 tl::unexpected<Error> tlsFailure()
@@ -86,10 +101,11 @@ void TlsContext::create()
 {
     m_context.reset(SSL_CTX_new(TLS_client_method()));
     SSL_CTX *context = m_context.get();
-    if (context == nullptr) {
+    if (context == nullptr || SSL_CTX_set_min_proto_version(context, TLS1_2_VERSION) != 1
+        || SSL_CTX_set_ex_data(context, 0, this) != 1) {
+        m_context.reset();
         return;
     }
-    SSL_CTX_set_min_proto_version(context, TLS1_2_VERSION);
     SSL_CTX_set1_cert_store(context, systemStore());
     // The answer is asked after the handshake, since the user may trust a certificate by hand.
     SSL_CTX_set_verify(context, SSL_VERIFY_NONE, nullptr);
@@ -99,7 +115,6 @@ void TlsContext::create()
     SSL_CTX_set_read_ahead(context, 1);
     SSL_CTX_set_default_read_buffer_len(context, readAhead);
     SSL_CTX_set_session_cache_mode(context, SSL_SESS_CACHE_CLIENT | SSL_SESS_CACHE_NO_INTERNAL);
-    SSL_CTX_set_ex_data(context, 0, this);
     SSL_CTX_sess_set_new_cb(context, &TlsContext::newSession);
 }
 
@@ -127,23 +142,16 @@ SslPointer TlsContext::newConnection(int socket, const std::string &host, SSL_SE
         create();
     }
     SslPointer ssl(m_context ? SSL_new(m_context.get()) : nullptr);
-    if (!ssl || SSL_set_fd(ssl.get(), socket) != 1) {
+    if (!ssl || SSL_set_fd(ssl.get(), socket) != 1 || !expectHost(ssl.get(), host)) {
         return nullptr;
     }
     SSL_set_connect_state(ssl.get());
-    X509_VERIFY_PARAM *parameters = SSL_get0_param(ssl.get());
-    if (isAddress(host)) {
-        X509_VERIFY_PARAM_set1_ip_asc(parameters, host.c_str());
-    } else {
-        X509_VERIFY_PARAM_set1_host(parameters, host.c_str(), host.size());
-        // SSL_set_tlsext_host_name is a macro with casts of its own
-        SSL_ctrl(ssl.get(), SSL_CTRL_SET_TLSEXT_HOSTNAME, TLSEXT_NAMETYPE_host_name,
-                 const_cast<char *>(host.c_str()));
-    }
     if (reuse != nullptr) {
         // A copy: a connection that ends badly spoils the session that it used.
         const SslSessionPointer copy(SSL_SESSION_dup(reuse));
-        SSL_set_session(ssl.get(), copy.get());
+        if (SSL_set_session(ssl.get(), copy.get()) != 1) {
+            ERR_clear_error(); // then the handshake is a full one
+        }
     }
     return ssl;
 }

@@ -5,7 +5,6 @@
 #include <memory>
 #include <openssl/ssl.h>
 #include <string>
-#include <vector>
 
 namespace ftp {
 
@@ -34,6 +33,7 @@ public:
 
     /// A client connection over a socket, ready for the handshake. Verification does not stop the
     /// handshake; the result is asked afterwards.
+    /// @return null when there is none, or none whose certificate would be checked for that host
     [[nodiscard]] SslPointer newConnection(int socket, const std::string &host, SSL_SESSION *reuse);
 
     /// The control connection whose session is to be kept; tickets of TLS 1.3 arrive later.

@@ -15,6 +15,7 @@ using ftp::ErrorKind;
 using ftp::Trust;
 using servers::CertificateOptions;
 using testing::IsEmpty;
+using namespace std::string_literals;
 
 namespace {
 
@@ -154,6 +155,17 @@ TEST_F(Certificates, OneOfAnotherHostIsNamedSo)
     EXPECT_EQ(problemOf(issued(other), "localhost"), CertificateProblem::WrongHost);
     EXPECT_NE(m_client->lastQuestion().certificate.subject.find("other.example"),
               std::string::npos);
+}
+
+TEST_F(Certificates, AHostThatNoneCanBeCheckedForIsNotTrusted)
+{
+    CertificateOptions other;
+    other.names = { "DNS:other.example" };
+    const auto opened = open(issued(other), Trust::Always, "localhost\0.example"s);
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error().kind, ErrorKind::TlsFailed);
+    EXPECT_EQ(m_client->certificateQuestions(), 0);
+    EXPECT_THAT(server.lines("USER"), IsEmpty());
 }
 
 TEST_F(Certificates, OneThatTheServerMadeItselfIsNamedSo)
