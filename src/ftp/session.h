@@ -4,6 +4,7 @@
 #include "ftp/feat.h"
 #include "ftp/login.h"
 #include "ftp/proxy.h"
+#include "ftp/quirks.h"
 #include "ftp/truststore.h"
 
 #include <functional>
@@ -58,7 +59,8 @@ struct ServerKnowledge {
     TrustStore trust;
     std::string trustedOnce; ///< fingerprint accepted for this run of the session
     bool noPipelining = false; ///< stumbled over several commands at a time, or is known to
-    /// Carries out commands while a transfer still runs, so that none may be sent ahead of its end.
+    /// No command may be sent ahead of a transfer's end: the server carries them out or refuses
+    /// them meanwhile, or a transfer broke while one was on its way.
     bool noLookAhead = false;
     bool keepsOrder = false; ///< is known to carry out commands in order, also during transfers
     bool noExtendedPassive = false, noPassive = false;
@@ -148,6 +150,7 @@ public:
 
 private:
     Awaitable<Status> openOnce();
+    void takeGreeting(const Reply &greeting);
     Awaitable<Status> sendTogether(std::span<const std::string> commands);
     Awaitable<Status> askPacket(std::span<const std::string> commands, std::vector<Reply> &replies);
     Awaitable<Status> encrypt();
@@ -167,7 +170,7 @@ private:
     std::unique_ptr<TcpControlLine> m_line;
     std::unique_ptr<Dialogue> m_dialogue;
     Features m_features;
-    std::string m_greeting;
+    Quirks m_quirks;
     std::string m_folder = "/";
     Type m_type = Type::Unknown;
     std::vector<DataConnection *> m_data;

@@ -4,29 +4,12 @@
 #include "ftp/session.h"
 
 #include <algorithm>
-#include <array>
 
 namespace ftp {
 namespace {
 
 /// How long a pipelined answer may take before the server is suspected of having lost commands.
 constexpr Milliseconds pipelinePatience { 8000 };
-
-/// Servers known to lose commands that arrive in one packet.
-bool knownToStumble(const std::string &greeting)
-{
-    static constexpr std::array names { "icrosoft FTP Service", "MadGoat", "MikroTik" };
-    return std::any_of(names.begin(), names.end(),
-                       [&](const char *name) { return greeting.find(name) != std::string::npos; });
-}
-
-/// Servers known to take no command before the transfer at hand has ended.
-bool knownToKeepOrder(const std::string &greeting)
-{
-    static constexpr std::array names { "vsFTPd", "ProFTPD", "Pure-FTPd" };
-    return std::any_of(names.begin(), names.end(),
-                       [&](const char *name) { return greeting.find(name) != std::string::npos; });
-}
 
 } // namespace
 
@@ -74,26 +57,27 @@ Awaitable<Status> Session::openOnce()
     if (!greeting) {
         co_return tl::unexpected(loginError(greeting.error(), false));
     }
-    m_greeting = greeting->text();
-    // A proxy that speaks FTP answers some commands itself, before the server has answered earlier
-    // ones.
-    const bool overtakes = m_login.proxy.application() && m_login.proxy.kind != ProxyKind::Pipe;
-    if (overtakes || knownToStumble(m_greeting)) {
-        m_knowledge->noPipelining = true;
-    }
-    m_knowledge->keepsOrder = !overtakes && knownToKeepOrder(m_greeting);
-    if (m_greeting.find("pyftpdlib") != std::string::npos) {
-        m_knowledge->noLookAhead = true;
-    }
-    const bool unescaped = m_greeting.find("vsFTPd") != std::string::npos
-        || m_greeting.find("Pure-FTPd") != std::string::npos;
-    m_line->setDoubleTelnetIac(!unescaped);
+    takeGreeting(*greeting);
     Status login = co_await logIn();
     if (!login) {
         co_return tl::unexpected(loginError(login.error(), m_encrypted));
     }
     m_usable = true;
     co_return co_await setUp();
+}
+
+/// What the greeting tells about the server at the other end.
+void Session::takeGreeting(const Reply &greeting)
+{
+    m_quirks = quirksOf(greeting.text());
+    // A proxy that speaks FTP answers some commands itself, before the server has answered earlier
+    // ones.
+    const bool overtakes = m_login.proxy.application() && m_login.proxy.kind != ProxyKind::Pipe;
+    ServerKnowledge &server = *m_knowledge;
+    server.noPipelining = server.noPipelining || overtakes || m_quirks.losesPipelined;
+    server.noLookAhead = server.noLookAhead || m_quirks.noLookAhead;
+    server.keepsOrder = m_quirks.keepsOrder && !overtakes;
+    m_line->setDoubleTelnetIac(!m_quirks.singleTelnetIac);
 }
 
 Awaitable<Status> Session::logIn()
@@ -211,7 +195,7 @@ std::vector<std::string> Session::setUpCommands() const
     if (m_encrypted) {
         commands.insert(commands.end(), { "PBSZ 0", "PROT P" });
     }
-    if (m_greeting.find("NetWare") == std::string::npos) { // dies of commands it does not know
+    if (!m_quirks.diesOfUnknown) {
         commands.emplace_back("FEAT");
         commands.emplace_back("OPTS UTF8 ON");
     }
