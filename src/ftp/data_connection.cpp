@@ -25,9 +25,11 @@ Status asDataError(Status status)
 DataConnection::DataConnection(Session &session)
     : m_session(session)
     , m_stream(std::make_unique<Stream>(session.executor()))
-    , m_permission(session.executor(), asio::steady_timer::time_point::max())
-    , m_permitted(session.knowledge().keepsOrder)
+    , m_permitted(session.executor())
 {
+    if (session.knowledge().keepsOrder) {
+        permit();
+    }
     m_session.addDataConnection(this);
 }
 
@@ -214,20 +216,6 @@ Awaitable<Status> DataConnection::establish()
         }
     }
     co_return asDataError(stands);
-}
-
-Awaitable<void> DataConnection::permission()
-{
-    while (!m_permitted) {
-        std::error_code ignored; // the timer only ever ends by being cancelled
-        co_await m_permission.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
-    }
-}
-
-void DataConnection::permit()
-{
-    m_permitted = true;
-    m_permission.cancel();
 }
 
 void DataConnection::abort()

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "ftp/event.h"
 #include "ftp/session.h"
 
 #include <asio/ip/tcp.hpp>
-#include <asio/steady_timer.hpp>
 #include <memory>
 #include <string>
 
@@ -35,9 +35,9 @@ public:
     /// Waits until the server may be sent bytes. Some take bytes, or the end of an empty file, that
     /// come before they have read the transfer command for a lost connection; they are sent nothing
     /// before permit(). Servers known to keep the order of things need not be waited for.
-    Awaitable<void> permission();
+    Awaitable<void> permission() { return m_permitted.wait(); }
     /// The preliminary reply has come.
-    void permit();
+    void permit() { m_permitted.set(); }
 
     /// Active mode: the server connects to us.
     [[nodiscard]] bool listens() const { return m_acceptor != nullptr; }
@@ -57,8 +57,7 @@ private:
     std::unique_ptr<Stream> m_stream;
     std::unique_ptr<asio::ip::tcp::acceptor> m_acceptor;
     bool m_connecting = false;
-    asio::steady_timer m_permission; ///< cancelled when m_permitted changes
-    bool m_permitted = false;
+    Event m_permitted;
 };
 
 } // namespace ftp
