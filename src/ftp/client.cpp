@@ -108,9 +108,8 @@ Awaitable<Status> Client::learnZone(Entry telling)
     if (server.zoneOffset || server.noModificationTime || !tellsZone(telling)) {
         co_return Status {};
     }
-    m_session.dialogue().setMuted(true);
+    const auto muted = m_session.dialogue().muted();
     auto answer = co_await m_session.ask("MDTM " + telling.name);
-    m_session.dialogue().setMuted(false);
     if (!answer) {
         co_return answer.error().kind == ErrorKind::BadArgument
             ? Status {}
@@ -220,7 +219,7 @@ Awaitable<bool> Client::folderExists(std::string raw)
 Awaitable<Status> Client::makeFolder(std::string path)
 {
     const std::string raw = encode(path);
-    m_session.dialogue().setMuted(true); // told below, perhaps with an addition
+    const auto muted = m_session.dialogue().muted(); // told below, perhaps with an addition
     auto answer = co_await m_session.ask("MKD " + raw);
     if (answer && answer->refused() && !saysExists(answer->text())) {
         const bool exists = co_await folderExists(raw);
@@ -228,7 +227,6 @@ Awaitable<Status> Client::makeFolder(std::string path)
             answer->lines.back() += " (exists)"; // not every server says that the name is taken
         }
     }
-    m_session.dialogue().setMuted(false);
     if (!answer) {
         co_return tl::unexpected(answer.error());
     }
@@ -259,9 +257,8 @@ Awaitable<Status> Client::rename(std::string from, std::string to)
     }
     // Callers have just looked whether the new name is free. Both in one packet leave others the
     // least time to take it, for most servers replace without a word.
-    m_session.dialogue().setMuted(true);
+    const auto muted = m_session.dialogue().muted();
     auto answers = co_await m_session.askAll(std::move(commands));
-    m_session.dialogue().setMuted(false);
     if (!answers) {
         co_return tl::unexpected(answers.error());
     }

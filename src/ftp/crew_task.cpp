@@ -86,10 +86,8 @@ Awaitable<Status> CrewTask::carryOut(Session &session, Flow &current, std::optio
 
 Awaitable<Status> CrewTask::work(Session &session)
 {
-    session.dialogue().setMuted(quiet());
-    Status worked = co_await workOff(session);
-    session.dialogue().setMuted(false);
-    co_return worked;
+    const auto muted = session.dialogue().muted(quiet());
+    co_return co_await workOff(session);
 }
 
 Awaitable<Status> CrewTask::workOff(Session &session)

@@ -36,10 +36,11 @@ public:
     Awaitable<Result<Reply>> askSecretly(std::string verb, std::string secret);
 
     [[nodiscard]] ControlLine &line() { return m_line; }
-    [[nodiscard]] Milliseconds limit() const { return m_limit; }
     void setLimit(Milliseconds limit) { m_limit = limit; }
-    /// Replies are not reported while muted (probes whose refusal means nothing to the user).
-    void setMuted(bool muted) { m_muted = muted; }
+    /// Replies are not reported while what this returns lives: probes whose refusal means nothing
+    /// to the user.
+    /// @param wanted  false: nothing changes
+    [[nodiscard]] auto muted(bool wanted = true) { return Muted(*this, wanted); }
     /// Lets another one hear the replies. @return who did before
     [[nodiscard]] Listener exchangeListener(Listener listener)
     {
@@ -47,6 +48,23 @@ public:
     }
 
 private:
+    /// Mutes and sets back what was before.
+    class Muted {
+    public:
+        Muted(Dialogue &dialogue, bool wanted)
+            : m_dialogue(dialogue)
+            , m_before(std::exchange(dialogue.m_muted, dialogue.m_muted || wanted))
+        {
+        }
+        ~Muted() { m_dialogue.m_muted = m_before; }
+        Muted(const Muted &) = delete;
+        Muted &operator=(const Muted &) = delete;
+
+    private:
+        Dialogue &m_dialogue;
+        bool m_before;
+    };
+
     ControlLine &m_line;
     Milliseconds m_limit;
     Listener m_listener;

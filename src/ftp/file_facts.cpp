@@ -71,12 +71,11 @@ Awaitable<Result<RemoteFacts>> fileFacts(Client &client, std::string path)
 {
     Session &session = client.session();
     const std::string raw = client.encode(path);
-    session.dialogue().setMuted(true);
+    const auto muted = session.dialogue().muted();
     Status binary = co_await session.setType(Type::Binary);
     const std::vector<std::string> commands
         = factCommands(session, raw, binary ? Type::Binary : Type::Ascii);
     auto replies = co_await session.askAll(commands);
-    session.dialogue().setMuted(false);
     if (!replies) {
         co_return tl::unexpected(replies.error());
     }

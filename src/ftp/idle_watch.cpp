@@ -53,11 +53,10 @@ Awaitable<Status> IdleWatch::keepAlive()
     // Varied, because some servers do not count NOOP as work.
     static constexpr std::array commands { "NOOP", "PWD", "NOOP", "TYPE I" };
     const std::string command = commands[static_cast<std::size_t>(m_turn++) % commands.size()];
-    m_session.dialogue().setMuted(true);
+    const auto muted = m_session.dialogue().muted();
     m_asking = true;
     auto answer = co_await m_session.ask(command);
     m_asking = false;
-    m_session.dialogue().setMuted(false);
     if (answer && command == "TYPE I" && answer->done()) {
         m_session.rememberType(Type::Binary);
     }

@@ -118,9 +118,8 @@ Awaitable<Status> Session::encrypt()
     if (m_login.encryption == Encryption::Never) {
         co_return Status {};
     }
-    m_dialogue->setMuted(true); // a refusal is told by the note below
+    const auto muted = m_dialogue->muted(); // a refusal is told by the note below
     auto answer = co_await askPastGreeting(*m_dialogue, "AUTH TLS");
-    m_dialogue->setMuted(false);
     if (!answer) {
         co_return tl::unexpected(answer.error());
     }
@@ -231,11 +230,10 @@ Awaitable<Status> Session::setUp()
         co_return sent;
     }
     Status result;
-    m_dialogue->setMuted(true);
+    const auto muted = m_dialogue->muted();
     for (const std::string &command : commands) {
         auto answer = co_await m_dialogue->reply(std::min(m_login.timeout, pipelinePatience));
         if (!answer) {
-            m_dialogue->setMuted(false);
             co_return tl::unexpected(answer.error());
         }
         Status taken = takeSetUpReply(command, *answer);
@@ -246,7 +244,6 @@ Awaitable<Status> Session::setUp()
             m_hooks.reply(*answer); // refusals of what was only tried are no news
         }
     }
-    m_dialogue->setMuted(false);
     co_return result;
 }
 

@@ -186,9 +186,8 @@ Awaitable<void> TreeGetter::judgeLinks()
     if (commands.empty() || !session.usable()) {
         co_return;
     }
-    session.dialogue().setMuted(true);
+    const auto muted = session.dialogue().muted();
     auto replies = co_await session.askAll(commands);
-    session.dialogue().setMuted(false);
     for (std::size_t i = 0; replies && i < m_links.size(); ++i) {
         if (!(*replies)[i].done()) {
             m_crew.note("Verknüpfung ohne Ziel oder ohne Leserecht, nicht übertragen: "

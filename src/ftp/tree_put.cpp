@@ -111,7 +111,7 @@ private:
     std::string shownPath(const Job &job) override { return job.localPath(); }
     Awaitable<Status> survey(std::shared_ptr<const FolderPair> folder);
     Awaitable<Status> makeFolders();
-    Awaitable<Status> makeFolders(std::size_t begin, std::size_t end);
+    Awaitable<Status> makeBurst(std::size_t begin, std::size_t end);
     Awaitable<Status> checkFolder(std::string remote, Reply refused);
     void fill();
     bool nextFolder();
@@ -208,7 +208,7 @@ Awaitable<Status> TreePutter::makeFolders()
     Status result;
     for (std::size_t at = 0; at < m_folders.size() && result;) {
         const std::size_t end = std::min(at + burst, m_folders.size());
-        result = co_await makeFolders(at, end);
+        result = co_await makeBurst(at, end);
         if (result) {
             m_crew.progressed();
             at = end;
@@ -216,18 +216,17 @@ Awaitable<Status> TreePutter::makeFolders()
             result = co_await m_crew.recover(result.error());
         }
     }
-    client().session().dialogue().setMuted(false);
     co_return result;
 }
 
-Awaitable<Status> TreePutter::makeFolders(std::size_t begin, std::size_t end)
+Awaitable<Status> TreePutter::makeBurst(std::size_t begin, std::size_t end)
 {
     std::vector<std::string> commands;
     for (std::size_t i = begin; i < end; ++i) {
         commands.push_back("MKD " + m_folders[i]->remote);
     }
     Session &session = client().session();
-    session.dialogue().setMuted(true); // "exists" is no news
+    const auto muted = session.dialogue().muted(); // "exists" is no news
     auto replies = co_await session.askAll(std::move(commands));
     if (!replies) {
         co_return tl::unexpected(replies.error());

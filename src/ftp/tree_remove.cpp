@@ -260,7 +260,7 @@ Awaitable<Status> TreeRemover::leave(Session &session, DoomedPointer &folder)
 
 Awaitable<Status> TreeRemover::work(Session &session)
 {
-    session.dialogue().setMuted(true);
+    const auto muted = session.dialogue().muted();
     for (;;) {
         if (m_jobs.empty() || m_crew.stopped()) {
             const bool more = co_await m_crew.wait(session);
@@ -268,7 +268,6 @@ Awaitable<Status> TreeRemover::work(Session &session)
                 break;
             }
             if (!session.usable()) {
-                session.dialogue().setMuted(false);
                 co_return fail(ErrorKind::ConnectionClosed, "Connection closed by server");
             }
             continue;
@@ -284,14 +283,12 @@ Awaitable<Status> TreeRemover::work(Session &session)
                 refuse(folder->path, emptied.error());
                 m_crew.jobDone();
             }
-            session.dialogue().setMuted(false);
             session.markBroken();
             co_return emptied;
         }
         m_crew.progressed();
         m_crew.jobDone();
     }
-    session.dialogue().setMuted(false);
     co_return Status {};
 }
 

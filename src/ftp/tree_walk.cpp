@@ -198,14 +198,13 @@ Awaitable<Status> walkFolders(Client &client, std::vector<std::string> tops, Lin
                               FolderVisitor visit, WalkFailed failed, const std::atomic_bool &stop)
 {
     Session &session = client.session();
-    session.dialogue().setMuted(true);
+    const auto muted = session.dialogue().muted();
     Walk walk(session, of, std::move(visit), std::move(failed));
     Status walked = co_await walk.run(std::move(tops), stop);
     if (session.usable()) {
         auto back = co_await session.ask("CWD " + session.folder());
         ignoreError(back, "the next command would tell");
     }
-    session.dialogue().setMuted(false);
     co_return walked;
 }
 
