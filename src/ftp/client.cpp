@@ -190,14 +190,20 @@ Awaitable<Result<Folder>> Client::list()
 Awaitable<Result<std::int64_t>> Client::get(std::string remotePath, std::string localPath,
                                             std::int64_t offset, Type type)
 {
-    GetRequest request { encode(remotePath), std::move(localPath), offset, type, {} };
+    FileRequest request { .remotePath = encode(remotePath),
+                          .localPath = std::move(localPath),
+                          .offset = offset,
+                          .type = type };
     co_return co_await retrieve(m_session, std::move(request));
 }
 
 Awaitable<Result<std::int64_t>> Client::put(std::string localPath, std::string remotePath,
                                             std::int64_t offset, Type type)
 {
-    PutRequest request { std::move(localPath), encode(remotePath), offset, type, {} };
+    FileRequest request { .remotePath = encode(remotePath),
+                          .localPath = std::move(localPath),
+                          .offset = offset,
+                          .type = type };
     co_return co_await store(m_session, std::move(request));
 }
 

@@ -42,13 +42,6 @@ Crew::Crew(Client &client, Worker worker, CrewRules rules)
 
 void Crew::wakeAll() { m_news.cancel(); }
 
-void Crew::note(const std::string &text) const
-{
-    if (m_client.session().hooks().note) {
-        m_client.session().hooks().note(text);
-    }
-}
-
 void Crew::failed(const Error &error)
 {
     if (!m_firstError || (hopeless(error.kind) && !hopeless(m_firstError->kind))) {

@@ -57,7 +57,7 @@ public:
     /// Keeps the first failure; the others go on unless it makes going on senseless.
     void failed(const Error &error);
     /// A line for the log.
-    void note(const std::string &text) const;
+    void note(const std::string &text) const { m_client.session().note(text); }
     [[nodiscard]] bool stopped() const { return m_stopped; }
 
     /// Sizes as servers tell them: even absurd ones must not overflow the sum.

@@ -324,7 +324,7 @@ Status Fetcher::takeListing(Session &session, Job &job, TreeListing listing)
 
 Awaitable<Status> Fetcher::again(Session &session, Job &job)
 {
-    GetRequest request;
+    FileRequest request;
     request.remotePath = job.remotePath();
     request.localPath = job.localPath();
     request.type = m_task.type();

@@ -9,7 +9,7 @@ namespace ftp {
 namespace {
 
 /// Asks size and time together with the way to the data connection, in one round trip.
-Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, GetRequest request)
+Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, FileRequest request)
 {
     auto wanted = data.command();
     if (!wanted) {
@@ -30,34 +30,26 @@ Awaitable<Result<RemoteFacts>> prepare(Session &session, DataConnection &data, G
     co_return facts;
 }
 
-void tell(const Session &session, const char *text)
-{
-    if (session.hooks().note) {
-        session.hooks().note(text);
-    }
-}
-
 /// The offset that the local file really allows.
-std::int64_t usableOffset(const GetRequest &request, const Session &session)
+std::int64_t usableOffset(const FileRequest &request, const Session &session)
 {
     if (request.offset == 0) {
         return 0;
     }
-    const char *reason = nullptr;
     if (request.type != Type::Binary) {
-        reason = "Fortsetzen ist nur im Binärmodus möglich; die Datei wird von vorn übertragen.";
-    } else if (fileSize(request.localPath) != request.offset) {
-        reason = "Die vorhandene Datei hat eine andere Größe; sie wird von vorn übertragen.";
+        session.note(onlyInBinary);
+        return 0;
     }
-    if (reason != nullptr) {
-        tell(session, reason);
+    if (fileSize(request.localPath) != request.offset) {
+        session.note("Die vorhandene Datei hat eine andere Größe; sie wird von vorn übertragen.");
+        return 0;
     }
-    return reason == nullptr ? request.offset : 0;
+    return request.offset;
 }
 
 } // namespace
 
-Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
+Awaitable<Result<std::int64_t>> retrieve(Session &session, FileRequest request)
 {
     const std::string command = "RETR " + request.remotePath;
     if (const auto sendable = encodeCommand(command); !sendable) {
@@ -74,14 +66,13 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
         co_return tl::unexpected(facts.error());
     }
     if (facts->size && *facts->size < offset) {
-        tell(session,
-             "Die Datei auf dem Server ist kürzer geworden; sie wird von vorn übertragen.");
+        session.note("Die Datei auf dem Server ist kürzer geworden; sie wird von vorn übertragen.");
         offset = 0;
     }
     const auto partTime = fileTime(request.localPath);
     if (offset > 0 && facts->modified && partTime && changedSince(*facts->modified, *partTime)) {
-        tell(session,
-             "Die Datei auf dem Server wurde inzwischen geändert; sie wird von vorn übertragen.");
+        session.note(
+            "Die Datei auf dem Server wurde inzwischen geändert; sie wird von vorn übertragen.");
         offset = 0;
     }
     if (offset > 0) {
@@ -90,8 +81,8 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request)
             co_return tl::unexpected(restarted.error());
         }
         if (restarted->code != 350) {
-            tell(session,
-                 "Der Server kann Dateien nicht fortsetzen; die Datei wird von vorn übertragen.");
+            session.note(
+                "Der Server kann Dateien nicht fortsetzen; die Datei wird von vorn übertragen.");
             offset = 0;
         }
     }

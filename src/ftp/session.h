@@ -126,6 +126,8 @@ public:
         return m_knowledge;
     }
     [[nodiscard]] const Hooks &hooks() const { return m_hooks; }
+    /// A line of our own for the log, if anybody hears it.
+    void note(const std::string &text) const;
     [[nodiscard]] const asio::any_io_executor &executor() const { return m_executor; }
     [[nodiscard]] bool encrypted() const { return m_encrypted; }
     [[nodiscard]] TlsContext &tls() { return m_tls; }
@@ -160,7 +162,6 @@ private:
     Awaitable<Status> setUpOneByOne();
     Status takeSetUpReply(std::string_view command, const Reply &reply);
     [[nodiscard]] std::vector<std::string> setUpCommands() const;
-    void note(const std::string &text) const;
 
     asio::any_io_executor m_executor;
     LoginData m_login;

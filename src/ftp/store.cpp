@@ -74,20 +74,15 @@ Awaitable<Result<RemoteFacts>> factsOfPart(Session &session, std::string path)
 }
 
 /// Where the upload may start: a continued file must have exactly the wanted size on the server.
-Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
+Awaitable<Result<StorePlan>> plan(Session &session, const FileRequest &request,
                                   const OutgoingFile &file)
 {
     StorePlan result;
     if (request.offset == 0) {
         co_return result;
     }
-    const auto note = [&](const char *text) {
-        if (session.hooks().note) {
-            session.hooks().note(text);
-        }
-    };
     if (request.type != Type::Binary) {
-        note("Fortsetzen ist nur im Binärmodus möglich; die Datei wird von vorn übertragen.");
+        session.note(onlyInBinary);
         co_return result;
     }
     auto part = co_await factsOfPart(session, request.remotePath);
@@ -95,15 +90,17 @@ Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
         co_return tl::unexpected(part.error());
     }
     if (part->size.value_or(0) > file.size()) {
-        note("Die Datei auf dem Server ist größer als die lokale; sie bleibt, wie sie ist.");
+        session.note(
+            "Die Datei auf dem Server ist größer als die lokale; sie bleibt, wie sie ist.");
         co_return fail(ErrorKind::Refused, "The file on the server is longer than the local one");
     }
     if (part->size != request.offset) { // or it is gone
-        note("Die Datei auf dem Server hat eine andere Größe; sie wird von vorn übertragen.");
+        session.note(
+            "Die Datei auf dem Server hat eine andere Größe; sie wird von vorn übertragen.");
         co_return result;
     }
     if (part->modified && changedSince(file.modified(), *part->modified)) {
-        note("Die lokale Datei wurde inzwischen geändert; sie wird von vorn übertragen.");
+        session.note("Die lokale Datei wurde inzwischen geändert; sie wird von vorn übertragen.");
         co_return result;
     }
     result.offset = request.offset;
@@ -112,7 +109,7 @@ Awaitable<Result<StorePlan>> plan(Session &session, const PutRequest &request,
 }
 
 /// Checks an upload by the server's own count (RFC 3659, section 4) and keeps the file's time.
-Awaitable<Status> verify(Session &session, const PutRequest &request, const OutgoingFile &file)
+Awaitable<Status> verify(Session &session, const FileRequest &request, const OutgoingFile &file)
 {
     const std::vector<std::string> commands
         = checkCommands(session, request.remotePath, file, request.type);
@@ -143,7 +140,7 @@ Awaitable<Status> sendFile(Session &session, DataConnection &data, const Outgoin
     co_return co_await data.stream().finishSending(session.timeout());
 }
 
-Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request)
+Awaitable<Result<std::int64_t>> store(Session &session, FileRequest request)
 {
     OutgoingFile file;
     Status step = file.open(request.localPath);

@@ -233,7 +233,7 @@ Awaitable<Result<std::int64_t>> Storer::resumeOffset(Session &session, const Job
 
 Awaitable<Status> Storer::again(Session &session, Job &job)
 {
-    PutRequest request;
+    FileRequest request;
     request.localPath = job.localPath();
     request.remotePath = job.remotePath();
     request.type = m_task.type();

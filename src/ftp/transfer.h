@@ -80,31 +80,27 @@ Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take 
 /// always.
 Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::Take take);
 
-/// A single file to be fetched.
-struct GetRequest {
+/// A single file to be fetched or stored.
+struct FileRequest {
     std::string remotePath, localPath;
-    std::int64_t offset = 0; ///< bytes of localPath to keep
+    std::int64_t offset = 0; ///< bytes of the target to keep
     Type type = Type::Binary;
     /// Bytes so far, counted from the wanted offset; empty: the session's progress hook.
-    ProgressMeter::Report progress;
+    ProgressMeter::Report progress = {};
 };
-/// @return the offset that was really used
-Awaitable<Result<std::int64_t>> retrieve(Session &session, GetRequest request);
+/// Why an offset was not used, for the log.
+inline constexpr const char *onlyInBinary
+    = "Fortsetzen ist nur im Binärmodus möglich; die Datei wird von vorn übertragen.";
+
+/// Fetches the file. @return the offset that was really used
+Awaitable<Result<std::int64_t>> retrieve(Session &session, FileRequest request);
 
 /// The whole way of a file's bytes: waits for the connection, sends from offset on, ends the
 /// stream.
 Awaitable<Status> sendFile(Session &session, DataConnection &data, const OutgoingFile &file,
                            std::int64_t offset, Type type, ProgressMeter &meter);
 
-/// A single file to be stored.
-struct PutRequest {
-    std::string localPath, remotePath;
-    std::int64_t offset = 0; ///< bytes of remotePath to keep
-    Type type = Type::Binary;
-    /// Bytes so far, counted from the wanted offset; empty: the session's progress hook.
-    ProgressMeter::Report progress;
-};
-/// @return the offset that was really used
-Awaitable<Result<std::int64_t>> store(Session &session, PutRequest request);
+/// Stores the file. @return the offset that was really used
+Awaitable<Result<std::int64_t>> store(Session &session, FileRequest request);
 
 } // namespace ftp

@@ -53,9 +53,7 @@ public:
 
     void refused(const std::string &path, const Error &error)
     {
-        if (const auto &note = m_client.session().hooks().note) {
-            note(m_client.names().decodePath(path) + ": " + error.text);
-        }
+        m_client.session().note(m_client.names().decodePath(path) + ": " + error.text);
         if (!m_first) {
             m_first = error;
         }
