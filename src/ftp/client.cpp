@@ -91,13 +91,16 @@ std::string Client::folder() { return m_names.decodePath(m_session.folder()); }
 
 std::string Client::encode(const std::string &path) { return m_names.encode(path, folder()); }
 
+std::string Client::absolute(const std::string &path)
+{
+    const std::string raw = withoutEndSlashes(encode(path));
+    return raw.starts_with('/') ? raw : joinPath(m_session.folder(), raw);
+}
+
 Awaitable<Status> Client::changeFolder(std::string path)
 {
-    // A "/" at the end is this program's way to write folders, not every server's.
-    while (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    co_return co_await m_session.changeFolder(encode(path));
+    std::string raw = encode(withoutEndSlashes(path));
+    co_return co_await m_session.changeFolder(std::move(raw));
 }
 
 Awaitable<Status> Client::changeToParent() { co_return co_await m_session.changeToParent(); }
@@ -244,10 +247,8 @@ Awaitable<Status> Client::makeFolder(std::string path)
 
 Awaitable<Status> Client::removeFolder(std::string path)
 {
-    while (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    co_return co_await m_session.expectDone("RMD " + encode(path));
+    const std::string raw = encode(withoutEndSlashes(path));
+    co_return co_await m_session.expectDone("RMD " + raw);
 }
 
 Awaitable<Status> Client::removeFile(std::string path)

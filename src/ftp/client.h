@@ -75,6 +75,8 @@ public:
     [[nodiscard]] int sessionLimit() const { return m_sessionLimit; }
     /// Raw bytes of a path, seen from the current folder.
     [[nodiscard]] std::string encode(const std::string &path);
+    /// The same from the root, without "/" at the end.
+    [[nodiscard]] std::string absolute(const std::string &path);
 
 private:
     Awaitable<bool> folderExists(std::string raw);

@@ -95,8 +95,8 @@ Awaitable<Result<bool>> Fetcher::takeReplies(Session &session, Flow &flow,
     if (flow.job.isFolder()) {
         const FolderPair &folder = *flow.job.folder;
         flow.job.real = folderTold(replies[1]);
-        const std::string name = folder.remote.substr(folder.remote.rfind('/') + 1);
-        if (leadsElsewhere(folder.above, name, flow.job.real)) { // a link that the listings hid
+        // A link that the listings hid?
+        if (leadsElsewhere(folder.above, nameOf(folder.remote), flow.job.real)) {
             // The port that was opened for its listing is taken back by the next one.
             m_task.done(flow.job);
             co_return false;

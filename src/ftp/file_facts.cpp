@@ -85,7 +85,7 @@ Awaitable<Result<RemoteFacts>> fileFacts(Client &client, std::string path)
 Awaitable<Result<std::optional<std::int64_t>>> listedSize(Session &session, std::string path)
 {
     const std::string folder = parentOf(path);
-    const std::string name = path.substr(path.rfind('/') + 1);
+    const std::string name = nameOf(path);
     std::optional<std::int64_t> size;
     if (!folder.empty()) {
         auto entered = co_await session.ask("CWD " + folder);

@@ -1,7 +1,5 @@
 #include "ftp/path.h"
 
-#include <algorithm>
-
 namespace ftp {
 namespace {
 
@@ -73,17 +71,25 @@ std::string joinPath(std::string_view folder, std::string_view name)
     return path.append(name);
 }
 
-std::string parentOf(std::string_view path)
+std::string nameOf(std::string_view path) { return std::string(path.substr(path.rfind('/') + 1)); }
+
+std::string withoutEndSlashes(std::string_view path)
 {
     while (path.size() > 1 && path.back() == '/') {
         path.remove_suffix(1);
     }
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string_view::npos) {
+    return std::string(path);
+}
+
+std::string parentOf(std::string_view path)
+{
+    const std::string child = withoutEndSlashes(path);
+    const std::size_t slash = child.rfind('/');
+    if (slash == std::string::npos) {
         return {};
     }
-    const std::size_t end = path.find_last_not_of('/', slash);
-    return end == std::string_view::npos ? "/" : std::string(path.substr(0, end + 1));
+    const std::size_t end = child.find_last_not_of('/', slash);
+    return end == std::string::npos ? "/" : child.substr(0, end + 1);
 }
 
 bool isSafeName(std::string_view name)

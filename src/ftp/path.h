@@ -17,6 +17,13 @@ namespace ftp {
 /// folder and name joined by one "/"; an empty folder gives the bare name.
 [[nodiscard]] std::string joinPath(std::string_view folder, std::string_view name);
 
+/// The last component of a path; empty when it ends with "/".
+[[nodiscard]] std::string nameOf(std::string_view path);
+
+/// The path without "/" at its end, unless it is the root: that is this program's way to write
+/// folders, not every server's.
+[[nodiscard]] std::string withoutEndSlashes(std::string_view path);
+
 /// The folder that holds path: "/a/b" and "/a/b/" give "/a", "/a" and "/" give "/", a bare name
 /// gives an empty text.
 [[nodiscard]] std::string parentOf(std::string_view path);

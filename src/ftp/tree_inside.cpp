@@ -8,16 +8,6 @@
 namespace ftp {
 namespace {
 
-/// The absolute path of a folder as raw bytes, without a separator at its end.
-std::string rawFolder(Client &client, const std::string &folder)
-{
-    std::string raw = client.encode(folder);
-    while (raw.size() > 1 && raw.back() == '/') {
-        raw.pop_back();
-    }
-    return raw.starts_with('/') ? raw : joinPath(client.session().folder(), raw);
-}
-
 void count(const TreeListing &listing, FolderContent &content)
 {
     TreeListing::Position at;
@@ -97,7 +87,7 @@ Awaitable<Result<FolderContent>> countInside(Client &client, std::vector<std::st
     FolderContent content;
     std::vector<std::string> tops;
     for (const std::string &folder : folders) {
-        tops.push_back(rawFolder(client, folder));
+        tops.push_back(client.absolute(folder));
     }
     FolderVisitor visit
         = [&content](Session &, std::string, const TreeListing &listing) -> Awaitable<Status> {
@@ -120,7 +110,7 @@ Awaitable<Status> changeModesInside(Client &client, std::string folder, InsideMo
     ModeChange change(client, modes);
     const std::atomic_bool never = false;
     std::vector<std::string> tops;
-    tops.push_back(rawFolder(client, folder));
+    tops.push_back(client.absolute(folder));
     FolderVisitor visit
         = [&change](Session &session, std::string path, const TreeListing &listing) {
               return change.visit(session, std::move(path), listing);

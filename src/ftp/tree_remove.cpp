@@ -41,17 +41,10 @@ public:
 
     Awaitable<Status> run(std::string folder)
     {
-        Client &client = m_crew.client();
         auto top = std::make_shared<Doomed>();
-        top->path = client.encode(folder);
+        top->path = m_crew.client().absolute(folder);
         // Intended: a path that ends with "/" is emptied but not removed.
         m_keepTop = folder.ends_with('/');
-        while (top->path.size() > 1 && top->path.back() == '/') {
-            top->path.pop_back();
-        }
-        if (!top->path.starts_with('/')) {
-            top->path = joinPath(client.session().folder(), top->path);
-        }
         m_top = top;
         add(top);
         Status removed = co_await m_crew.run();
@@ -117,7 +110,7 @@ Awaitable<Result<bool>> TreeRemover::enter(Session &session, DoomedPointer folde
         co_return tl::unexpected(here.error());
     }
     folder->real = *here;
-    co_return leadsElsewhere(above, folder->path.substr(folder->path.rfind('/') + 1), *here);
+    co_return leadsElsewhere(above, nameOf(folder->path), *here);
 }
 
 /// Removes the link itself and nothing that it leads to.

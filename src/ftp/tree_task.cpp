@@ -10,14 +10,8 @@ constexpr int mostTries = 3;
 std::shared_ptr<FolderPair> TreeTask::top(const std::string &remote, std::string local)
 {
     auto pair = std::make_shared<FolderPair>();
-    pair->remote = client().encode(remote);
+    pair->remote = client().absolute(remote);
     pair->local = std::move(local);
-    while (pair->remote.size() > 1 && pair->remote.back() == '/') {
-        pair->remote.pop_back();
-    }
-    if (!pair->remote.starts_with('/')) {
-        pair->remote = joinPath(client().session().folder(), pair->remote);
-    }
     return pair;
 }
 

@@ -15,8 +15,6 @@ struct Pending {
     int depth = 0;
 };
 
-std::string nameOf(const std::string &path) { return path.substr(path.rfind('/') + 1); }
-
 /// A path for comparing: servers differ in quotes and in the case of letters, and neither makes a
 /// place another one.
 std::string comparable(std::string_view path)
@@ -28,10 +26,7 @@ std::string comparable(std::string_view path)
                 += letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
         }
     }
-    while (result.size() > 1 && result.back() == '/') {
-        result.pop_back();
-    }
-    return result;
+    return withoutEndSlashes(result);
 }
 
 /// One walk over trees.

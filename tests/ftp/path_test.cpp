@@ -52,6 +52,24 @@ TEST(JoinPath, PutsOneSlashBetween)
     EXPECT_EQ(ftp::joinPath("/a", " b "), "/a/ b ");
 }
 
+TEST(NameOf, IsWhatStandsBehindTheLastSlash)
+{
+    EXPECT_EQ(ftp::nameOf("/a/b"), "b");
+    EXPECT_EQ(ftp::nameOf("b"), "b");
+    EXPECT_EQ(ftp::nameOf("/a/ b "), " b ");
+    EXPECT_EQ(ftp::nameOf("/a/"), "");
+    EXPECT_EQ(ftp::nameOf("/"), "");
+}
+
+TEST(WithoutEndSlashes, LeavesTheRoot)
+{
+    EXPECT_EQ(ftp::withoutEndSlashes("/a/b//"), "/a/b");
+    EXPECT_EQ(ftp::withoutEndSlashes("a/"), "a");
+    EXPECT_EQ(ftp::withoutEndSlashes("/a"), "/a");
+    EXPECT_EQ(ftp::withoutEndSlashes("//"), "/");
+    EXPECT_EQ(ftp::withoutEndSlashes(""), "");
+}
+
 TEST(ParentOf, StopsAtTheRoot)
 {
     EXPECT_EQ(ftp::parentOf("/a/b"), "/a");
