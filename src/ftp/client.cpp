@@ -210,29 +210,14 @@ Awaitable<Result<std::int64_t>> Client::put(std::string localPath, std::string r
     co_return co_await store(m_session, std::move(request));
 }
 
-Awaitable<bool> Client::folderExists(std::string raw)
-{
-    const std::string back = m_session.folder();
-    auto entered = co_await m_session.ask("CWD " + raw);
-    const bool exists = entered && entered->done();
-    if (exists) {
-        auto returned = co_await m_session.ask("CWD " + back);
-        if (returned && !returned->done()) {
-            Status told = co_await m_session.readFolder(); // we stand somewhere else now
-            ignoreError(told, "the next command would tell");
-        }
-    }
-    co_return exists;
-}
-
 Awaitable<Status> Client::makeFolder(std::string path)
 {
     const std::string raw = encode(path);
     const auto muted = m_session.dialogue().muted(); // told below, perhaps with an addition
     auto answer = co_await m_session.ask("MKD " + raw);
     if (answer && answer->refused() && !saysExists(answer->text())) {
-        const bool exists = co_await folderExists(raw);
-        if (exists) {
+        auto exists = co_await m_session.folderExists(raw);
+        if (exists && *exists) {
             answer->lines.back() += " (exists)"; // not every server says that the name is taken
         }
     }

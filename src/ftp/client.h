@@ -79,7 +79,6 @@ public:
     [[nodiscard]] std::string absolute(const std::string &path);
 
 private:
-    Awaitable<bool> folderExists(std::string raw);
     Awaitable<Status> learnZone(Entry telling);
     [[nodiscard]] static FolderEntry present(const Entry &entry);
     void showNames(Folder &shown, OddNames &odd);

@@ -203,6 +203,29 @@ Awaitable<Status> Session::changeToParent()
     co_return co_await readFolder();
 }
 
+Awaitable<Result<bool>> Session::folderExists(std::string folder)
+{
+    const std::string back = m_folder;
+    auto entered = co_await ask("CWD " + folder);
+    if (!entered) {
+        co_return tl::unexpected(entered.error());
+    }
+    if (!entered->done()) {
+        co_return false;
+    }
+    auto returned = co_await ask("CWD " + back);
+    if (!returned) {
+        co_return tl::unexpected(returned.error());
+    }
+    if (!returned->done()) {
+        Status told = co_await readFolder(); // we stand somewhere else now
+        if (!told && !usable()) {
+            co_return tl::unexpected(told.error());
+        }
+    }
+    co_return true;
+}
+
 Awaitable<Status> Session::setType(Type type)
 {
     if (m_type == type) {

@@ -101,6 +101,8 @@ public:
     [[nodiscard]] const std::string &folder() const { return m_folder; }
     Awaitable<Status> changeFolder(std::string folder);
     Awaitable<Status> changeToParent();
+    /// Whether a folder can be entered; afterwards we stand where we stood.
+    Awaitable<Result<bool>> folderExists(std::string folder);
     /// Asks PWD and keeps the answer.
     Awaitable<Status> readFolder();
 

@@ -184,21 +184,14 @@ Awaitable<Status> TreePutter::survey(std::shared_ptr<const FolderPair> folder)
 
 Awaitable<Status> TreePutter::checkFolder(std::string remote, Reply refused)
 {
-    Session &session = client().session();
-    const std::string back = session.folder();
-    auto entered = co_await session.ask("CWD " + remote);
-    if (!entered) {
-        co_return tl::unexpected(entered.error());
+    auto exists = co_await client().session().folderExists(remote);
+    if (!exists) {
+        co_return tl::unexpected(exists.error());
     }
-    if (!entered->done()) {
+    if (!*exists) {
         leaveOut(remote, refusal(refused).value());
-        co_return Status {};
     }
-    auto returned = co_await session.ask("CWD " + back);
-    if (returned && !returned->done()) {
-        co_return co_await session.readFolder(); // we stand somewhere else now
-    }
-    co_return returned ? Status {} : Status(tl::unexpected(returned.error()));
+    co_return Status {};
 }
 
 /// All folders before the first file, many commands at a time: parents come first, and a server
