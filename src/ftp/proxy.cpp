@@ -26,6 +26,22 @@ Awaitable<Status> readExactly(Stream &stream, unsigned char *buffer, std::size_t
     co_return Status {};
 }
 
+/// Sends a request and reads the part of the answer that always has the same length.
+template <std::size_t Size>
+Awaitable<Result<std::array<unsigned char, Size>>> exchange(Stream &stream, std::string request,
+                                                            Milliseconds limit)
+{
+    Status step = co_await stream.write(request, limit);
+    std::array<unsigned char, Size> answer {};
+    if (step) {
+        step = co_await readExactly(stream, answer.data(), answer.size(), limit);
+    }
+    if (!step) {
+        co_return tl::unexpected(step.error());
+    }
+    co_return answer;
+}
+
 std::string portBytes(std::uint16_t port)
 {
     return { static_cast<char>(port >> 8), static_cast<char>(port & 0xFF) };
@@ -58,16 +74,12 @@ Awaitable<Status> socks4(Stream &stream, const Proxy &proxy, std::string host, s
         name = host + '\0';
     }
     request += proxy.user + '\0' + name;
-    Status sent = co_await stream.write(request, limit);
-    if (!sent) {
-        co_return sent;
+    auto answer = co_await exchange<8>(stream, std::move(request), limit);
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
     }
-    std::array<unsigned char, 8> answer {};
-    Status read = co_await readExactly(stream, answer.data(), answer.size(), limit);
-    if (!read) {
-        co_return read;
-    }
-    co_return answer[1] == 0x5A ? Status {} : Status(rejected(answer[1]));
+    const int code = (*answer)[1];
+    co_return code == 0x5A ? Status {} : Status(rejected(code));
 }
 
 Awaitable<Status> socks5Login(Stream &stream, const Proxy &proxy, Milliseconds limit)
@@ -77,16 +89,11 @@ Awaitable<Status> socks5Login(Stream &stream, const Proxy &proxy, Milliseconds l
     login += proxy.user;
     login += static_cast<char>(proxy.password.size());
     login += proxy.password;
-    Status sent = co_await stream.write(login, limit);
-    if (!sent) {
-        co_return sent;
+    auto answer = co_await exchange<2>(stream, std::move(login), limit);
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
     }
-    std::array<unsigned char, 2> answer {};
-    Status read = co_await readExactly(stream, answer.data(), answer.size(), limit);
-    if (!read) {
-        co_return read;
-    }
-    co_return answer[1] == 0
+    co_return (*answer)[1] == 0
         ? Status {}
         : Status(fail(ErrorKind::Proxy, "SOCKS proxy: user or password refused"));
 }
@@ -107,62 +114,56 @@ Awaitable<Status> skipAddress(Stream &stream, unsigned char kind, Milliseconds l
     co_return co_await readExactly(stream, rest.data(), rest.size(), limit);
 }
 
+/// A host as a SOCKS5 request names it: kind and bytes.
+std::string socks5Address(const std::string &host)
+{
+    std::error_code notLiteral;
+    const auto literal = asio::ip::make_address(host, notLiteral);
+    if (notLiteral) {
+        return std::string("\x03") + static_cast<char>(host.size()) + host;
+    }
+    std::string address(1, literal.is_v4() ? '\x01' : '\x04');
+    if (literal.is_v4()) {
+        const auto bytes = literal.to_v4().to_bytes();
+        address.append(bytes.begin(), bytes.end());
+    } else {
+        const auto bytes = literal.to_v6().to_bytes();
+        address.append(bytes.begin(), bytes.end());
+    }
+    return address;
+}
+
 Awaitable<Status> socks5(Stream &stream, const Proxy &proxy, std::string host, std::uint16_t port,
                          Milliseconds limit)
 {
     if (host.size() > 255 || proxy.user.size() > 255 || proxy.password.size() > 255) {
         co_return fail(ErrorKind::BadArgument, "SOCKS proxy: name too long");
     }
-    const std::string greeting
+    std::string greeting
         = proxy.user.empty() ? std::string("\x05\x01\x00", 3) : std::string("\x05\x02\x00\x02", 4);
-    Status sent = co_await stream.write(greeting, limit);
-    if (!sent) {
-        co_return sent;
+    auto method = co_await exchange<2>(stream, std::move(greeting), limit);
+    if (!method) {
+        co_return tl::unexpected(method.error());
     }
-    std::array<unsigned char, 2> method {};
-    Status read = co_await readExactly(stream, method.data(), method.size(), limit);
-    if (!read) {
-        co_return read;
-    }
-    if (method[0] != 5 || (method[1] != 0 && method[1] != 2)) {
+    const auto [version, way] = *method;
+    if (version != 5 || (way != 0 && way != 2)) {
         co_return fail(ErrorKind::Proxy, "SOCKS proxy: no acceptable login method");
     }
-    if (method[1] == 2) {
+    if (way == 2) {
         Status login = co_await socks5Login(stream, proxy, limit);
         if (!login) {
             co_return login;
         }
     }
-    std::string request("\x05\x01\x00", 3);
-    std::error_code notLiteral;
-    const auto literal = asio::ip::make_address(host, notLiteral);
-    if (notLiteral) {
-        request += '\x03';
-        request += static_cast<char>(host.size());
-        request += host;
-    } else if (literal.is_v4()) {
-        const auto bytes = literal.to_v4().to_bytes();
-        request += '\x01';
-        request.append(bytes.begin(), bytes.end());
-    } else {
-        const auto bytes = literal.to_v6().to_bytes();
-        request += '\x04';
-        request.append(bytes.begin(), bytes.end());
+    std::string request = std::string("\x05\x01\x00", 3) + socks5Address(host) + portBytes(port);
+    auto answer = co_await exchange<4>(stream, std::move(request), limit);
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
     }
-    request += portBytes(port);
-    sent = co_await stream.write(request, limit);
-    if (!sent) {
-        co_return sent;
+    if ((*answer)[1] != 0) {
+        co_return rejected((*answer)[1]);
     }
-    std::array<unsigned char, 4> answer {};
-    read = co_await readExactly(stream, answer.data(), answer.size(), limit);
-    if (!read) {
-        co_return read;
-    }
-    if (answer[1] != 0) {
-        co_return rejected(answer[1]);
-    }
-    co_return co_await skipAddress(stream, answer[3], limit);
+    co_return co_await skipAddress(stream, (*answer)[3], limit);
 }
 
 } // namespace
