@@ -167,11 +167,6 @@ void SettingsStore::setInteger(const QString &section, const QString &key, int v
     setText(section, key, QString::number(value));
 }
 
-void SettingsStore::setBoolean(const QString &section, const QString &key, bool value)
-{
-    setText(section, key, fromBoolean(value));
-}
-
 void SettingsStore::setBytes(const QString &section, const QString &key, const QByteArray &value)
 {
     m_settings->setValue(path(section, key), value);

@@ -70,7 +70,6 @@ public:
 
     void setText(const QString &section, const QString &key, const QString &value);
     void setInteger(const QString &section, const QString &key, int value);
-    void setBoolean(const QString &section, const QString &key, bool value);
     void setBytes(const QString &section, const QString &key, const QByteArray &value);
 
     /// Sets the values one after the other and writes the file.

@@ -43,8 +43,7 @@ void resolve(LookUp &result, const std::string &host, std::uint16_t port)
     ::freeaddrinfo(list);
 }
 
-} // namespace
-
+/// A failed look-up as the program describes it. @param code  of getaddrinfo
 Error lookUpError(int code, const std::string &host)
 {
     const bool unknown = code == EAI_NONAME || code == EAI_NODATA || code == EAI_ADDRFAMILY
@@ -64,35 +63,28 @@ Error lookUpError(int code, const std::string &host)
     return { ErrorKind::UnknownHost, 0, text };
 }
 
-Awaitable<Result<Endpoints>> lookUp(Stream &stream, std::string host, std::uint16_t port,
-                                    Milliseconds limit)
+/// A look-up on its way; it outlives who waits for it.
+struct Wait {
+    explicit Wait(const asio::any_io_executor &on)
+        : timer(on)
+    {
+    }
+    ~Wait()
+    {
+        if (thread.joinable()) {
+            thread.detach(); // nobody waited to the end
+        }
+    }
+    asio::steady_timer timer;
+    std::thread thread;
+    LookUp result;
+    bool done = false;
+};
+
+/// getaddrinfo cannot be interrupted: its thread owns what it touches and may outlive us.
+std::shared_ptr<Wait> begin(const asio::any_io_executor &executor, const std::string &host,
+                            std::uint16_t port)
 {
-    const asio::any_io_executor executor = stream.executor();
-    std::error_code notLiteral;
-    const auto literal = asio::ip::make_address(host, notLiteral);
-    if (!notLiteral) {
-        co_return Endpoints { asio::ip::tcp::endpoint(literal, port) };
-    }
-    if (host.empty()) {
-        co_return tl::unexpected(lookUpError(EAI_NONAME, host));
-    }
-    // getaddrinfo cannot be interrupted: the thread owns what it touches and may outlive us.
-    struct Wait {
-        explicit Wait(const asio::any_io_executor &on)
-            : timer(on)
-        {
-        }
-        ~Wait()
-        {
-            if (thread.joinable()) {
-                thread.detach(); // nobody waited to the end
-            }
-        }
-        asio::steady_timer timer;
-        std::thread thread;
-        LookUp result;
-        bool done = false;
-    };
     auto wait = std::make_shared<Wait>(executor);
     auto keepsContextBusy = asio::prefer(executor, asio::execution::outstanding_work.tracked);
     wait->thread = std::thread([wait, host, port, keepsContextBusy]() mutable {
@@ -104,6 +96,23 @@ Awaitable<Result<Endpoints>> lookUp(Stream &stream, std::string host, std::uint1
             wait->timer.cancel();
         });
     });
+    return wait;
+}
+
+} // namespace
+
+Awaitable<Result<Endpoints>> lookUp(Stream &stream, std::string host, std::uint16_t port,
+                                    Milliseconds limit)
+{
+    std::error_code notLiteral;
+    const auto literal = asio::ip::make_address(host, notLiteral);
+    if (!notLiteral) {
+        co_return Endpoints { asio::ip::tcp::endpoint(literal, port) };
+    }
+    if (host.empty()) {
+        co_return tl::unexpected(lookUpError(EAI_NONAME, host));
+    }
+    const auto wait = begin(stream.executor(), host, port);
     const auto end = std::chrono::steady_clock::now() + limit;
     while (!wait->done && !stream.aborted() && std::chrono::steady_clock::now() < end) {
         wait->timer.expires_at(std::min(std::chrono::steady_clock::now() + abortSeenWithin, end));

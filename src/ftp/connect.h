@@ -12,9 +12,6 @@ namespace ftp {
 Awaitable<Result<std::vector<asio::ip::tcp::endpoint>>>
 lookUp(Stream &stream, std::string host, std::uint16_t port, Milliseconds limit);
 
-/// A failed look-up as the program describes it. @param code  of getaddrinfo
-[[nodiscard]] Error lookUpError(int code, const std::string &host);
-
 /// A TCP connection to host and port, directly or through a SOCKS proxy; the addresses of a name
 /// are tried one after the other and only the last failure counts.
 Awaitable<Status> connectTo(Stream &stream, std::string host, std::uint16_t port,

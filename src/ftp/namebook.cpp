@@ -23,6 +23,7 @@ void NameBook::learn(std::string_view raw)
     }
 }
 
+/// UTF-8 form of a name that the server told.
 std::string NameBook::decode(std::string_view folder, std::string_view raw)
 {
     if (isAscii(raw)) {

@@ -13,10 +13,8 @@ public:
     /// The server announced UTF-8 (RFC 2640).
     void setUtf8Announced(bool announced) { m_announced = announced; }
 
-    /// UTF-8 form of a name that the server told. @param folder  its folder, UTF-8, with or without
-    /// a "/" at the end
-    std::string decode(std::string_view folder, std::string_view raw);
-    /// Keeps the raw bytes of a name under the text that it is shown with.
+    /// Keeps the raw bytes of a name under the text that it is shown with. @param folder  its
+    /// folder, UTF-8, with or without a "/" at the end
     void keep(std::string_view folder, std::string_view name, std::string_view raw);
     /// UTF-8 form of a path that the server told.
     std::string decodePath(std::string_view raw);
@@ -27,9 +25,10 @@ public:
 
 private:
     void learn(std::string_view raw);
+    std::string decode(std::string_view folder, std::string_view raw);
 
-    std::map<std::string, std::string, std::less<>>
-        m_raw; ///< UTF-8 path -> raw name, odd names only
+    /// UTF-8 path -> raw name, odd names only.
+    std::map<std::string, std::string, std::less<>> m_raw;
     bool m_announced = false;
     bool m_sawUtf8 = false, m_sawOther = false;
 };

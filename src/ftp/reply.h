@@ -15,7 +15,6 @@ struct Reply {
 
     [[nodiscard]] bool preliminary() const { return code / 100 == 1; }
     [[nodiscard]] bool done() const { return code / 100 == 2; }
-    [[nodiscard]] bool wantsMore() const { return code / 100 == 3; }
     [[nodiscard]] bool refused() const { return code >= 400; }
     /// All lines joined by CR LF, without one at the end.
     [[nodiscard]] std::string text() const;

@@ -9,6 +9,33 @@
 #include <sys/socket.h>
 
 namespace ftp {
+namespace {
+
+/// An error of the system as the program describes it.
+Error systemError(int code)
+{
+    switch (code) {
+    case ECONNREFUSED:
+        return { ErrorKind::ConnectRefused, 0, "Connection refused" };
+    case ETIMEDOUT:
+        return { ErrorKind::Timeout, 0, "Connection timed out" };
+    case ECONNRESET:
+    case ENOTCONN:
+    case EPIPE:
+        return { ErrorKind::ConnectionClosed, 0, "Connection closed by server" };
+    default:
+        return { ErrorKind::Unreachable, 0, std::strerror(code) };
+    }
+}
+
+/// The line ended without close_notify.
+bool endedUnannounced(int why)
+{
+    return why == SSL_ERROR_SSL
+        && ERR_GET_REASON(ERR_peek_last_error()) == SSL_R_UNEXPECTED_EOF_WHILE_READING;
+}
+
+} // namespace
 
 Deadline::Deadline(const asio::any_io_executor &executor, asio::ip::tcp::socket &socket)
     : m_state(std::make_shared<State>(executor))
@@ -63,26 +90,6 @@ void Deadline::stop()
     m_state->timer.cancel();
 }
 
-Error systemError(int code)
-{
-    switch (code) {
-    case ECONNREFUSED:
-        return { ErrorKind::ConnectRefused, 0, "Connection refused" };
-    case ETIMEDOUT:
-        return { ErrorKind::Timeout, 0, "Connection timed out" };
-    case ECONNRESET:
-    case ENOTCONN:
-    case EPIPE:
-        return { ErrorKind::ConnectionClosed, 0, "Connection closed by server" };
-    case EHOSTUNREACH:
-    case ENETUNREACH:
-    case ENETDOWN:
-        return { ErrorKind::Unreachable, 0, std::strerror(code) };
-    default:
-        return { ErrorKind::Unreachable, 0, std::strerror(code) };
-    }
-}
-
 Stream::Stream(const asio::any_io_executor &executor)
     : m_executor(executor)
     , m_socket(executor)
@@ -104,30 +111,13 @@ tl::unexpected<Error> Stream::socketError(int code) const
     return tl::unexpected<Error>(systemError(code));
 }
 
-Awaitable<Status> Stream::waitReadable(Milliseconds limit)
+Awaitable<Status> Stream::wait(Readiness wanted, Deadline &deadline, Milliseconds limit)
 {
     std::error_code error;
-    m_readLimit.arm(limit);
-    co_await m_socket.async_wait(asio::ip::tcp::socket::wait_read,
-                                 asio::redirect_error(asio::use_awaitable, error));
-    m_readLimit.disarm();
-    if (m_readLimit.expired()) {
-        co_return fail(ErrorKind::Timeout, "Connection timed out");
-    }
-    if (error) {
-        co_return socketError(error == asio::error::operation_aborted ? ECONNRESET : error.value());
-    }
-    co_return Status {};
-}
-
-Awaitable<Status> Stream::waitWritable(Milliseconds limit)
-{
-    std::error_code error;
-    m_writeLimit.arm(limit);
-    co_await m_socket.async_wait(asio::ip::tcp::socket::wait_write,
-                                 asio::redirect_error(asio::use_awaitable, error));
-    m_writeLimit.disarm();
-    if (m_writeLimit.expired()) {
+    deadline.arm(limit);
+    co_await m_socket.async_wait(wanted, asio::redirect_error(asio::use_awaitable, error));
+    deadline.disarm();
+    if (deadline.expired()) {
         co_return fail(ErrorKind::Timeout, "Connection timed out");
     }
     if (error) {
@@ -189,24 +179,30 @@ Status Stream::adopt(asio::ip::tcp::socket socket)
 
 Awaitable<Result<std::size_t>> Stream::readSome(char *buffer, std::size_t size, Milliseconds limit)
 {
-    for (;;) {
-        if (m_aborted || !m_socket.is_open()) {
-            co_return socketError(ECONNRESET);
+    return m_ssl ? readTls(buffer, size, limit) : readPlain(buffer, size, limit);
+}
+
+Awaitable<Result<std::size_t>> Stream::readPlain(char *buffer, std::size_t size, Milliseconds limit)
+{
+    while (usable()) {
+        const ssize_t count = ::recv(m_socket.native_handle(), buffer, size, MSG_DONTWAIT);
+        if (count >= 0) {
+            co_return static_cast<std::size_t>(count);
         }
-        if (!m_ssl) {
-            const ssize_t count = ::recv(m_socket.native_handle(), buffer, size, MSG_DONTWAIT);
-            if (count >= 0) {
-                co_return static_cast<std::size_t>(count);
-            }
-            if (errno != EAGAIN && errno != EINTR) {
-                co_return socketError(errno);
-            }
-            Status ready = co_await waitReadable(limit);
-            if (!ready) {
-                co_return tl::unexpected(ready.error());
-            }
-            continue;
+        if (errno != EAGAIN && errno != EINTR) {
+            co_return socketError(errno);
         }
+        Status ready = co_await waitReadable(limit);
+        if (!ready) {
+            co_return tl::unexpected(ready.error());
+        }
+    }
+    co_return socketError(ECONNRESET);
+}
+
+Awaitable<Result<std::size_t>> Stream::readTls(char *buffer, std::size_t size, Milliseconds limit)
+{
+    while (usable()) {
         ERR_clear_error();
         std::size_t count = 0;
         const int result = SSL_read_ex(m_ssl.get(), buffer, size, &count);
@@ -216,42 +212,52 @@ Awaitable<Result<std::size_t>> Stream::readSome(char *buffer, std::size_t size, 
         const int why = SSL_get_error(m_ssl.get(), result);
         if (why == SSL_ERROR_ZERO_RETURN) {
             m_closeNotify = true;
-            co_return std::size_t { 0 };
         }
-        if (why == SSL_ERROR_SSL
-            && ERR_GET_REASON(ERR_peek_last_error()) == SSL_R_UNEXPECTED_EOF_WHILE_READING) {
-            co_return std::size_t {
-                0
-            }; // ended without close_notify: the caller decides what that means
+        // What an end without notice means the caller decides.
+        if (why == SSL_ERROR_ZERO_RETURN || endedUnannounced(why)) {
+            co_return std::size_t { 0 };
         }
         Status ready = co_await waitForTls(result, limit);
         if (!ready) {
             co_return tl::unexpected(ready.error());
         }
     }
+    co_return socketError(ECONNRESET);
 }
 
 Awaitable<Status> Stream::write(std::string_view bytes, Milliseconds limit)
 {
+    return m_ssl ? writeTls(bytes, limit) : writePlain(bytes, limit);
+}
+
+Awaitable<Status> Stream::writePlain(std::string_view bytes, Milliseconds limit)
+{
     while (!bytes.empty()) {
-        if (m_aborted || !m_socket.is_open()) {
+        if (!usable()) {
             co_return socketError(ECONNRESET);
         }
-        if (!m_ssl) {
-            const ssize_t count = ::send(m_socket.native_handle(), bytes.data(), bytes.size(),
-                                         MSG_DONTWAIT | MSG_NOSIGNAL);
-            if (count >= 0) {
-                bytes.remove_prefix(static_cast<std::size_t>(count));
-                continue;
-            }
-            if (errno != EAGAIN && errno != EINTR) {
-                co_return socketError(errno);
-            }
-            Status ready = co_await waitWritable(limit);
-            if (!ready) {
-                co_return ready;
-            }
+        const ssize_t count = ::send(m_socket.native_handle(), bytes.data(), bytes.size(),
+                                     MSG_DONTWAIT | MSG_NOSIGNAL);
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
             continue;
+        }
+        if (errno != EAGAIN && errno != EINTR) {
+            co_return socketError(errno);
+        }
+        Status ready = co_await waitWritable(limit);
+        if (!ready) {
+            co_return ready;
+        }
+    }
+    co_return Status {};
+}
+
+Awaitable<Status> Stream::writeTls(std::string_view bytes, Milliseconds limit)
+{
+    while (!bytes.empty()) {
+        if (!usable()) {
+            co_return socketError(ECONNRESET);
         }
         ERR_clear_error();
         std::size_t count = 0;

@@ -71,9 +71,9 @@ public:
     Awaitable<Status> finishConnect(Milliseconds limit);
     /// Takes over an accepted connection.
     Status adopt(asio::ip::tcp::socket socket);
-    /// Client handshake. @param role  a control connection leaves its session in the context, a
-    /// data
-    ///                                connection resumes it
+    /// Client handshake.
+    /// @param role  a control connection leaves its session in the context, a data connection
+    ///              resumes it
     enum class TlsRole { Control, Data };
     Awaitable<Status> startTls(TlsContext &context, std::string host, TlsRole role,
                                Milliseconds limit);
@@ -89,10 +89,22 @@ public:
     void abort();
     [[nodiscard]] bool aborted() const { return m_aborted; }
 
-    Awaitable<Status> waitReadable(Milliseconds limit);
-    Awaitable<Status> waitWritable(Milliseconds limit);
-
 private:
+    [[nodiscard]] bool usable() const { return !m_aborted && m_socket.is_open(); }
+    using Readiness = asio::ip::tcp::socket::wait_type;
+    Awaitable<Status> wait(Readiness wanted, Deadline &deadline, Milliseconds limit);
+    Awaitable<Status> waitReadable(Milliseconds limit)
+    {
+        return wait(Readiness::wait_read, m_readLimit, limit);
+    }
+    Awaitable<Status> waitWritable(Milliseconds limit)
+    {
+        return wait(Readiness::wait_write, m_writeLimit, limit);
+    }
+    Awaitable<Result<std::size_t>> readPlain(char *buffer, std::size_t size, Milliseconds limit);
+    Awaitable<Result<std::size_t>> readTls(char *buffer, std::size_t size, Milliseconds limit);
+    Awaitable<Status> writePlain(std::string_view bytes, Milliseconds limit);
+    Awaitable<Status> writeTls(std::string_view bytes, Milliseconds limit);
     /// Waits for what OpenSSL asked for. @param result  what the OpenSSL call returned
     Awaitable<Status> waitForTls(int result, Milliseconds limit);
     [[nodiscard]] tl::unexpected<Error> socketError(int code) const;
@@ -104,8 +116,5 @@ private:
     bool m_aborted = false;
     bool m_closeNotify = false;
 };
-
-/// An error of the system as the program describes it.
-[[nodiscard]] Error systemError(int code);
 
 } // namespace ftp

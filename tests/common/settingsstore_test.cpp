@@ -134,8 +134,8 @@ TEST_F(Store, NumbersAndTruthValuesAreStoredAsWords)
 {
     SettingsStore store(file);
     store.setInteger(u"Settings"_s, u"Timeout"_s, 45);
-    store.setBoolean(u"Properties"_s, u"LogName"_s, true);
-    store.setBoolean(u"Properties"_s, u"ErrorMsg"_s, false);
+    store.setText(u"Properties"_s, u"LogName"_s, SettingsStore::fromBoolean(true));
+    store.setText(u"Properties"_s, u"ErrorMsg"_s, SettingsStore::fromBoolean(false));
     ASSERT_TRUE(store.sync());
     EXPECT_TRUE(bytes().contains("\nTimeout=45\n"));
     EXPECT_TRUE(bytes().contains("\nLogName=True\n"));

@@ -89,12 +89,12 @@ TEST(Reply, IsDecidedByItsFirstDigit)
     const auto kinds = [](int code) {
         const Reply reply { code, {} };
         return std::string() + (reply.preliminary() ? "p" : "") + (reply.done() ? "d" : "")
-            + (reply.wantsMore() ? "m" : "") + (reply.refused() ? "r" : "");
+            + (reply.refused() ? "r" : "");
     };
     EXPECT_EQ(kinds(120), "p");
     EXPECT_EQ(kinds(150), "p");
     EXPECT_EQ(kinds(231), "d");
-    EXPECT_EQ(kinds(331), "m");
+    EXPECT_EQ(kinds(331), "");
     EXPECT_EQ(kinds(421), "r");
     EXPECT_EQ(kinds(553), "r");
     EXPECT_EQ(kinds(632), "r");
