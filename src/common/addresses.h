@@ -17,8 +17,8 @@ struct Addresses {
 /// What reading the address files gave.
 struct AddressesRead {
     Addresses addresses;
-    QStringList
-        problems; ///< one German sentence per value that was refused; empty when all is well
+    /// One German sentence per value that was refused; empty when all is well.
+    QStringList problems;
 };
 
 /// Reads address files (INI, group "Addresses", keys HomePage, SecondHomePage, Faq, Update,

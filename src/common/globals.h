@@ -10,8 +10,8 @@ struct ProgramSettings {
     bool ErrorMsg = false; ///< detailed English messages instead of short German ones
     QString HtmlRoot; ///< kept for the store only
     bool HiddenFile = false; ///< show hidden and system files in the local pane
-    int encryption
-        = 0; ///< 0 automatic, 1 always, 2 never (FtpEncryption); default for all profiles
+    /// 0 automatic, 1 always, 2 never (FtpEncryption); default for all profiles.
+    int encryption = 0;
     int connections = 4; ///< most parallel connections of a folder transfer
 };
 

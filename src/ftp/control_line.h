@@ -3,7 +3,6 @@
 #include "ftp/reply.h"
 #include "ftp/stream.h"
 
-#include <functional>
 #include <string>
 #include <string_view>
 

@@ -48,7 +48,7 @@ public:
     void jobDone();
     /// Something was brought to its end: a lost line is worth making again.
     void progressed() { m_fruitless = 0; }
-    /// A job was given back; somebody who waits may take it.
+    /// A job was given back; who waits looks whether it may take it.
     void jobReturned() { wakeAll(); }
     /// Waits until there may be something to take; now and then the server hears from the session
     /// meanwhile, which may turn out to be lost. @return false when all is done or stopped

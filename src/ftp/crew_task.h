@@ -35,8 +35,8 @@ struct Job {
     bool begun = false;
     std::optional<std::int64_t> before; ///< size of what stood at an upload's target; 0 nothing
     bool link = false;
-    std::shared_ptr<TreeListing>
-        machine; ///< what MLSD told of a folder, until LIST shows the links
+    /// What MLSD told of a folder, until LIST shows the links.
+    std::shared_ptr<TreeListing> machine;
     std::string real = {}; ///< where the server says that the listed folder is; empty = unknown
     bool plain = false; ///< to be listed without any option
     bool optionRefused = false; ///< that is because the server refused it

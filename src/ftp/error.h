@@ -36,8 +36,8 @@ enum class ErrorKind {
 struct Error {
     ErrorKind kind = ErrorKind::Protocol;
     int replyCode = 0; ///< the server's reply code, 0 when no reply is involved
-    std::string
-        text; ///< the server's reply lines (joined by CR LF) or a text of our own, never empty
+    /// The server's reply lines (joined by CR LF) or a text of our own, never empty.
+    std::string text;
 };
 
 /// The server refuses whenever it is asked (5xx).

@@ -19,8 +19,8 @@ struct Features {
     bool epsv = false;
     bool authTls = false; ///< AUTH TLS, TLS-C or SSL
     bool tvfs = false; ///< paths with "/" (RFC 3659, section 6)
-    std::vector<std::string>
-        mlstFacts; ///< facts of the MLST line, lower case, without the mark "*"
+    /// Facts of the MLST line, lower case, without the mark "*".
+    std::vector<std::string> mlstFacts;
 
     /// Whether MLSD can tell the permissions.
     [[nodiscard]] bool mlstUnixMode() const;

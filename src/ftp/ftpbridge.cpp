@@ -10,6 +10,9 @@
 #include <asio/redirect_error.hpp>
 #include <asio/use_awaitable.hpp>
 
+static_assert(static_cast<int>(FtpTrust::Once) == static_cast<int>(ftp::Trust::Once)
+              && static_cast<int>(FtpTrust::Always) == static_cast<int>(ftp::Trust::Always));
+
 void FtpBridge::post(std::function<void()> work)
 {
     const std::lock_guard lock(m_mutex);

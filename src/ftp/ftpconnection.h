@@ -4,8 +4,8 @@
 
 /// Proxy or firewall between us and the server; the types are those of ConnectionProfile.
 struct FtpProxy {
-    int type
-        = 0; ///< 0 none, 1 SOCKS4, 2 SOCKS5, 3 SITE, 4 user login, 5 user no login, 6 OPEN, 7 pipe
+    /// 0 none, 1 SOCKS4, 2 SOCKS5, 3 SITE, 4 user login, 5 user no login, 6 OPEN, 7 pipe.
+    int type = 0;
     QString host, user, password;
     int port = 0;
 };
@@ -21,8 +21,8 @@ public:
     virtual void setPassiveMode(bool passive) = 0;
     virtual void setProxy(const FtpProxy &proxy) = 0; ///< used by the next connect
     virtual void setEncryption(FtpEncryption encryption) = 0; ///< used by the next connect
-    virtual void setSessionLimit(int sessions)
-        = 0; ///< most connections of a folder transfer, 1 or more
+    /// Most connections of a folder transfer, 1 or more.
+    virtual void setSessionLimit(int sessions) = 0;
 
     virtual FtpStatus connectAndLogin(const QString &server, const QString &user,
                                       const QString &password, const QString &account, int port)

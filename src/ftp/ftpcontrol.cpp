@@ -11,6 +11,10 @@ using ftp::ErrorKind;
 
 namespace {
 
+static_assert(static_cast<int>(FtpEncryption::Never) == static_cast<int>(ftp::Encryption::Never)
+              && static_cast<int>(FtpEncryption::Always)
+                  == static_cast<int>(ftp::Encryption::Always));
+
 /// Stands for "no limit": long enough for anybody, short enough to be added to any point in time.
 constexpr ftp::Milliseconds noLimit = std::chrono::hours(24 * 365);
 

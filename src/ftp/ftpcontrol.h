@@ -2,7 +2,6 @@
 
 #include "ftp/ftpconnection.h"
 
-#include <QByteArray>
 #include <QObject>
 #include <QString>
 #include <functional>
@@ -32,65 +31,48 @@ public:
     explicit FtpControl(QObject *parent = nullptr);
     ~FtpControl() override;
 
-    [[nodiscard]] int state() const override; ///< Connected only when logged in
-    [[nodiscard]] bool isBusy() const override; ///< an operation runs
+    [[nodiscard]] int state() const override;
+    [[nodiscard]] bool isBusy() const override;
 
-    void setTimeout(int milliseconds) override; ///< limit of inactivity for each wait; 0 = none
+    void setTimeout(int milliseconds) override;
     void setPassiveMode(bool passive) override;
-    void
-    setTransferType(int type) override; ///< FtpTransferType, used by the next transfer or listing
+    void setTransferType(int type) override;
     [[nodiscard]] int transferType() const override;
-    void setStoreMode(int mode) override; ///< FtpStoreMode, used by the next put
-    void setProxy(const FtpProxy &proxy) override; ///< used by the next connect
-    void setEncryption(FtpEncryption encryption) override; ///< used by the next connect
-    void
-    setSessionLimit(int sessions) override; ///< most connections of a folder transfer, 1 or more
+    void setStoreMode(int mode) override;
+    void setProxy(const FtpProxy &proxy) override;
+    void setEncryption(FtpEncryption encryption) override;
+    void setSessionLimit(int sessions) override;
     void setTrustFile(const QString &path); ///< where trusted certificates are kept
     /// Asked on this thread when a certificate is not trusted; without a question it is rejected.
     void setCertificateQuestion(std::function<FtpTrust(const FtpCertificate &)> question);
 
     FtpStatus connectAndLogin(const QString &server, const QString &user, const QString &password,
                               const QString &account, int port) override;
-    /// Ends the session politely; the state is Closed afterwards unless an error is returned.
     FtpStatus logout() override;
     FtpStatus drop() override;
-    /// Drops the connection at once, also from inside a running operation, which then fails with
-    /// ErrorKind::Aborted. Never fails.
     void close() override;
 
-    /// Whether transfers may be restarted at an offset; asked from the server once per session.
     FtpResult<bool> resumeSupport() override;
-    /// The server's working folder as last told by it.
     [[nodiscard]] QString currentFolder() const override;
     FtpStatus setCurrentFolder(const QString &folder) override;
     FtpStatus changeToParentFolder() override;
 
-    /// Lists the current folder; the result is in listing().
     FtpStatus list() override;
     [[nodiscard]] const RemoteListing &listing() const override;
 
-    /// Fetches a file from a restart offset.
-    /// @param offset  bytes of localPath to keep; set to 0 when the engine had to start from the
-    ///                beginning. A refused get leaves localPath as it was.
     FtpStatus getFile(const QString &remotePath, const QString &localPath, qint64 &offset) override;
-    /// Stores a file from a restart offset (only with StoreContinue).
     FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset) override;
     FtpStatus getFiles(const QList<FtpFile> &files, const FtpFileDone &done) override;
     FtpStatus putFiles(const QList<FtpFile> &files, const FtpFileDone &done) override;
-    /// Fetches a folder tree. @param pattern  remote folder + "/*", perhaps in double quotes.
     FtpStatus getMultiple(const QString &pattern, const QString &localFolder) override;
-    /// Stores a folder tree. @param pattern  local folder + "/*", perhaps in double quotes.
     FtpStatus putMultiple(const QString &pattern, const QString &remoteFolder) override;
 
     FtpStatus makeFolder(const QString &name) override;
     FtpStatus removeFolder(const QString &path) override;
     FtpStatus deleteFile(const QString &path) override;
     FtpStatus rename(const QString &oldName, const QString &newName) override;
-    /// Sends one command line and waits for its reply.
     FtpStatus sendRaw(const QString &command) override;
 
-    /// Removes a remote folder and everything in it; links inside are left alone, and then the
-    /// folder that holds them stands and the call fails.
     FtpStatus removeTree(const QString &folder) override;
     FtpStatus removeFiles(const QStringList &paths, const FtpFileDone &done) override;
     FtpResult<FtpFolderContent>

@@ -4,7 +4,6 @@
 #include "ftp/text.h"
 
 #include <array>
-#include <cstdio>
 #include <ctime>
 
 QString ftpText(const std::string &raw) { return textOfName(ftp::toUtf8(raw)); }

@@ -12,7 +12,7 @@ struct FtpFile {
     QString remotePath, localPath;
 };
 
-/// Told the outcome of one file of a list, as soon as those of all earlier ones were told.
+/// Told the outcome of one file of a list.
 using FtpFileDone = std::function<void(qsizetype file, const FtpStatus &outcome)>;
 
 /// What panes, transfers and file operations ask of the session; FtpControl is the real one. The
@@ -25,7 +25,9 @@ public:
 
     [[nodiscard]] virtual int state() const = 0; ///< Connected only when logged in
     [[nodiscard]] virtual bool isBusy() const = 0; ///< an operation runs
-    virtual void close() = 0; ///< drops the connection at once
+    /// Drops the connection at once, also from inside a running operation, which then fails with
+    /// ErrorKind::Aborted.
+    virtual void close() = 0;
 
     virtual void setTransferType(int type) = 0; ///< FtpTransferType of the next transfer or listing
     [[nodiscard]] virtual int transferType() const = 0;
@@ -40,9 +42,12 @@ public:
     virtual FtpStatus list() = 0;
     [[nodiscard]] virtual const RemoteListing &listing() const = 0;
 
+    /// Fetches a file. A refused one leaves localPath as it was.
     /// @param offset  bytes of localPath to keep; 0 afterwards when the engine had to start anew
     virtual FtpStatus getFile(const QString &remotePath, const QString &localPath, qint64 &offset)
         = 0;
+    /// Stores a file.
+    /// @param offset  bytes of remotePath to keep, with StoreContinue only; as for getFile
     virtual FtpStatus putFile(const QString &localPath, const QString &remotePath, qint64 &offset)
         = 0;
     /// Whole files, existing ones being replaced, over as many sessions as a folder. Events and
@@ -52,18 +57,23 @@ public:
     /// @return why the list could not begin; failures of files are told by done alone
     virtual FtpStatus getFiles(const QList<FtpFile> &files, const FtpFileDone &done) = 0;
     virtual FtpStatus putFiles(const QList<FtpFile> &files, const FtpFileDone &done) = 0;
+    /// Fetches a folder tree. @param pattern  remote folder + "/*", perhaps in double quotes
     virtual FtpStatus getMultiple(const QString &pattern, const QString &localFolder) = 0;
+    /// Stores a folder tree. @param pattern  local folder + "/*", perhaps in double quotes
     virtual FtpStatus putMultiple(const QString &pattern, const QString &remoteFolder) = 0;
 
     virtual FtpStatus makeFolder(const QString &name) = 0;
     virtual FtpStatus removeFolder(const QString &path) = 0;
     virtual FtpStatus deleteFile(const QString &path) = 0;
     virtual FtpStatus rename(const QString &oldName, const QString &newName) = 0;
+    /// Sends one command line and waits for its reply.
     virtual FtpStatus sendRaw(const QString &command) = 0;
+    /// Removes a folder and everything in it; links inside are left alone, and then the folder that
+    /// holds them stands and the call fails.
     virtual FtpStatus removeTree(const QString &folder) = 0;
     /// Deletes single files, many in one round trip.
     /// @param done  called on the caller's thread and before the call returns, for every file that
-    ///              was tried
+    ///              was tried; not always in the list's order
     virtual FtpStatus removeFiles(const QStringList &paths, const FtpFileDone &done) = 0;
 
     /// Counts what stands inside folders; links are not followed.

@@ -5,7 +5,6 @@
 #include <QList>
 #include <QMetaType>
 #include <QString>
-#include <functional>
 #include <optional>
 
 /// Transfer types as the program codes them in memory and in the settings.

@@ -38,8 +38,8 @@ Awaitable<void> IdleWatch::stop()
         co_return;
     }
     m_stopping = true;
-    if (!m_asking) { // a keep-alive's reply must be read, or the next command would take it for its
-                     // own
+    // A keep-alive's reply must be read, or the next command would take it for its own.
+    if (!m_asking) {
         std::error_code ignored; // a socket that cannot be cancelled has nobody waiting
         m_session.line().stream().socket().cancel(ignored);
     }
@@ -102,8 +102,8 @@ Awaitable<Status> IdleWatch::watch()
             alive = said ? Status {} : Status(tl::unexpected(said.error()));
         }
         if (!alive && m_stopping && !elapsed) {
-            co_return Status {}; // the reading was ended by stop(); a lost line shows in the next
-                                 // command
+            // The reading was ended by stop(); a lost line shows in the next command.
+            co_return Status {};
         }
         unasked = elapsed ? 0 : unasked + 1;
         if (alive && unasked > mostUnasked) {

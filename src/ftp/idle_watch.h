@@ -8,7 +8,8 @@
 
 namespace ftp {
 
-/// How often an idle line is kept alive: firewalls forget lines after some minutes.
+/// How often an idle line is kept alive: firewalls forget lines after some minutes. For a session
+/// that waits in the middle of work see LoginData::keepAlive.
 constexpr Milliseconds keepAliveEvery { 60000 };
 
 /// Looks after a session while nothing runs: notices at once when the server hangs up, and keeps

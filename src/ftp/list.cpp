@@ -1,6 +1,5 @@
 #include "ftp/transfer.h"
 
-#include <algorithm>
 #include <ctime>
 #include <utility>
 

@@ -17,8 +17,8 @@ struct Entry {
     /// How exactly the listing told the time.
     enum class Precision { Second, Minute, Day };
 
-    std::string
-        name; ///< raw bytes as received, to be sent back unchanged; never empty, may be unsafe
+    /// Raw bytes as received, to be sent back unchanged; never empty, may be unsafe.
+    std::string name;
     char type = '-'; ///< 'd' folder, 'l' link, '-' anything else
     std::int64_t size = 0; ///< bytes, 0 where the dialect gives none, saturated at 2^63-1
     std::optional<CivilTime> time; ///< as printed; nothing when absent or impossible

@@ -1,7 +1,6 @@
 #include "ftp/login.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 
 namespace ftp {

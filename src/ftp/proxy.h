@@ -7,8 +7,6 @@
 
 namespace ftp {
 
-struct ControlLine;
-
 /// Kinds of proxies and firewalls, as the settings number them.
 enum class ProxyKind {
     None = 0,

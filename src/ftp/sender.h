@@ -10,7 +10,7 @@
 
 namespace ftp {
 
-/// Wire form of a local file, by transfer type; empty for binary.
+/// Wire form of a local file, by transfer type; for binary the file as it is.
 class Sender {
 public:
     explicit Sender(Type type)

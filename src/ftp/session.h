@@ -68,8 +68,8 @@ struct ServerKnowledge {
     bool plainListOnly = false; ///< "LIST -a" was refused where "LIST" was not
     std::uint64_t packets = 0; ///< packets of commands sent, over all sessions
     std::optional<bool> restart; ///< transfers can be restarted at an offset
-    std::optional<std::int64_t>
-        zoneOffset; ///< seconds that the server's listing clock is ahead of UTC
+    /// Seconds that the server's listing clock is ahead of UTC.
+    std::optional<std::int64_t> zoneOffset;
 };
 
 /// Transfer types as the wire names them (RFC 959, section 3.1.1).
@@ -182,8 +182,8 @@ private:
     bool m_aborted = false;
 };
 
-/// The server's host name as typed by people: without blanks, "ftp://", trailing slashes
-/// and the brackets around an IPv6 address.
+/// The server's host name as typed by people: without blanks, "ftp://" or "ftpes://", trailing
+/// slashes and the brackets around an IPv6 address.
 [[nodiscard]] std::string cleanHost(std::string host);
 
 } // namespace ftp

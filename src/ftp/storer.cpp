@@ -228,7 +228,8 @@ Awaitable<Result<std::int64_t>> Storer::resumeOffset(Session &session, const Job
         co_return tl::unexpected(size.error());
     }
     const std::int64_t have = sizeOf(*size).value_or(0);
-    co_return have <= job.counted &&have != *job.before ? have : 0;
+    const bool ours = have <= job.counted && have != *job.before;
+    co_return ours ? have : 0;
 }
 
 Awaitable<Status> Storer::again(Session &session, Job &job)

@@ -1,7 +1,6 @@
 #include "ftp/text.h"
 
 #include <array>
-#include <cstdint>
 
 namespace ftp {
 namespace {
