@@ -72,6 +72,12 @@ constexpr Advice advices[] = {
     { ErrorKind::Truncated,
       u"Die Übertragung war nicht vollständig; bitte übertragen Sie die Datei noch "
       u"einmal." },
+    { ErrorKind::TooDeep,
+      u"Ordner sind zu tief ineinander verschachtelt; was in ihnen steht, wurde "
+      u"ausgelassen." },
+    { ErrorKind::RemoteLonger,
+      u"Bitte übertragen Sie die Datei von vorn, wenn die auf dem Server ersetzt werden "
+      u"soll." },
 };
 static_assert(std::size(advices) == static_cast<std::size_t>(ErrorKind::Aborted));
 
@@ -107,9 +113,6 @@ QString adviceFor(const FtpEvent &event)
     if (event.reason == ftp::ErrorKind::LocalFile && isOneOf(OpPutFile, OpPutMultiple)) {
         return u"Bitte prüfen Sie, ob Sie die Datei auf dem eigenen Computer lesen dürfen, ob es "
                "sie noch gibt und ob ein anderes Programm sie gerade ändert."_s;
-    }
-    if (event.reason == ftp::ErrorKind::Refused) {
-        return {}; // not by the server, whose reply would be the reason; the text says why
     }
     // 425: the server could not open the data connection.
     const bool blocked = event.text.startsWith("425"_L1);

@@ -27,6 +27,8 @@ enum class ErrorKind {
     LocalFile, ///< a local file or folder could not be read or written
     LocalDiskFull, ///< the local disk is full
     Truncated, ///< the transfer ended with fewer or more bytes than it should have
+    TooDeep, ///< folders are nested more deeply than this program goes
+    RemoteLonger, ///< what is to be continued on the server is longer than the local file
     Aborted, ///< the user aborted
     Busy, ///< another operation runs
     NotConnected, ///< no session stands

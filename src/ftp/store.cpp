@@ -92,7 +92,8 @@ Awaitable<Result<StorePlan>> plan(Session &session, const FileRequest &request,
     if (part->size.value_or(0) > file.size()) {
         session.note(
             "Die Datei auf dem Server ist größer als die lokale; sie bleibt, wie sie ist.");
-        co_return fail(ErrorKind::Refused, "The file on the server is longer than the local one");
+        co_return fail(ErrorKind::RemoteLonger,
+                       "The file on the server is longer than the local one");
     }
     if (part->size != request.offset) { // or it is gone
         session.note(

@@ -162,7 +162,7 @@ Awaitable<Status> TreePutter::survey(std::shared_ptr<const FolderPair> folder)
         }
         if (S_ISDIR(entry.st_mode)) {
             if (folder->depth >= deepest) {
-                leaveOut(path, { ErrorKind::LocalFile, 0, "Folders are nested too deeply" });
+                leaveOut(path, { ErrorKind::TooDeep, 0, "Folders are nested too deeply" });
                 continue;
             }
             auto below = std::make_shared<FolderPair>();

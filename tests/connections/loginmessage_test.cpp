@@ -89,12 +89,13 @@ TEST(Advice, EveryFailureHasOneSentenceOfItsOwn)
     using ftp::ErrorKind;
     QSet<QString> sentences;
     for (const ErrorKind kind :
-         { ErrorKind::Refused, ErrorKind::LoginRefused, ErrorKind::TooManyConnections,
-           ErrorKind::TlsRequired, ErrorKind::TlsFailed, ErrorKind::CertificateRejected,
-           ErrorKind::UnknownHost, ErrorKind::ConnectRefused, ErrorKind::Unreachable,
+         { ErrorKind::Refused,          ErrorKind::LoginRefused,   ErrorKind::TooManyConnections,
+           ErrorKind::TlsRequired,      ErrorKind::TlsFailed,      ErrorKind::CertificateRejected,
+           ErrorKind::UnknownHost,      ErrorKind::ConnectRefused, ErrorKind::Unreachable,
            ErrorKind::ConnectionClosed, ErrorKind::DataConnection, ErrorKind::Timeout,
-           ErrorKind::Protocol, ErrorKind::Proxy, ErrorKind::BadArgument, ErrorKind::UnsafeName,
-           ErrorKind::LocalFile, ErrorKind::LocalDiskFull, ErrorKind::Truncated }) {
+           ErrorKind::Protocol,         ErrorKind::Proxy,          ErrorKind::BadArgument,
+           ErrorKind::UnsafeName,       ErrorKind::LocalFile,      ErrorKind::LocalDiskFull,
+           ErrorKind::Truncated,        ErrorKind::TooDeep,        ErrorKind::RemoteLonger }) {
         const QString sentence = adviceFor(kind);
         EXPECT_TRUE(sentence.endsWith(u'.'));
         EXPECT_EQ(sentence.count(u'.'), 1) << sentence.toStdString();

@@ -237,7 +237,7 @@ TEST_F(Restart, ALongerFileOnTheServerStaysAsItIs)
     connected();
     const auto put = this->put("f", 20000);
     ASSERT_FALSE(put);
-    EXPECT_EQ(put.error().kind, ErrorKind::Refused);
+    EXPECT_EQ(put.error().kind, ErrorKind::RemoteLonger);
     EXPECT_EQ(stored("f"), longer);
     EXPECT_TRUE(noted("größer als die lokale"));
 }
