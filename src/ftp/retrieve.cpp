@@ -47,6 +47,64 @@ std::int64_t usableOffset(const FileRequest &request, const Session &session)
     return request.offset;
 }
 
+/// Where the file may be continued: what is here must be the beginning of what the server has.
+Awaitable<Result<std::int64_t>> startOffset(Session &session, const FileRequest &request,
+                                            std::int64_t wanted, const RemoteFacts &facts)
+{
+    if (wanted == 0) {
+        co_return 0;
+    }
+    if (facts.size && *facts.size < wanted) {
+        session.note("Die Datei auf dem Server ist kürzer geworden; sie wird von vorn übertragen.");
+        co_return 0;
+    }
+    const auto partTime = fileTime(request.localPath);
+    if (facts.modified && partTime && changedSince(*facts.modified, *partTime)) {
+        session.note(
+            "Die Datei auf dem Server wurde inzwischen geändert; sie wird von vorn übertragen.");
+        co_return 0;
+    }
+    auto restarted = co_await session.ask("REST " + std::to_string(wanted));
+    if (!restarted) {
+        co_return tl::unexpected(restarted.error());
+    }
+    if (restarted->code != 350) {
+        session.note(
+            "Der Server kann Dateien nicht fortsetzen; die Datei wird von vorn übertragen.");
+        co_return 0;
+    }
+    co_return wanted;
+}
+
+/// Brings what the server sends into the file.
+Awaitable<Status> receiveInto(IncomingFile &file, Session &session, DataConnection &data,
+                              const FileRequest &request, std::int64_t offset, ProgressMeter &meter)
+{
+    Status opened = file.open(request.localPath, offset);
+    if (!opened) {
+        co_return opened;
+    }
+    Receiver receiver(request.type);
+    Status received = co_await receiveAll(session, data, [&](std::string_view block) {
+        Status written = receiver.write(file, block);
+        meter.add(static_cast<std::int64_t>(block.size()));
+        return written;
+    });
+    co_return received ? receiver.finish(file) : received;
+}
+
+/// Whether the file is all there now.
+Status checkWhole(const Session &session, DataConnection &data, const FileRequest &request,
+                  std::int64_t offset, std::int64_t have, const RemoteFacts &facts)
+{
+    const auto size = request.type == Type::Binary ? facts.size : std::nullopt;
+    Status complete = checkComplete(session, have, size, data.stream().closeNotifyReceived());
+    if (complete && offset > 0 && size && have != *size) {
+        return fail(ErrorKind::Truncated, "The continued file does not have the server's size");
+    }
+    return complete;
+}
+
 } // namespace
 
 Awaitable<Result<std::int64_t>> retrieve(Session &session, FileRequest request)
@@ -55,7 +113,7 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, FileRequest request)
     if (const auto sendable = encodeCommand(command); !sendable) {
         co_return tl::unexpected(sendable.error());
     }
-    std::int64_t offset = usableOffset(request, session);
+    const std::int64_t wanted = usableOffset(request, session);
     Status typed = co_await session.setType(request.type);
     if (!typed) {
         co_return tl::unexpected(typed.error());
@@ -65,59 +123,25 @@ Awaitable<Result<std::int64_t>> retrieve(Session &session, FileRequest request)
     if (!facts) {
         co_return tl::unexpected(facts.error());
     }
-    if (facts->size && *facts->size < offset) {
-        session.note("Die Datei auf dem Server ist kürzer geworden; sie wird von vorn übertragen.");
-        offset = 0;
-    }
-    const auto partTime = fileTime(request.localPath);
-    if (offset > 0 && facts->modified && partTime && changedSince(*facts->modified, *partTime)) {
-        session.note(
-            "Die Datei auf dem Server wurde inzwischen geändert; sie wird von vorn übertragen.");
-        offset = 0;
-    }
-    if (offset > 0) {
-        auto restarted = co_await session.ask("REST " + std::to_string(offset));
-        if (!restarted) {
-            co_return tl::unexpected(restarted.error());
-        }
-        if (restarted->code != 350) {
-            session.note(
-                "Der Server kann Dateien nicht fortsetzen; die Datei wird von vorn übertragen.");
-            offset = 0;
-        }
+    auto offset = co_await startOffset(session, request, wanted, *facts);
+    if (!offset) {
+        co_return tl::unexpected(offset.error());
     }
     ProgressMeter meter(request.progress ? request.progress : sessionProgress(session),
-                        request.offset - offset);
+                        request.offset - *offset);
     meter.start();
     Status started = co_await startTransfer(session, data, command);
     if (!started && (started.error().kind == ErrorKind::Refused || !session.usable())) {
         co_return tl::unexpected(started.error());
     }
     IncomingFile file;
-    Receiver receiver(request.type);
     Status received = started;
     if (received) {
-        received = file.open(request.localPath, offset);
+        received = co_await receiveInto(file, session, data, request, *offset, meter);
     }
-    if (received) {
-        received = co_await receiveAll(session, data, [&](std::string_view block) {
-            Status written = receiver.write(file, block);
-            meter.add(static_cast<std::int64_t>(block.size()));
-            return written;
-        });
-    }
-    if (received) {
-        received = receiver.finish(file);
-    }
-    const bool properEnd = data.stream().closeNotifyReceived();
     Status finished = co_await finishTransfer(session, data, received, session.timeout());
-    if (finished && request.type == Type::Binary) {
-        finished = checkComplete(session, offset + meter.bytes(), facts->size, properEnd);
-    } else if (finished) {
-        finished = checkComplete(session, 0, std::nullopt, properEnd);
-    }
-    if (finished && offset > 0 && facts->size && offset + meter.bytes() != *facts->size) {
-        finished = fail(ErrorKind::Truncated, "The continued file does not have the server's size");
+    if (finished) {
+        finished = checkWhole(session, data, request, *offset, *offset + meter.bytes(), *facts);
     }
     if (finished) {
         finished = file.commit(facts->modified);
