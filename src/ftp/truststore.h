@@ -3,7 +3,9 @@
 #include "ftp/error.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ftp {
@@ -15,9 +17,16 @@ struct TrustedServer {
     std::string fingerprint; ///< SHA-256 of the certificate trusted by hand; empty = none
 };
 
+/// Reads the text of a trust store: a line for each server, with host, port and fingerprint or "-",
+/// separated by tabs. Lines that cannot be read are left out: at worst the question is asked once
+/// more.
+[[nodiscard]] std::vector<TrustedServer> parseTrust(std::string_view text);
+/// Writes it.
+[[nodiscard]] std::string formatTrust(const std::vector<TrustedServer> &servers);
+
 /// Servers that were seen with TLS, and certificates that the user trusted by hand. One text file,
-/// a line each: host, port, fingerprint or "-", separated by tabs; rewritten through a temporary
-/// file with mode 0600. An empty path keeps everything in memory only.
+/// rewritten through a temporary file with mode 0600. Several windows may have it open: each change
+/// is made to what the file holds just then. An empty path keeps everything in memory only.
 class TrustStore {
 public:
     explicit TrustStore(std::string path);
@@ -35,7 +44,9 @@ public:
 
 private:
     [[nodiscard]] const TrustedServer *find(const std::string &host, std::uint16_t port) const;
-    Status save() const;
+    void erase(const std::string &host, std::uint16_t port);
+    void load();
+    Status change(const std::function<void()> &edit);
 
     std::string m_path;
     std::vector<TrustedServer> m_servers;
