@@ -35,6 +35,10 @@ Awaitable<Status> sendAccount(Dialogue &dialogue, std::string account, Reply wan
     co_return answer->done() ? Status {} : Status(refusal(*answer));
 }
 
+/// What USER is answered with where no password is wanted. Anything else that sounds good answers
+/// another question, and a login without its password would be none.
+bool logsIn(int code) { return code == 230 || code == 231 || code == 202 || code == 232; }
+
 } // namespace
 
 Awaitable<Result<Reply>> readGreeting(Dialogue &dialogue)
@@ -58,6 +62,9 @@ Awaitable<Result<Reply>> askPastGreeting(Dialogue &dialogue, std::string command
 Awaitable<Status> loginAs(Dialogue &dialogue, std::string user, Credentials credentials)
 {
     auto answer = co_await askPastGreeting(dialogue, "USER " + user);
+    if (answer && answer->done() && !logsIn(answer->code)) {
+        co_return fail(ErrorKind::Protocol, "The server did not answer the login");
+    }
     if (answer && answer->code == 331) {
         answer = co_await dialogue.askSecretly("PASS ", credentials.password);
     }
@@ -74,6 +81,9 @@ Awaitable<Status> reachServer(Dialogue &dialogue, const Proxy &proxy, std::strin
                               std::uint16_t port)
 {
     const bool names = proxy.kind == ProxyKind::Site || proxy.kind == ProxyKind::Open;
+    if (proxy.kind != ProxyKind::Pipe && host.find(':') != std::string::npos) {
+        co_return fail(ErrorKind::Proxy, "This kind of proxy takes no IPv6 address");
+    }
     if (!proxy.user.empty() && proxy.kind != ProxyKind::UserNoLogin) {
         Credentials credentials { proxy.user, proxy.password, proxy.password };
         Status login = co_await loginAs(dialogue, proxy.user, credentials);

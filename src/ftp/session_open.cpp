@@ -110,7 +110,11 @@ Awaitable<Status> Session::logIn()
     }
     const std::string user
         = proxyUserName(proxy, m_login.credentials.user, m_login.host, m_login.port);
-    co_return co_await loginAs(*m_dialogue, user, m_login.credentials);
+    Credentials credentials = m_login.credentials;
+    if (proxy.application() && credentials.account.empty()) {
+        credentials.account = proxy.password; // who asks for it is the proxy, most likely
+    }
+    co_return co_await loginAs(*m_dialogue, user, credentials);
 }
 
 Awaitable<Status> Session::encrypt()
@@ -123,7 +127,8 @@ Awaitable<Status> Session::encrypt()
     if (!answer) {
         co_return tl::unexpected(answer.error());
     }
-    if (!answer->done()) {
+    // Any other reply, however good it sounds, does not begin a handshake (RFC 2228, section 5).
+    if (answer->code != 234 && answer->code != 334) {
         if (m_login.encryption == Encryption::Always) {
             // Without the reply in the text: its "530" would be taken for a wrong password.
             if (m_hooks.reply) {
@@ -213,7 +218,7 @@ Status Session::takeSetUpReply(std::string_view command, const Reply &reply)
     if (command == "TYPE I" && reply.done()) {
         m_type = Type::Binary;
     }
-    if (command == "PWD" && reply.done()) {
+    if (command == "PWD" && reply.code == 257) {
         m_folder = parsePwd(reply.lines.back()).value_or("/");
     }
     return {};

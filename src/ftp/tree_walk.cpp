@@ -130,7 +130,7 @@ Awaitable<Result<std::string>> enterFolder(Session &session, std::string path)
 
 std::string folderTold(const Reply &told)
 {
-    return told.done() ? parsePwd(told.lines.back()).value_or(std::string()) : std::string();
+    return told.code == 257 ? parsePwd(told.lines.back()).value_or(std::string()) : std::string();
 }
 
 bool leadsElsewhere(const std::string &above, const std::string &name, const std::string &here)

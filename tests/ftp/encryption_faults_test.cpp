@@ -26,6 +26,15 @@ TEST_F(EncryptionFaults, BehindAProxyThatNamesTheServerTheAutomaticChoiceSaysTha
     EXPECT_TRUE(client.notes().front().starts_with("Über diesen Proxy ist keine Verschlüsselung"));
 }
 
+TEST_F(EncryptionFaults, AReplyThatOnlySoundsGoodIsNoOfferOfEncryption)
+{
+    server.on({ .verb = "AUTH", .text = "200 NOOP ok" });
+    EXPECT_FALSE(connected(ftp::Encryption::Automatic).client().session().encrypted());
+    const auto opened = login(ftp::Encryption::Always).open();
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error().text, "The server does not offer encryption");
+}
+
 TEST_F(EncryptionFaults, WithoutAnOfferTheStrictChoiceSendsNoPassword)
 {
     const auto opened = login(ftp::Encryption::Always).open();

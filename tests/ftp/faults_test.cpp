@@ -223,3 +223,22 @@ TEST_F(Faults, AnAbortEndsTheRunningTransferAtOnce)
     ASSERT_FALSE(got);
     EXPECT_EQ(got.error().kind, ErrorKind::Aborted);
 }
+
+TEST_F(Faults, BehindAProxyItsPasswordIsTheAccountWhereThereIsNone)
+{
+    server.fault.needAccount = true;
+    TestClient &client = login();
+    client.login().proxy.kind = ftp::ProxyKind::Pipe;
+    client.login().proxy.host = "127.0.0.1";
+    client.login().proxy.port = server.port();
+    client.login().proxy.password = server.account();
+    const auto opened = client.open();
+    EXPECT_TRUE(opened) << opened.error().text;
+    EXPECT_EQ(server.lines("ACCT"), std::vector<std::string> { "ACCT " + server.account() });
+}
+
+TEST_F(Faults, AFolderIsToldByItsOwnReplyOnly)
+{
+    server.on({ .verb = "PWD", .text = "250 CWD command successful" });
+    EXPECT_EQ(connected().client().folder(), "/");
+}

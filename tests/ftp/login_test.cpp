@@ -21,11 +21,12 @@ Status loginBy(ScriptedLine &line, Credentials credentials)
     return runOn(context, ftp::loginAs(dialogue, user, std::move(credentials)));
 }
 
-Status reach(ScriptedLine &line, const Proxy &proxy, std::uint16_t port = 21)
+Status reach(ScriptedLine &line, const Proxy &proxy, std::uint16_t port = 21,
+             const std::string &host = "web.example.org")
 {
     asio::io_context context;
     Dialogue dialogue(line, Milliseconds(1000), {});
-    return runOn(context, ftp::reachServer(dialogue, proxy, "web.example.org", port));
+    return runOn(context, ftp::reachServer(dialogue, proxy, host, port));
 }
 
 } // namespace
@@ -104,6 +105,22 @@ TEST(Login, AGreetingThatComesLateIsNoAnswerToTheUser)
         .server("530 Login incorrect.");
     EXPECT_FALSE(loginBy(line, { "web01", "geheim", {} }));
     EXPECT_TRUE(line.finished());
+}
+
+TEST(Login, OnlyAnAnswerToTheUserIsALogin)
+{
+    for (const char *other : { "200 NOOP ok", "250 Okay", "257 \"/\"" }) {
+        ScriptedLine line;
+        line.client("USER web01").server(other);
+        const Status login = loginBy(line, { "web01", "geheim", {} });
+        ASSERT_FALSE(login) << other;
+        EXPECT_EQ(login.error().kind, ErrorKind::Protocol);
+    }
+    for (const char *answer : { "230 ja", "231 ja", "232 ja", "202 ja" }) {
+        ScriptedLine line;
+        line.client("USER web01").server(answer);
+        EXPECT_TRUE(loginBy(line, { "web01", "geheim", {} })) << answer;
+    }
 }
 
 TEST(Login, AServerThatRepeatsThePasswordIsToldWithStars)
@@ -208,6 +225,19 @@ TEST(ProxyLogin, PipeNamesNoServer)
     EXPECT_EQ(ftp::proxyUserName({ ProxyKind::Pipe, "proxy", 2121, {}, {} }, "u", "web.example.org",
                                  2100),
               "u");
+}
+
+TEST(ProxyLogin, AnAddressThatCannotBeNamedIsNotSent)
+{
+    for (const ProxyKind kind :
+         { ProxyKind::Site, ProxyKind::UserLogin, ProxyKind::UserNoLogin, ProxyKind::Open }) {
+        ScriptedLine line;
+        const Status reached = reach(line, { kind, "proxy", 2121, "fu", "fp" }, 21, "2001:db8::1");
+        ASSERT_FALSE(reached);
+        EXPECT_EQ(reached.error().kind, ErrorKind::Proxy);
+    }
+    ScriptedLine line;
+    EXPECT_TRUE(reach(line, { ProxyKind::Pipe, "proxy", 2121, {}, {} }, 21, "2001:db8::1"));
 }
 
 TEST(ProxyLogin, EndsWithTheProxysRefusal)
