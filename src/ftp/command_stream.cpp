@@ -14,13 +14,9 @@ Awaitable<Status> CommandStream::send(std::size_t most)
     while (m_next && m_underway.size() < most && !stopped()) {
         Command command { m_sent++, std::move(*m_next) };
         m_next = m_source();
-        Status possible = m_session.line().queue(command.text);
-        if (possible) {
-            m_underway.push_back(std::move(command));
-            queued = true;
-        } else {
-            m_answered(command, std::move(possible));
-        }
+        command.sendable = m_session.line().queue(command.text);
+        queued = queued || command.sendable;
+        m_underway.push_back(std::move(command));
     }
     if (!queued) {
         co_return Status {};
@@ -44,14 +40,18 @@ Awaitable<Status> CommandStream::run()
         const bool more = m_next && !stopped();
         const std::size_t keep = more ? ahead / 2 : 0;
         while (m_underway.size() > keep) {
-            auto reply = co_await m_session.dialogue().finalReply();
-            if (!reply) {
-                m_session.markBroken();
-                co_return tl::unexpected(reply.error());
+            Status answer = m_underway.front().sendable;
+            if (answer) {
+                auto reply = co_await m_session.dialogue().finalReply();
+                if (!reply) {
+                    m_session.markBroken();
+                    co_return tl::unexpected(reply.error());
+                }
+                answer = reply->done() ? Status {} : Status(refusal(*reply));
             }
             const Command command = std::move(m_underway.front());
             m_underway.pop_front();
-            m_answered(command, reply->done() ? Status {} : Status(refusal(*reply)));
+            m_answered(command, std::move(answer));
         }
     }
 }

@@ -20,6 +20,7 @@ public:
     struct Command {
         std::size_t index = 0; ///< counts from 0
         std::string text;
+        Status sendable {}; ///< else it waits for its turn to be told, and no reply will come
     };
     /// Hears the answer to a command; a refusal or a command that cannot be sent is an error.
     using Answered = std::function<void(const Command &command, Status answer)>;

@@ -306,7 +306,7 @@ Awaitable<Status> removeFiles(Client &client, std::vector<std::string> paths, Fi
     CommandStream stream(client.session(), std::move(source), std::move(answered));
     Status broken = co_await stream.run();
     for (const CommandStream::Command &command : stream.unanswered()) {
-        done(command.index, broken);
+        done(command.index, command.sendable ? broken : command.sendable);
     }
     co_return broken;
 }

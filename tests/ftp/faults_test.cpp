@@ -180,6 +180,25 @@ TEST_F(Faults, ANameWithALineBreakNeverBecomesACommand)
     EXPECT_TRUE(m_client->client().usable());
 }
 
+TEST_F(Faults, WhatCannotBeDeletedIsToldInItsTurn)
+{
+    for (const char *name : { "a", "b", "d" }) {
+        servers::writeFile(server.root() / name, "x");
+    }
+    connected();
+    std::vector<std::size_t> told;
+    std::vector<bool> gone;
+    const auto removed
+        = run(ftp::removeFiles(m_client->client(), { "/a", "/b", "/c\rx", "/d", "/e\rx" },
+                               [&](std::size_t file, const ftp::Status &outcome) {
+                                   told.push_back(file);
+                                   gone.push_back(outcome.has_value());
+                               }));
+    EXPECT_TRUE(removed);
+    EXPECT_EQ(told, (std::vector<std::size_t> { 0, 1, 2, 3, 4 }));
+    EXPECT_EQ(gone, (std::vector<bool> { true, true, false, true, false }));
+}
+
 TEST_F(Faults, ALocalFolderWithoutRightsEndsInAClearMessage)
 {
     servers::writeFile(server.root() / "a.txt", "x");
