@@ -13,7 +13,7 @@ namespace {
 bool isFinal(ErrorKind kind)
 {
     return kind == ErrorKind::LocalDiskFull || kind == ErrorKind::LocalFile
-        || kind == ErrorKind::Timeout || kind == ErrorKind::Aborted;
+        || kind == ErrorKind::Aborted;
 }
 
 class FileListTask : public CrewTask {
@@ -70,6 +70,7 @@ private:
     std::size_t m_front = 0; ///< the first file whose outcome is still open
     std::deque<Job> m_waiting;
     std::deque<Job> m_again; ///< failed over another session; for the first one
+    std::deque<Job> m_last; ///< stalled there; when nothing else is left, since they may once more
     std::map<const Session *, std::size_t> m_at; ///< the file that a session works on
     std::shared_ptr<const FolderPair> m_folder; ///< of the file added last
 };
@@ -114,7 +115,8 @@ Awaitable<void> FileListTask::run(std::vector<FilePair> files)
 
 std::optional<Job> FileListTask::take(Session &session)
 {
-    auto &queue = m_crew.isFirst(session) && !m_again.empty() ? m_again : m_waiting;
+    auto &own = !m_again.empty() || !m_waiting.empty() ? m_again : m_last;
+    auto &queue = m_crew.isFirst(session) && !own.empty() ? own : m_waiting;
     if (m_crew.stopped() || queue.empty()) {
         return std::nullopt;
     }
@@ -146,7 +148,7 @@ void FileListTask::refused(Session &session, Job job, const Error &error)
 {
     if (!m_crew.isFirst(session) && !isFinal(error.kind)) {
         m_files[job.place].lastError = error;
-        m_again.push_back(std::move(job));
+        (error.kind == ErrorKind::Timeout ? m_last : m_again).push_back(std::move(job));
         m_crew.jobReturned();
         return;
     }

@@ -189,6 +189,28 @@ TEST_F(FileList, WhatFailsOverAnotherSessionIsTriedAgainByTheFirst)
     EXPECT_EQ(std::count(told.begin(), told.end(), "450"), 0);
 }
 
+TEST_F(FileList, WhatStallsOverAnotherSessionIsTriedByTheFirstWhenNothingElseIsLeft)
+{
+    server.on({ .verb = "RETR", .action = Rule::Stall, .fromSession = 2 });
+    server.fault.replyDelay = 20; // the first has work for longer than the time-out
+    connect(3, 700);
+    move(ftp::getFiles);
+    expectInOrder();
+    EXPECT_EQ(failures(), 0);
+    for (int i = 0; i < Count; ++i) {
+        EXPECT_TRUE(same(i)) << i;
+    }
+    std::vector<std::string> stalled, first;
+    for (const servers::Command &command : server.commands()) {
+        if (command.line.starts_with("RETR")) {
+            (command.session == 1 ? first : stalled).push_back(command.line);
+        }
+    }
+    ASSERT_FALSE(stalled.empty());
+    first.erase(first.begin(), first.end() - static_cast<std::ptrdiff_t>(stalled.size()));
+    EXPECT_TRUE(std::is_permutation(first.begin(), first.end(), stalled.begin(), stalled.end()));
+}
+
 TEST_F(FileList, ALostConnectionEndsTheListAndIsNotMadeAgain)
 {
     server.on({ .verb = "RETR", .argument = "*f05*", .action = Rule::Drop });
