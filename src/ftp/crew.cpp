@@ -103,6 +103,9 @@ Hooks Crew::quietHooks() const
     hooks.progress = nullptr;
     hooks.reply = nullptr; // refusals are told by the jobs; a helper's login is no news
     hooks.note = nullptr;
+    // Several boxes about one certificate help nobody: a helper whose server is not trusted stays
+    // out.
+    hooks.certificate = nullptr;
     return hooks;
 }
 

@@ -208,3 +208,18 @@ TEST_F(Certificates, TheAnswerHoldsForAllSessionsOfAFolderTransfer)
     EXPECT_GT(server.sessions(), 1);
     EXPECT_EQ(m_client->certificateQuestions(), 1);
 }
+
+TEST_F(Certificates, OnlyTheFirstSessionOfAFolderTransferAsks)
+{
+    for (int i = 0; i < 30; ++i) {
+        servers::writeRandomFile(server.root() / "web" / ("f" + std::to_string(i)), 2000);
+    }
+    server.fault.replyDelay = 20; // time for others to join
+    ftp::Client &client = connected(Encryption::Always, 3);
+    server.fault.certificate = servers::makeCertificate(); // of all later sessions
+    const auto got = run(ftp::getTree(client, "/web", local("web"), ftp::Type::Binary));
+    ASSERT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+    EXPECT_GT(server.sessions(), 1);
+    EXPECT_EQ(m_client->certificateQuestions(), 1);
+}
