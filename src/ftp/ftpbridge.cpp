@@ -105,18 +105,37 @@ ftp::Awaitable<ftp::Trust> FtpBridge::ask(ftp::CertificateQuestion asked)
         asio::steady_timer timer;
         std::optional<ftp::Trust> answer;
     };
+    /// What is put to the control's thread. Dropped without an answer, when the control goes away,
+    /// it rejects: somebody waits for it.
+    struct Asked {
+        Asked(std::shared_ptr<Wait> who, asio::any_io_executor where)
+            : wait(std::move(who))
+            , executor(std::move(where))
+        {
+        }
+        Asked(const Asked &) = delete;
+        Asked &operator=(const Asked &) = delete;
+        ~Asked()
+        {
+            asio::post(executor, [wait = wait, trust = trust] {
+                wait->answer = static_cast<ftp::Trust>(trust);
+                wait->timer.cancel();
+            });
+        }
+        std::shared_ptr<Wait> wait;
+        asio::any_io_executor executor;
+        FtpTrust trust = FtpTrust::Reject;
+    };
     const asio::any_io_executor executor = ftp::EngineThread::executor();
     const auto wait = std::make_shared<Wait>(executor);
     wait->timer.expires_at(asio::steady_timer::time_point::max());
     const FtpCertificate shown = ftpCertificate(asked);
     const auto self = shared_from_this();
-    post([self, wait, executor, shown] {
-        const FtpTrust trust = self->question ? self->question(shown) : FtpTrust::Reject;
-        asio::post(executor, [wait, trust] {
-            wait->answer = static_cast<ftp::Trust>(trust);
-            wait->timer.cancel();
-        });
+    auto open = std::make_shared<Asked>(wait, executor);
+    post([self, open, shown] {
+        open->trust = self->question ? self->question(shown) : FtpTrust::Reject;
     });
+    open.reset(); // now the closure alone keeps it
     while (!wait->answer) {
         std::error_code ignored; // the timer only ever ends by being cancelled
         co_await wait->timer.async_wait(asio::redirect_error(asio::use_awaitable, ignored));

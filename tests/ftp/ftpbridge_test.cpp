@@ -1,10 +1,16 @@
 #include "ftp/ftpbridge.h"
 
+#include "ftp/engine_thread.h"
+
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTest>
 #include <QTimer>
 #include <algorithm>
+#include <asio/co_spawn.hpp>
+#include <asio/detached.hpp>
+#include <asio/post.hpp>
+#include <future>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -76,4 +82,31 @@ TEST_F(Bridge, NothingArrivesAfterTheControlHasGone)
     QTimer::singleShot(20, &control, [&] { later = true; });
     ASSERT_TRUE(QTest::qWaitFor([&] { return later; }));
     EXPECT_FALSE(arrived);
+}
+
+TEST_F(Bridge, AQuestionThatNobodyCanBeAskedAnyMoreIsAnsweredWithNo)
+{
+    for (const bool before : { true, false }) {
+        bridge = std::make_shared<FtpBridge>(&control);
+        bridge->question = [](const FtpCertificate &) { return FtpTrust::Always; };
+        if (before) {
+            bridge->detach();
+        }
+        std::promise<ftp::Trust> answer;
+        auto answered = answer.get_future();
+        asio::co_spawn(
+            ftp::EngineThread::executor(),
+            [](std::shared_ptr<FtpBridge> asked,
+               std::promise<ftp::Trust> &out) -> ftp::Awaitable<void> {
+                ftp::CertificateQuestion question;
+                out.set_value(co_await asked->hooks().certificate(question));
+            }(bridge, answer),
+            asio::detached);
+        std::promise<void> put; // behind the question, on the one thread of the engine
+        asio::post(ftp::EngineThread::executor(), [&put] { put.set_value(); });
+        put.get_future().wait();
+        bridge->detach();
+        ASSERT_EQ(answered.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+        EXPECT_EQ(answered.get(), ftp::Trust::Reject);
+    }
 }
