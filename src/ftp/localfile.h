@@ -31,6 +31,8 @@ Status replaceFile(const std::string &path, std::string_view text);
 class IncomingFile {
 public:
     IncomingFile() = default;
+/// Only where its folder takes no further file, and where it has several names, all of which are to
+/// have the new content, it is written in place as well.
     ~IncomingFile();
     IncomingFile(const IncomingFile &) = delete;
     IncomingFile &operator=(const IncomingFile &) = delete;
@@ -48,6 +50,8 @@ private:
     std::string m_path;
     std::string m_temporary; ///< empty when written in place
     int m_file = -1;
+    void openBeside(const std::string &path, unsigned mode);
+
 };
 
 /// A local file that is being sent: its size is the one it had when opened.

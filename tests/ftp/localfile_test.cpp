@@ -6,6 +6,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using ftp::ErrorKind;
@@ -85,6 +86,40 @@ TEST(IncomingFile, WhatIsNotCompletedLeavesTheOlderFile)
     fs::create_directories(folder.path / "a" / "inside"); // somebody else was faster
     EXPECT_FALSE(file.commit(std::nullopt));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), {}), 1);
+}
+
+TEST(IncomingFile, AllNamesOfAFileGetItsNewContent)
+{
+    const Folder folder;
+    ASSERT_TRUE(ftp::replaceFile(folder / "a", "der alte Inhalt"));
+    fs::create_hard_link(folder / "a", folder / "b");
+    ftp::IncomingFile file;
+    ASSERT_TRUE(file.open(folder / "a", 0));
+    EXPECT_TRUE(file.inPlace());
+    ASSERT_TRUE(file.write("neu"));
+    ASSERT_TRUE(file.commit(std::nullopt));
+    EXPECT_EQ(content(folder / "a"), "neu");
+    EXPECT_EQ(content(folder / "b"), "neu");
+    EXPECT_TRUE(fs::equivalent(folder / "a", folder / "b"));
+}
+
+TEST(IncomingFile, AFileMayBeWrittenWhereItsFolderTakesNoOther)
+{
+    const Folder folder;
+    ASSERT_TRUE(ftp::replaceFile(folder / "a", "der alte Inhalt"));
+    fs::permissions(folder / "a", fs::perms(0666));
+    fs::permissions(folder.path, fs::perms(0555));
+    const uid_t before = ::geteuid();
+    constexpr uid_t nobody = 65534;
+    ASSERT_EQ(before == 0 ? ::seteuid(nobody) : 0, 0); // rights do not bind root
+    ftp::IncomingFile file;
+    const ftp::Status opened = file.open(folder / "a", 0);
+    ASSERT_EQ(::seteuid(before), 0);
+    fs::permissions(folder.path, fs::perms(0700));
+    ASSERT_TRUE(opened) << opened.error().text;
+    ASSERT_TRUE(file.write("neu"));
+    ASSERT_TRUE(file.commit(std::nullopt));
+    EXPECT_EQ(content(folder / "a"), "neu");
 }
 
 TEST(OutgoingFile, OnlyRegularFilesAreRead)
