@@ -47,14 +47,17 @@ void NameBook::keep(std::string_view folder, std::string_view name, std::string_
 std::string NameBook::decodePath(std::string_view raw)
 {
     std::string path;
+    std::string prefix(raw.starts_with('/') ? "/" : ""); // as encode() has it
     std::size_t at = 0;
     while (at <= raw.size()) {
         const std::size_t slash = std::min(raw.find('/', at), raw.size());
-        path += decode(path, raw.substr(at, slash - at));
+        const std::string name = decode(prefix, raw.substr(at, slash - at));
+        path += name;
         if (slash == raw.size()) {
             break;
         }
         path += '/';
+        prefix = name.empty() ? prefix : joinPath(prefix, name);
         at = slash + 1;
     }
     return path;

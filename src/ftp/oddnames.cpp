@@ -5,13 +5,14 @@
 namespace ftp {
 namespace {
 
+/// No two names have the same: a "%" of the name itself is written so, too.
 std::string escaped(std::string_view raw)
 {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text;
     for (const char letter : raw) {
         const auto byte = static_cast<unsigned char>(letter);
-        if (byte < 0x80) {
+        if (byte < 0x80 && letter != '%') {
             text += letter;
         } else {
             text += { '%', digits[byte >> 4U], digits[byte & 0xFU] };

@@ -1,4 +1,5 @@
 // Names that are no UTF-8, on either side.
+#include "ftp/oddnames.h"
 #include "ftp/tree.h"
 
 #include "ftp/faultcase.h"
@@ -122,4 +123,20 @@ TEST_F(OddNames, TwoLocalNamesWithOneTextBecomeTwoFilesOnTheServer)
     ASSERT_TRUE(run(ftp::putTree(client, seite, "/web", Type::Binary)));
     EXPECT_EQ(stored("web/" + utf8), "neu");
     EXPECT_EQ(stored("web/gr%FC%DF.txt"), "alt");
+}
+
+TEST(OddNameTexts, AreDifferentForDifferentNames)
+{
+    // Each of the odd ones reads like one in UTF-8.
+    const std::vector<std::string> raw { "\xE4%E4", "%E4\xE4", "\xC3\xA4%E4", "%E4\xC3\xA4" };
+    ftp::OddNames odd;
+    for (const std::string &name : raw) {
+        odd.learn(name);
+    }
+    for (const std::string &name : raw) {
+        odd.compare(name);
+    }
+    EXPECT_THAT(std::vector<std::string>(
+                    { odd.text(raw[0]), odd.text(raw[1]), odd.text(raw[2]), odd.text(raw[3]) }),
+                ElementsAre("%E4%25E4", "%25E4%E4", raw[2], raw[3]));
 }
