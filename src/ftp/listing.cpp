@@ -68,6 +68,10 @@ namespace {
 
 using namespace dialects;
 
+/// Longer than any path that a command may carry, with whatever stands beside it. Without a bound a
+/// line that never ends would fill the memory.
+constexpr std::size_t longestLine = 64 * 1024;
+
 enum class Dialect { Unix, MsDos, NetWare, Eplf, Vms, Mvs, Os400, Os2, VxWorks };
 
 /// Gives each line to the dialect of the line before, and to the others only when that one does
@@ -142,12 +146,16 @@ private:
 
 void ListingParser::takeLine(std::string_view line)
 {
+    ++m_number;
+    if (line.size() > longestLine) {
+        return;
+    }
     // One CR only: a second would be part of the name, and that name is another file's.
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
     Entry entry;
-    const Verdict verdict = m_reader(line, ++m_number, entry);
+    const Verdict verdict = m_reader(line, m_number, entry);
     m_understood = m_understood || verdict != Verdict::Foreign;
     if (verdict == Verdict::Entry) {
         entry.line = m_number;
@@ -162,12 +170,12 @@ void ListingParser::read(std::string_view block)
         const std::size_t end = block.find('\n');
         const Text line = block.substr(0, end);
         block.remove_prefix(end == Text::npos ? block.size() : end + 1);
-        if (end == Text::npos) {
-            m_begun += line;
-        } else if (m_begun.empty()) {
+        if (end != Text::npos && m_begun.empty()) {
             takeLine(line);
-        } else {
-            m_begun += line;
+            continue;
+        }
+        m_begun += line.substr(0, longestLine + 1 - m_begun.size()); // enough to know its length
+        if (end != Text::npos) {
             takeLine(std::exchange(m_begun, {}));
         }
     }

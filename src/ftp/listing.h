@@ -71,7 +71,7 @@ private:
 
     Reader m_reader;
     Take m_take;
-    std::string m_begun; ///< a line whose end is still to come
+    std::string m_begun; ///< a line whose end is still to come, or what is kept of it
     std::size_t m_number = 0, m_entries = 0;
     bool m_understood = false;
 };

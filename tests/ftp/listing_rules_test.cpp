@@ -280,3 +280,23 @@ TEST(ParseMlsd, ReadsModesInEveryNotation)
         EXPECT_EQ(listing.entries[0].permissions, permissions) << mode;
     }
 }
+
+TEST(ParseList, LeavesOutALineWithoutEnd)
+{
+    const std::string line = "-rw-r--r-- 1 u g 5 Nov 20 09:15 ";
+    const std::string endless(70000, 'x');
+    const std::string text
+        = line + "a\r\n" + line + endless + "\r\n" + line + "b\r\n" + line + endless;
+    for (const std::size_t block : { std::size_t { 1000 }, text.size() }) {
+        std::vector<ftp::Entry> entries;
+        ftp::ListingParser parser = ftp::listParser(
+            now, [&](ftp::Entry &&entry) { entries.push_back(std::move(entry)); });
+        for (std::size_t at = 0; at < text.size(); at += block) {
+            parser.read(std::string_view(text).substr(at, block));
+        }
+        parser.finish();
+        ASSERT_EQ(entries.size(), 2U) << block;
+        EXPECT_EQ(entries[1].name, "b");
+        EXPECT_EQ(entries[1].line, 3U);
+    }
+}
