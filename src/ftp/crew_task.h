@@ -41,6 +41,7 @@ struct Job {
     bool plain = false; ///< to be listed without any option
     bool optionRefused = false; ///< that is because the server refused it
     bool noMachine = false; ///< MLSD was refused
+    std::optional<std::size_t> cut; ///< bytes of its listing when that was not whole
     bool unlisted
         = false; ///< size and time are to be asked for, since no listing tells them for sure
 

@@ -254,7 +254,8 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
         = static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0);
     ListingParser parser = machine ? mlsdParser(take) : listParser(fromEpoch(now), take);
     const Status started;
-    auto end = co_await ftp::receiveListing(session, *flow.data, started, std::move(parser));
+    auto end = co_await ftp::receiveListing(session, *flow.data, started, std::move(parser),
+                                            flow.job.cut);
     if (!end && end.error().kind == ErrorKind::Refused && session.usable()
         && !brokeInTheMiddle(end.error())) {
         m_task.refused(session, flow.job, end.error());
@@ -262,6 +263,10 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
     }
     if (!end) {
         co_return tl::unexpected(end.error());
+    if (!end->whole) {
+        co_return listingCut(session, flow, end->bytes);
+    }
+    flow.job.cut.reset();
     }
     if (!end->understood && flow.withOption && !flow.job.plain) {
         flow.job.plain = true; // perhaps the option was taken for a name
@@ -306,6 +311,25 @@ Status Fetcher::listingRefused(Session &session, Flow &flow, const Error &error)
 
 /// A machine listing with folders is compared with LIST before anything is done with it: links to
 /// folders that look like folders would be followed without end.
+/// LIST has nothing to add.
+void Fetcher::machineMustDo(const Job &job)
+{
+    m_task.listed(job, std::move(*job.machine));
+    m_task.done(job);
+}
+
+/// A listing that may have been cut short is asked for once more.
+Status Fetcher::listingCut(Session &session, Flow &flow, std::size_t bytes)
+{
+    if (flow.job.cut) {
+        m_task.refused(session, flow.job, { ErrorKind::Truncated, 0, "The listing was cut short" });
+        return {};
+    }
+    flow.job.cut = bytes;
+    m_task.putBack(std::move(flow.job));
+    return {};
+}
+
 Status Fetcher::takeListing(Session &session, Job &job, TreeListing listing)
 {
     if (byMachine(session, job) && listing.hasFolders()) {

@@ -29,6 +29,8 @@ private:
     [[nodiscard]] static std::string transferCommand(Session &session, const Job &job);
 
     Status listingRefused(Session &session, Flow &flow, const Error &error);
+    Status listingCut(Session &session, Flow &flow, std::size_t bytes);
+    void machineMustDo(const Job &job);
     Status takeListing(Session &session, Job &job, TreeListing listing);
 
     CrewTask &m_task;

@@ -6,13 +6,6 @@
 namespace ftp {
 namespace {
 
-/// A hostile server must not fill the memory with a listing.
-constexpr std::size_t longestListing = std::size_t { 512 } << 20;
-constexpr std::size_t mostEntries = 3'000'000;
-
-/// So much of a text that nobody understands is kept to be shown.
-constexpr std::size_t longestRawText = std::size_t { 16 } << 20;
-
 /// Asks for the type, the facts and the way to the data connection, in one round trip.
 Awaitable<Status> prepare(Session &session, DataConnection &data, bool machine)
 {
@@ -47,7 +40,9 @@ struct Fetched {
 };
 
 /// Carries out one command for a listing and hands its text to the parser.
-Awaitable<Fetched> fetch(Session &session, std::string command, ListingParser parser)
+/// @param before  as for receiveListing
+Awaitable<Fetched> fetchOnce(Session &session, std::string command, ListingParser parser,
+                             std::optional<std::size_t> before)
 {
     DataConnection data(session);
     Status begun = co_await prepare(session, data, command == "MLSD");
@@ -58,8 +53,37 @@ Awaitable<Fetched> fetch(Session &session, std::string command, ListingParser pa
     if (!received && (!session.usable() || received.error().kind == ErrorKind::Refused)) {
         co_return Fetched { tl::unexpected(received.error()), isFinalRefusal(received.error()) };
     }
-    auto end = co_await receiveListing(session, data, received, std::move(parser));
+    auto end = co_await receiveListing(session, data, received, std::move(parser), before);
     co_return Fetched { std::move(end) };
+}
+
+using MakeParser = std::function<ListingParser(ListingParser::Take)>;
+
+/// The same, and once more when the text may have been cut short. Entries are told once.
+Awaitable<Fetched> fetch(Session &session, std::string command, MakeParser make,
+                         ListingParser::Take take)
+{
+    std::size_t told = 0, seen = 0;
+    std::optional<std::size_t> before;
+    ListingParser parser = make([&](Entry &&entry) {
+        ++told;
+        take(std::move(entry));
+    });
+    Fetched fetched = co_await fetchOnce(session, command, std::move(parser), before);
+    if (!fetched.end || fetched.end->whole) {
+        co_return fetched;
+    }
+    ListingParser again = make([&](Entry &&entry) {
+        if (++seen > told) {
+            take(std::move(entry));
+        }
+    });
+    before = fetched.end->bytes;
+    fetched = co_await fetchOnce(session, command, std::move(again), before);
+    if (fetched.end && (!fetched.end->whole || seen < told)) {
+        fetched.end = fail(ErrorKind::Truncated, "The listing was cut short");
+    }
+    co_return fetched;
 }
 
 CivilTime serverNow(const ServerKnowledge &server)
@@ -67,37 +91,14 @@ CivilTime serverNow(const ServerKnowledge &server)
     return fromEpoch(static_cast<std::int64_t>(std::time(nullptr)) + server.zoneOffset.value_or(0));
 }
 
-} // namespace
-
-Awaitable<Result<ListingEnd>> receiveListing(Session &session, DataConnection &data, Status started,
-                                             ListingParser parser)
+MakeParser listParserFor(const ServerKnowledge &server)
 {
-    ListingEnd end;
-    Status received = started;
-    if (started) {
-        received = co_await receiveAll(session, data, [&](std::string_view block) -> Status {
-            end.bytes += block.size();
-            if (end.bytes > longestListing || parser.entries() > mostEntries) {
-                return fail(ErrorKind::Protocol, "The listing has no end");
-            }
-            if (!parser.understood()) {
-                end.rawText += block.substr(0, longestRawText - end.rawText.size());
-            }
-            parser.read(block);
-            return {};
-        });
-    }
-    parser.finish();
-    end.understood = parser.understood();
-    if (end.understood) {
-        end.rawText.clear();
-    }
-    Status finished = co_await finishTransfer(session, data, received, session.timeout());
-    if (!finished) {
-        co_return tl::unexpected(finished.error());
-    }
-    co_return end;
+    return [now = serverNow(server)](ListingParser::Take take) {
+        return listParser(now, std::move(take));
+    };
 }
+
+} // namespace
 
 Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::Take take)
 {
@@ -105,11 +106,12 @@ Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::
     bool unknown = false;
     if (!server.plainListOnly) {
         bool begun = false; // once an entry was told, nothing may be told twice
-        ListingParser parser = listParser(serverNow(server), [&](Entry &&entry) {
+        ListingParser::Take first = [&](Entry &&entry) {
             begun = true;
             take(std::move(entry));
-        });
-        const Fetched all = co_await fetch(session, "LIST -a", std::move(parser));
+        };
+        MakeParser make = listParserFor(server);
+        const Fetched all = co_await fetch(session, "LIST -a", std::move(make), std::move(first));
         if (all.end && all.end->bytes > 0 && all.end->understood) {
             co_return all.end;
         }
@@ -121,8 +123,8 @@ Awaitable<Result<ListingEnd>> readPlainListing(Session &session, ListingParser::
         // hidden names such as ".." may be left out; nor does a refusal that passes.
         unknown = all.unknown;
     }
-    ListingParser parser = listParser(serverNow(server), std::move(take));
-    const Fetched plain = co_await fetch(session, "LIST", std::move(parser));
+    MakeParser make = listParserFor(server);
+    const Fetched plain = co_await fetch(session, "LIST", std::move(make), std::move(take));
     if (unknown && plain.end) { // else it is this folder that may not be listed
         server.plainListOnly = true;
     }
@@ -133,11 +135,12 @@ Awaitable<Result<ListingEnd>> readListing(Session &session, ListingParser::Take 
 {
     if (session.features().mlstUnixMode()) {
         bool begun = false; // once an entry was told, nothing may be told twice
-        ListingParser parser = mlsdParser([&](Entry &&entry) {
+        ListingParser::Take first = [&](Entry &&entry) {
             begun = true;
             take(std::move(entry));
-        });
-        const Fetched machine = co_await fetch(session, "MLSD", std::move(parser));
+        };
+        MakeParser make = mlsdParser;
+        const Fetched machine = co_await fetch(session, "MLSD", std::move(make), std::move(first));
         if (machine.end || begun || machine.end.error().kind != ErrorKind::Refused) {
             co_return machine.end;
         }

@@ -66,6 +66,8 @@ public:
     /// Entries told so far.
     [[nodiscard]] std::size_t entries() const { return m_entries; }
 
+    /// The text stopped in the middle of a line so far.
+    [[nodiscard]] bool inLine() const { return !m_begun.empty(); }
 private:
     void takeLine(std::string_view line);
 

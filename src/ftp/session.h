@@ -66,6 +66,9 @@ struct ServerKnowledge {
     bool noExtendedPassive = false, noPassive = false;
     bool noSize = false, noModificationTime = false, noSetTime = false;
     bool plainListOnly = false; ///< "LIST -a" was refused where "LIST" was not
+    /// Encrypted listings end with close_notify; nothing as long as none has shown either.
+    std::optional<bool> endsProperly;
+    bool noLastLineEnd = false; ///< listings do not end with a line end
     std::uint64_t packets = 0; ///< packets of commands sent, over all sessions
     std::optional<bool> restart; ///< transfers can be restarted at an offset
     /// Seconds that the server's listing clock is ahead of UTC.

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 
 namespace ftp {
 
@@ -60,6 +61,7 @@ Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status 
 struct ListingEnd {
     std::size_t bytes = 0; ///< length of the text
     bool understood = false; ///< as Listing::understood
+    bool whole = true; ///< false when the text may have been cut short
     std::string rawText; ///< the text as received, only of one that was not understood
 
     /// There is a text that nobody understands.
@@ -70,8 +72,12 @@ struct ListingEnd {
 };
 /// Receives the text of a listing whose transfer command was sent.
 /// @param started  what became of that command
+/// @param before  bytes of the same listing when it was read before and was not whole: a server
+/// that
+///                ends it there again may just not know better
 Awaitable<Result<ListingEnd>> receiveListing(Session &session, DataConnection &data, Status started,
-                                             ListingParser parser);
+                                             ListingParser parser,
+                                             std::optional<std::size_t> before = {});
 /// Lists the current folder, by MLSD where that tells the permissions, else by LIST with hidden
 /// names where the server knows how. Entries are told as they arrive, times as the server told
 /// them; a failure may come behind some of them.
