@@ -272,6 +272,10 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
         flow.job.plain = true; // perhaps the option was taken for a name
         m_task.putBack(std::move(flow.job));
         co_return Status {};
+    if (end->isStrange() && flow.job.machine) {
+        machineMustDo(flow.job);
+        co_return Status {};
+    }
     }
     if (end->isStrange()) {
         m_task.refused(session, flow.job,
@@ -301,8 +305,7 @@ Status Fetcher::listingRefused(Session &session, Flow &flow, const Error &error)
         flow.job.noMachine = true;
         m_task.putBack(std::move(flow.job));
     } else if (flow.job.machine) {
-        m_task.listed(flow.job, std::move(*flow.job.machine)); // MLSD must do
-        m_task.done(flow.job);
+        machineMustDo(flow.job);
     } else {
         m_task.refused(session, flow.job, error);
     }
