@@ -87,13 +87,35 @@ std::optional<std::int64_t> fileTime(const std::string &path)
     return status.st_mtime;
 }
 
-std::optional<std::int64_t> freeSpace(const std::string &folder)
+namespace {
+
+struct DiskSpace {
+    std::int64_t all = 0, free = 0; ///< bytes
+};
+
+std::optional<DiskSpace> spaceOf(const std::string &folder)
 {
     struct statvfs status { };
     if (::statvfs(folder.c_str(), &status) != 0 || status.f_blocks == 0) {
         return std::nullopt; // some network file systems have nothing to say
     }
-    return static_cast<std::int64_t>(status.f_bavail) * static_cast<std::int64_t>(status.f_frsize);
+    const auto block = static_cast<std::int64_t>(status.f_frsize);
+    return DiskSpace { static_cast<std::int64_t>(status.f_blocks) * block,
+                       static_cast<std::int64_t>(status.f_bavail) * block };
+}
+
+} // namespace
+
+std::optional<std::int64_t> freeSpace(const std::string &folder)
+{
+    const auto space = spaceOf(folder);
+    return space ? std::optional(space->free) : std::nullopt;
+}
+
+std::optional<std::int64_t> diskSize(const std::string &folder)
+{
+    const auto space = spaceOf(folder);
+    return space ? std::optional(space->all) : std::nullopt;
 }
 
 IncomingFile::~IncomingFile()
@@ -103,6 +125,21 @@ IncomingFile::~IncomingFile()
         if (!m_temporary.empty()) {
             ::unlink(m_temporary.c_str());
         }
+    }
+}
+
+void IncomingFile::openBeside(const std::string &path, unsigned mode)
+{
+    std::error_code error;
+    // What a link leads to is replaced, not the link.
+    const std::filesystem::path target = std::filesystem::canonical(path, error);
+    m_path = error ? path : target.string();
+    m_temporary = temporaryBeside(m_path);
+    m_file = ::mkostemp(m_temporary.data(), O_CLOEXEC);
+    if (m_file >= 0) {
+        ::fchmod(m_file, mode & 07777);
+    } else {
+        m_temporary.clear();
     }
 }
 
@@ -119,19 +156,14 @@ Status IncomingFile::open(const std::string &path, std::int64_t offset)
         if (m_file >= 0 && ::lseek(m_file, offset, SEEK_SET) < 0) {
             return localError(errno, path);
         }
-    } else if (exists && status.st_size > 0 && ::access(path.c_str(), W_OK) == 0) {
-        std::error_code error;
-        // What a link leads to is replaced, not the link.
-        const std::filesystem::path target = std::filesystem::canonical(path, error);
-        m_path = error ? path : target.string();
-        m_temporary = temporaryBeside(m_path);
-        m_file = ::mkostemp(m_temporary.data(), O_CLOEXEC);
-        if (m_file >= 0) {
-            ::fchmod(m_file, status.st_mode & 07777);
-        } else {
-            m_temporary.clear();
-        }
-    } else {
+        return m_file >= 0 ? Status {} : Status(localError(errno, path));
+    }
+    const bool aside
+        = exists && status.st_size > 0 && status.st_nlink == 1 && ::access(path.c_str(), W_OK) == 0;
+    if (aside) {
+        openBeside(path, status.st_mode);
+    }
+    if (!aside || (m_file < 0 && errno == EACCES)) {
         m_file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     }
     return m_file >= 0 ? Status {} : Status(localError(errno, path));

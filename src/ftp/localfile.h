@@ -24,15 +24,18 @@ Status replaceFile(const std::string &path, std::string_view text);
 /// Bytes that a folder's file system still takes from this user; nothing when it does not tell.
 [[nodiscard]] std::optional<std::int64_t> freeSpace(const std::string &folder);
 
+/// Bytes that a folder's file system has in all; nothing when it does not tell.
+[[nodiscard]] std::optional<std::int64_t> diskSize(const std::string &folder);
+
 /// A local file that is being fetched.
 ///
 /// A new file is written in place, so that a broken transfer can be resumed. An existing one that
 /// is replaced stays as it is until the new one is complete: the bytes go into a file beside it.
+/// Only where its folder takes no further file, and where it has several names, all of which are to
+/// have the new content, it is written in place as well.
 class IncomingFile {
 public:
     IncomingFile() = default;
-/// Only where its folder takes no further file, and where it has several names, all of which are to
-/// have the new content, it is written in place as well.
     ~IncomingFile();
     IncomingFile(const IncomingFile &) = delete;
     IncomingFile &operator=(const IncomingFile &) = delete;
@@ -47,11 +50,11 @@ public:
     Status commit(std::optional<std::int64_t> modified);
 
 private:
+    void openBeside(const std::string &path, unsigned mode);
+
     std::string m_path;
     std::string m_temporary; ///< empty when written in place
     int m_file = -1;
-    void openBeside(const std::string &path, unsigned mode);
-
 };
 
 /// A local file that is being sent: its size is the one it had when opened.

@@ -1,4 +1,5 @@
 #include "ftp/fetcher.h"
+#include "ftp/few_notes.h"
 #include "ftp/localfile.h"
 #include "ftp/oddnames.h"
 #include "ftp/tree.h"
@@ -7,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <deque>
+#include <limits>
 #include <sys/stat.h>
 
 namespace ftp {
@@ -70,7 +72,8 @@ private:
     {
         return client().names().decodePath(job.remotePath());
     }
-    [[nodiscard]] static bool isWanted(const Listed &here, const TreeEntry &entry);
+    [[nodiscard]] bool fits(const TreeEntry &entry) const;
+    [[nodiscard]] bool isWanted(const Listed &here, const TreeEntry &entry) const;
     void count(const Listed &here, const TreeEntry &entry);
     Job nextFile(Listed &from);
     Awaitable<void> judgeLinks();
@@ -79,6 +82,8 @@ private:
     void reject(const Listed &here, const TreeEntry &entry);
 
     Fetcher m_fetcher { *this };
+    FewNotes m_notes { [this](const std::string &text) { m_crew.note(text); } };
+    std::optional<std::int64_t> m_diskSize; ///< of the local disk; nothing before the first folder
     std::int64_t m_replaced = 0; ///< bytes of local files whose room comes free
     std::deque<Job> m_returned;
     std::vector<std::string> m_links; ///< those that could not be fetched
@@ -122,6 +127,9 @@ void TreeGetter::listed(const Job &job, TreeListing listing)
         m_crew.failed(error);
         return;
     }
+    if (!m_diskSize) {
+        m_diskSize = diskSize(local).value_or(std::numeric_limits<std::int64_t>::max());
+    }
     m_listed.push_back({ job.folder, job.real, std::move(listing) });
     Listed &here = m_listed.back();
     here.odd = oddNames(here.entries);
@@ -134,6 +142,7 @@ void TreeGetter::listed(const Job &job, TreeListing listing)
             reject(here, *entry);
         }
     }
+    m_notes.finish();
     m_files += here.files;
     checkSpace(local);
     for (std::size_t i = here.files + here.subfolders; i > 0; --i) {
@@ -156,21 +165,32 @@ void TreeGetter::checkSpace(const std::string &local)
     m_crew.failed({ ErrorKind::LocalDiskFull, 0, "Not enough space left on the local disk" });
 }
 
-bool TreeGetter::isWanted(const Listed &here, const TreeEntry &entry)
+/// Some servers tell absurd sizes of files that are none, and one of them must not keep all others
+/// from a disk that has room for them.
+bool TreeGetter::fits(const TreeEntry &entry) const
 {
-    return isSafeName(entry.name) && isSafeName(here.odd.text(entry.name))
+    return entry.type != '-' || entry.size <= *m_diskSize;
+}
+
+bool TreeGetter::isWanted(const Listed &here, const TreeEntry &entry) const
+{
+    return isSafeName(entry.name) && isSafeName(here.odd.text(entry.name)) && fits(entry)
         && (entry.type != 'd' || here.folder->depth < deepest);
 }
 
 void TreeGetter::reject(const Listed &here, const TreeEntry &entry)
 {
     const std::string shown = here.odd.text(entry.name);
-    const bool safe = isSafeName(entry.name) && isSafeName(shown);
-    m_crew.note((safe ? "Zu tief verschachtelt, nicht übertragen: "
-                      : "Unzulässiger Name vom Server, nicht übertragen: ")
-                + shown);
-    m_crew.failed({ ErrorKind::UnsafeName, 0,
-                    safe ? "Folders are nested too deeply" : "Unsafe name from the server" });
+    if (!isSafeName(entry.name) || !isSafeName(shown)) {
+        m_notes.add("Unzulässiger Name vom Server, nicht übertragen: " + shown);
+        m_crew.failed({ ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
+    } else if (!fits(entry)) {
+        m_notes.add("Größer als der ganze lokale Datenträger, nicht übertragen: " + shown);
+        m_crew.failed({ ErrorKind::LocalFile, 0, "File too large: " + shown });
+    } else {
+        m_notes.add("Zu tief verschachtelt, nicht übertragen: " + shown);
+        m_crew.failed({ ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+    }
 }
 
 /// Links to folders are passed over: what they lead to is no part of the tree, or is in it anyway.
@@ -190,10 +210,11 @@ Awaitable<void> TreeGetter::judgeLinks()
     auto replies = co_await session.askAll(commands);
     for (std::size_t i = 0; replies && i < m_links.size(); ++i) {
         if (!(*replies)[i].done()) {
-            m_crew.note("Verknüpfung ohne Ziel oder ohne Leserecht, nicht übertragen: "
+            m_notes.add("Verknüpfung ohne Ziel oder ohne Leserecht, nicht übertragen: "
                         + client().names().decodePath(m_links[i]));
         }
     }
+    m_notes.finish();
 }
 
 /// What a file will need, and what it will set free.

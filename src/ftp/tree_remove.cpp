@@ -157,26 +157,34 @@ Awaitable<Status> TreeRemover::removeFiles(Session &session, DoomedPointer folde
     co_return co_await stream.run();
 }
 
-/// Adds the folders of a listing as jobs, when it is the first one of its folder.
+/// Adds the folders of a listing as jobs, when it is the first one of its folder. What has to stay
+/// is told once, since a listing can hold any number.
 void TreeRemover::addFolders(const TreeListing &listing, const DoomedPointer &folder)
 {
+    bool unsafe = false, deep = false;
     TreeListing::Position at;
     while (const auto entry = listing.next(at)) {
         if (!entry->isDot() && entry->type != 'l' && !isSafeName(entry->name)) {
-            refuse(folder->path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
-        } else if (entry->type == 'd' && isDoomed(*entry) && !folder->walked) {
+            unsafe = true;
+        } else if (entry->type != 'd' || !isDoomed(*entry) || folder->walked) {
+            continue;
+        } else if (folder->depth >= deepestFolder) {
+            deep = true;
+        } else {
             addFolder(joinPath(folder->path, entry->name), folder);
         }
     }
     folder->walked = true;
+    if (unsafe) {
+        refuse(folder->path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
+    }
+    if (deep) {
+        refuse(folder->path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+    }
 }
 
 void TreeRemover::addFolder(std::string path, const DoomedPointer &parent)
 {
-    if (parent->depth >= deepestFolder) {
-        refuse(path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
-        return;
-    }
     ++parent->pending;
     auto below = std::make_shared<Doomed>();
     below->parent = parent;

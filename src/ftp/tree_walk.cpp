@@ -88,21 +88,28 @@ private:
         co_return co_await m_visit(m_session, folder.path, *listing);
     }
 
+    /// What may not be entered is told once for each folder, since a listing can hold any number.
     void addFolders(const Pending &folder, const std::string &here, const TreeListing &listing)
     {
+        bool unsafe = false, deep = false;
         TreeListing::Position at;
         while (const auto entry = listing.next(at)) {
             if (entry->type != 'd' || entry->isDot()) {
                 continue;
             }
-            const std::string path = joinPath(folder.path, entry->name);
             if (!isSafeName(entry->name)) {
-                m_failed(path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
+                unsafe = true;
             } else if (folder.depth >= deepestFolder) {
-                m_failed(path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+                deep = true;
             } else {
-                m_pending.push_back({ path, here, folder.depth + 1 });
+                m_pending.push_back({ joinPath(folder.path, entry->name), here, folder.depth + 1 });
             }
+        }
+        if (unsafe) {
+            m_failed(folder.path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
+        }
+        if (deep) {
+            m_failed(folder.path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
         }
     }
 

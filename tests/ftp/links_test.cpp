@@ -151,4 +151,6 @@ TEST_F(LinksOnlyInLists, ThatAreManyAndDeadDoNotEndTheSession)
     ftp::Client &client = connected();
     EXPECT_TRUE(run(ftp::getTree(client, "/web", local("web"), Type::Binary)));
     EXPECT_TRUE(client.usable());
+    EXPECT_TRUE(noted("... und 19900 weitere"));
+    EXPECT_LE(m_client->notes().size(), 101U);
 }

@@ -129,4 +129,7 @@ TEST(OutgoingFile, OnlyRegularFilesAreRead)
     EXPECT_FALSE(ftp::OutgoingFile().open(folder.path.string()));
     EXPECT_FALSE(ftp::fileSize(folder.path.string()).has_value());
     EXPECT_FALSE(ftp::freeSpace(folder / "missing").has_value());
+    EXPECT_FALSE(ftp::diskSize(folder / "missing").has_value());
+    EXPECT_LE(ftp::freeSpace(folder.path.string()).value(),
+              ftp::diskSize(folder.path.string()).value());
 }

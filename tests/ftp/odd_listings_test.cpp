@@ -2,6 +2,7 @@
 #include "ftp/tree.h"
 
 #include "ftp/faultcase.h"
+#include "ftp/few_notes.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -30,6 +31,21 @@ protected:
 
 } // namespace
 
+TEST_F(OddListings, AnAbsurdSizeKeepsOnlyItsOwnFileAway)
+{
+    store("klein", 10);
+    server.fault.machineListing
+        = "type=file;size=4611686018427387904;modify=20260101000000; riesig\r\n"
+          "type=file;size=10;modify=20260101000000; klein\r\n";
+    connected();
+    const auto got = fetch();
+    ASSERT_FALSE(got);
+    EXPECT_EQ(got.error().kind, ErrorKind::LocalFile);
+    EXPECT_TRUE(noted("Größer als der ganze lokale Datenträger, nicht übertragen: riesig"));
+    EXPECT_EQ(differs("klein"), "");
+    EXPECT_EQ(server.lines("RETR").size(), 1U);
+}
+
 TEST_F(OddListings, WhatMachinesReadIsEnoughWhereNobodyReadsTheOther)
 {
     store("unten/f", 3000);
@@ -38,4 +54,25 @@ TEST_F(OddListings, WhatMachinesReadIsEnoughWhereNobodyReadsTheOther)
     const auto got = fetch();
     EXPECT_TRUE(got) << got.error().text;
     EXPECT_EQ(differs("unten/f"), "");
+}
+
+TEST_F(OddListings, ManyUnsafeNamesAreToldInFewLines)
+{
+    std::string listing = "type=file;size=10;modify=20260101000000; klein\r\n";
+    for (int i = 0; i < 5000; ++i) {
+        listing += "type=file;size=1; ../" + std::to_string(i) + "\r\n";
+    }
+    store("klein", 10);
+    server.fault.machineListing = listing;
+    connected();
+    const auto got = fetch();
+    ASSERT_FALSE(got);
+    EXPECT_EQ(got.error().kind, ErrorKind::UnsafeName);
+    EXPECT_EQ(differs("klein"), "");
+    ASSERT_EQ(m_client->notes().size(), ftp::FewNotes::most + 1);
+    EXPECT_EQ(m_client->notes().back(), "... und 4900 weitere");
+    m_client->notes().clear();
+    server.fault.listing = "-rw-r--r-- 1 u g 10 Jan 01 2026 klein\r\n";
+    EXPECT_FALSE(run(ftp::removeTree(m_client->client(), "/web")));
+    EXPECT_LE(m_client->notes().size(), 2U);
 }

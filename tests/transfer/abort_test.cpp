@@ -251,9 +251,11 @@ TEST_F(ChangingTransfer, AFolderThatCannotFitIsNotBegun)
     servers::writeFile(server.root() / "netz" / "klein", "x");
     ASSERT_TRUE(login(server));
     showBoth();
-    server.fault.machineListing
-        = std::string("type=file;size=900000000000000000;modify=20260101000000; riesig\r\n"
-                      "type=file;size=1;modify=20260101000000; klein\r\n");
+    // Twice as much as the disk could hold if it were empty.
+    const auto all = std::filesystem::space(disk().toStdString()).capacity;
+    const std::string big = "type=file;size=" + std::to_string(all) + ";modify=20260101000000; ";
+    server.fault.machineListing = big + "riesig\r\n" + big + "riesig2\r\n"
+        + "type=file;size=1;modify=20260101000000; klein\r\n";
     remote.select({ u"netz"_s });
     commands.cmd_download_Click();
     ASSERT_EQ(shell.queue.size(), 1);
