@@ -95,7 +95,7 @@ Awaitable<Result<std::optional<std::int64_t>>> listedSize(Session &session, std:
         }
     }
     ListingParser::Take take = [&](const Entry &entry) {
-        if (entry.type == '-' && entry.name == name) {
+        if (entry.type == '-' && entry.name == name && entry.exact) {
             size = entry.size;
         }
     };

@@ -21,6 +21,7 @@ struct Entry {
     std::string name;
     char type = '-'; ///< 'd' folder, 'l' link, '-' anything else
     std::int64_t size = 0; ///< bytes, 0 where the dialect gives none, saturated at 2^63-1
+    bool exact = true; ///< of size; VMS counts blocks, and its files may be somewhat shorter
     std::optional<CivilTime> time; ///< as printed; nothing when absent or impossible
     Precision precision = Precision::Second; ///< of time
     bool utc = false; ///< time is UTC (MLSD, EPLF), else the server's unknown clock
@@ -65,9 +66,9 @@ public:
     [[nodiscard]] bool understood() const { return m_understood; }
     /// Entries told so far.
     [[nodiscard]] std::size_t entries() const { return m_entries; }
-
     /// The text stopped in the middle of a line so far.
     [[nodiscard]] bool inLine() const { return !m_begun.empty(); }
+
 private:
     void takeLine(std::string_view line);
 

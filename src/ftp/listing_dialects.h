@@ -107,6 +107,7 @@ public:
 private:
     std::string m_name; ///< name from the line before
     std::size_t m_nameLine = 0;
+    std::string m_last; ///< name of the last file
 };
 
 /// MVS, whose heading says what the columns are.

@@ -92,9 +92,13 @@ Verdict VmsReader::parse(Text line, std::size_t number, Entry &entry)
     }
     stamp.precision = *precision;
     entry.size = *size;
+    entry.exact = false;
     putName(name, entry);
     putTime(stamp, {}, entry);
-    return Verdict::Entry;
+    // Older versions stand below the newest, which is the one that commands without one mean.
+    const bool older = entry.type != 'd' && entry.name == m_last;
+    m_last = entry.type == 'd' ? std::string() : entry.name;
+    return older ? Verdict::Passed : Verdict::Entry;
 }
 
 } // namespace ftp::dialects

@@ -240,7 +240,8 @@ Job TreeGetter::nextFile(Listed &from)
     job.name = entry->name;
     job.localName = from.odd.text(entry->name);
     job.link = entry->type == 'l';
-    job.size = job.link || entry->size == 0 ? -1 : entry->size; // not every dialect has sizes
+    const bool sized = !job.link && entry->size != 0 && entry->exact;
+    job.size = sized ? entry->size : -1; // not every dialect has sizes
     const ServerKnowledge &server = client().session().knowledge();
     job.time = entry->time - (entry->utc || entry->time == 0 ? 0 : server.zoneOffset.value_or(0));
     // The first file with a time tells how the server's clock goes.

@@ -18,6 +18,7 @@ void TreeListing::add(const Entry &entry)
     head.time = entry.time ? toEpoch(*entry.time) : 0;
     head.utc = entry.utc;
     head.clock = entry.time && entry.precision != Entry::Precision::Day;
+    head.exact = entry.exact;
     head.nameLength = static_cast<std::uint32_t>(entry.name.size());
     head.type = entry.type;
     if (m_blocks.empty()) {
@@ -56,7 +57,7 @@ std::optional<TreeEntry> TreeListing::next(Position &at) const
     const std::string_view block = m_blocks[at.block];
     const std::string_view name = block.substr(at.byte + sizeof head, head.nameLength);
     at.byte += sizeof head + head.nameLength;
-    return TreeEntry { name, head.type, head.size, head.time, head.utc, head.clock };
+    return TreeEntry { name, head.type, head.size, head.exact, head.time, head.utc, head.clock };
 }
 
 void TreeListing::markLinks(const TreeListing &plain)

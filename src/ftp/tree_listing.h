@@ -16,6 +16,7 @@ struct TreeEntry {
     std::string_view name; ///< raw bytes; of the listing, as long as that lives
     char type = '-'; ///< as Entry::type
     std::int64_t size = 0; ///< bytes
+    bool exact = true; ///< as Entry::exact
     std::int64_t time = 0; ///< as listed, seconds since 1970; 0 unknown
     bool utc = false; ///< of time; else it is by the server's unknown clock
     bool clock = false; ///< time is more exact than a day
@@ -48,7 +49,7 @@ private:
         std::int64_t size, time;
         std::uint32_t nameLength;
         char type;
-        bool utc, clock;
+        bool utc, clock, exact;
     };
     bool settle(Position &at) const;
     [[nodiscard]] Head headAt(const Position &at) const;

@@ -194,6 +194,21 @@ TEST(ParseVms, WantsTheSecondHalfRightBehindTheFirst)
     EXPECT_EQ(entryOf("A.TXT;1  99999999999999999999  5-MAR-2024 09:16").size, INT64_MAX);
 }
 
+TEST(ParseVms, TellsTheNewestVersionAloneAndThatSizesAreBlocks)
+{
+    const ftp::Listing listing = ftp::parseList("A.DIR;1  1  5-MAR-2024 09:16\r\n"
+                                                "A.;2  4  5-MAR-2024 09:16\r\n"
+                                                "A.;1  3  5-MAR-2024 09:16\r\n"
+                                                "B.;1  3  5-MAR-2024 09:16\r\n",
+                                                now);
+    ASSERT_EQ(listing.entries.size(), 3U);
+    EXPECT_EQ(listing.entries[1].name, "A.");
+    EXPECT_EQ(listing.entries[1].size, 2048);
+    EXPECT_FALSE(listing.entries[1].exact);
+    EXPECT_EQ(listing.entries[2].name, "B.");
+    EXPECT_TRUE(entryOf("-rw-r--r-- 1 u g 5 Nov 20 09:15 a").exact);
+}
+
 TEST(ParseMvs, ReadsNoRowsWithoutAHeading)
 {
     EXPECT_FALSE(

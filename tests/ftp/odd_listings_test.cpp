@@ -10,6 +10,7 @@
 namespace fs = std::filesystem;
 using ftp::ErrorKind;
 using ftp::Type;
+using testing::ElementsAre;
 
 namespace {
 
@@ -44,6 +45,21 @@ TEST_F(OddListings, AnAbsurdSizeKeepsOnlyItsOwnFileAway)
     EXPECT_TRUE(noted("Größer als der ganze lokale Datenträger, nicht übertragen: riesig"));
     EXPECT_EQ(differs("klein"), "");
     EXPECT_EQ(server.lines("RETR").size(), 1U);
+}
+
+TEST_F(OddListings, SizesInBlocksAreNoProofAndOlderVersionsNoFiles)
+{
+    store("INDEX.HTML", 700);
+    server.fault.noMlsd = true;
+    server.fault.listing
+        = "Directory DISK$WEB:[WEB]\r\n\r\n"
+          "INDEX.HTML;3   2/3   20-NOV-2026 09:15:42  [WEB,OPER]  (RWED,RWED,RE,RE)\r\n"
+          "INDEX.HTML;2   4/6   19-NOV-2026 09:15:42  [WEB,OPER]  (RWED,RWED,RE,RE)\r\n";
+    connected();
+    const auto got = fetch();
+    EXPECT_TRUE(got) << got.error().text;
+    EXPECT_EQ(differs("INDEX.HTML"), "");
+    EXPECT_THAT(server.lines("RETR"), ElementsAre("RETR /web/INDEX.HTML"));
 }
 
 TEST_F(OddListings, WhatMachinesReadIsEnoughWhereNobodyReadsTheOther)
