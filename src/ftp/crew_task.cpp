@@ -25,6 +25,18 @@ Awaitable<Result<std::vector<Reply>>> CrewTask::prepare(Session &session, Flow &
     co_return replies;
 }
 
+/// Whether a job may have broken off because commands for the next one were behind it. A file that
+/// became shorter since it was listed looks like that, too, but many do not.
+bool CrewTask::blamesLookAhead(const Error &error)
+{
+    constexpr int mostShrunk = 3;
+    if (error.kind == ErrorKind::Truncated && m_cutShort < mostShrunk) {
+        ++m_cutShort;
+        return false;
+    }
+    return error.kind != ErrorKind::Aborted;
+}
+
 Status CrewTask::lookAhead(Session &session, std::optional<Flow> &next)
 {
     if (!looksAhead(session)) {
@@ -127,7 +139,7 @@ Awaitable<Status> CrewTask::workOff(Session &session)
         Status step = co_await carryOut(session, *current, next);
         if (!step) {
             const bool goesOn = session.usable() && brokeInTheMiddle(step.error());
-            if (next && step.error().kind != ErrorKind::Aborted) {
+            if (next && blamesLookAhead(step.error())) {
                 session.knowledge().noLookAhead = true; // perhaps it was that, so it costs no try
                 --current->job.tries;
             }

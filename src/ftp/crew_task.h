@@ -140,8 +140,10 @@ private:
     Awaitable<Status> carryOut(Session &session, Flow &current, std::optional<Flow> &next);
     Awaitable<Result<std::vector<Reply>>> prepare(Session &session, Flow &flow);
     Status lookAhead(Session &session, std::optional<Flow> &next);
+    bool blamesLookAhead(const Error &error);
 
     Type m_type;
+    int m_cutShort = 0; ///< jobs that ended too early for no fault of the server, as it seems
 };
 
 } // namespace ftp

@@ -72,6 +72,22 @@ TEST_F(OddListings, WhatMachinesReadIsEnoughWhereNobodyReadsTheOther)
     EXPECT_EQ(differs("unten/f"), "");
 }
 
+TEST_F(OddListings, AFileThatBecameShorterDoesNotSlowTheOthersDown)
+{
+    std::string listing;
+    for (int i = 0; i < 20; ++i) {
+        store(std::to_string(i), 3000);
+        listing += "type=file;size=" + std::string(i == 3 ? "5000" : "3000")
+            + ";modify=20260101000000; " + std::to_string(i) + "\r\n";
+    }
+    server.fault.machineListing = listing;
+    connected();
+    const auto got = fetch();
+    EXPECT_TRUE(got) << got.error().text;
+    EXPECT_EQ(servers::difference(local("web"), server.root() / "web"), "");
+    EXPECT_FALSE(m_client->knowledge().noLookAhead);
+}
+
 TEST_F(OddListings, ManyUnsafeNamesAreToldInFewLines)
 {
     std::string listing = "type=file;size=10;modify=20260101000000; klein\r\n";
