@@ -51,8 +51,10 @@ Status CrewTask::lookAhead(Session &session, std::optional<Flow> &next)
     if (next->job.tries > 0) {
         return {}; // it is continued step by step
     }
-    if (next->job.isFolder() && !session.knowledge().keepsOrder) {
-        return {}; // the 250 to its CWD, given too early, would look like the end of this transfer
+    if ((next->job.isFolder() || next->job.unlisted) && !session.knowledge().keepsOrder) {
+        // The 250 to its CWD or the 550 to its SIZE, given too early, would look like the end of
+        // this transfer.
+        return {};
     }
     auto commands = mover().preparations(session, *next);
     if (!commands) {

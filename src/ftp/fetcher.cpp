@@ -105,7 +105,7 @@ Awaitable<Result<bool>> Fetcher::takeReplies(Session &session, Flow &flow,
     if (!flow.facts.empty()) {
         const RemoteFacts facts = takeFacts(session, flow.facts, replies);
         ServerKnowledge &server = session.knowledge();
-        if (facts.modified && flow.job.time != 0 && !server.zoneOffset) {
+        if (facts.modified && flow.job.time != 0 && !flow.job.link && !server.zoneOffset) {
             server.zoneOffset = zoneOf(flow.job.time, *facts.modified);
         }
         flow.job.size = facts.size.value_or(flow.job.size);
@@ -220,9 +220,8 @@ Awaitable<Status> Fetcher::receiveBytes(Session &session, Flow &flow)
         co_return fail(ErrorKind::Protocol, "The server does not take commands during a transfer");
     }
     if (finished && m_task.type() == Type::Binary) {
-        const bool known = !job.link && job.size >= 0;
-        finished = checkComplete(session, bytes, known ? std::optional(job.size) : std::nullopt,
-                                 properEnd);
+        finished = checkComplete(session, bytes,
+                                 job.size >= 0 ? std::optional(job.size) : std::nullopt, properEnd);
     } else if (finished) {
         finished = checkComplete(session, bytes, std::nullopt, properEnd);
     }
@@ -263,19 +262,19 @@ Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
     }
     if (!end) {
         co_return tl::unexpected(end.error());
+    }
     if (!end->whole) {
         co_return listingCut(session, flow, end->bytes);
     }
     flow.job.cut.reset();
-    }
     if (!end->understood && flow.withOption && !flow.job.plain) {
         flow.job.plain = true; // perhaps the option was taken for a name
         m_task.putBack(std::move(flow.job));
         co_return Status {};
+    }
     if (end->isStrange() && flow.job.machine) {
         machineMustDo(flow.job);
         co_return Status {};
-    }
     }
     if (end->isStrange()) {
         m_task.refused(session, flow.job,
@@ -312,8 +311,6 @@ Status Fetcher::listingRefused(Session &session, Flow &flow, const Error &error)
     return {};
 }
 
-/// A machine listing with folders is compared with LIST before anything is done with it: links to
-/// folders that look like folders would be followed without end.
 /// LIST has nothing to add.
 void Fetcher::machineMustDo(const Job &job)
 {
@@ -333,6 +330,8 @@ Status Fetcher::listingCut(Session &session, Flow &flow, std::size_t bytes)
     return {};
 }
 
+/// A machine listing with folders is compared with LIST before anything is done with it: links to
+/// folders that look like folders would be followed without end.
 Status Fetcher::takeListing(Session &session, Job &job, TreeListing listing)
 {
     if (byMachine(session, job) && listing.hasFolders()) {

@@ -245,8 +245,12 @@ Job TreeGetter::nextFile(Listed &from)
     const ServerKnowledge &server = client().session().knowledge();
     job.time = entry->time - (entry->utc || entry->time == 0 ? 0 : server.zoneOffset.value_or(0));
     // The first file with a time tells how the server's clock goes.
-    job.unlisted = entry->clock && !entry->utc && !server.zoneOffset && !job.link
-        && !server.noModificationTime;
+    const bool first
+        = entry->clock && !entry->utc && !server.zoneOffset && !server.noModificationTime;
+    // The listing tells nothing about what a link leads to. Where asking would cost the look ahead
+    // it is not worth that.
+    const bool free = server.keepsOrder || !client().session().lookAhead();
+    job.unlisted = job.link ? free : first;
     return job;
 }
 

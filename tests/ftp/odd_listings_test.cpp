@@ -88,6 +88,40 @@ TEST_F(OddListings, AFileThatBecameShorterDoesNotSlowTheOthersDown)
     EXPECT_FALSE(m_client->knowledge().noLookAhead);
 }
 
+TEST_F(OddListings, HalfOfWhatALinkLeadsToIsNotAll)
+{
+    servers::writeRandomFile(server.root() / "ziel", 5000);
+    fs::create_directories(server.root() / "web");
+    fs::create_symlink("../ziel", server.root() / "web" / "verweis");
+    server.fault.greeting = "220 ProFTPD Server ready."; // such a server keeps the order
+    server.fault.truncateDataAfter = 1000;
+    for (const bool machine : { true, false }) {
+        SCOPED_TRACE(machine);
+        server.fault.noMlsd = !machine;
+        connected();
+        const auto got = fetch();
+        ASSERT_FALSE(got);
+        EXPECT_EQ(got.error().kind, ErrorKind::Truncated);
+    }
+}
+
+TEST_F(OddListings, WhatIsAskedAboutTheNextFileIsNoNewsOfThisOne)
+{
+    servers::writeRandomFile(server.root() / "ziel", 300000);
+    fs::create_directories(server.root() / "web");
+    fs::create_symlink("../ziel", server.root() / "web" / "a");
+    server.fault.noMlsd = true;
+    server.fault.listing = "lrwxrwxrwx 1 u g 7 Jan 01 2026 a -> ../ziel\r\n"
+                           "-rw-r--r-- 1 u g 7 Nov 20 09:15 weg\r\n";
+    server.fault.answersDuringTransfers = true;
+    prepared().login().timeout = std::chrono::seconds(3);
+    ASSERT_TRUE(m_client->open());
+    const auto got = fetch();
+    ASSERT_FALSE(got);
+    EXPECT_EQ(got.error().replyCode, 550);
+    EXPECT_EQ(differs("a"), "");
+}
+
 TEST_F(OddListings, ManyUnsafeNamesAreToldInFewLines)
 {
     std::string listing = "type=file;size=10;modify=20260101000000; klein\r\n";
