@@ -10,7 +10,7 @@ seconds=${1:-60}
 shift || true
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
-    targets=(reply list mlsd feat address pwd convert profile)
+    targets=(reply list mlsd feat address pwd facts names convert profile localnames trust)
 fi
 
 cmake -S "$top" -B "$build" -G Ninja -DFUZZ=ON -DCMAKE_CXX_COMPILER="${FUZZ_CXX:-clang++-16}" \

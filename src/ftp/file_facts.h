@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ftp/client.h"
+#include "ftp/fact_replies.h"
 #include "ftp/localfile.h"
 
 #include <optional>
@@ -15,16 +16,6 @@ struct RemoteFacts {
     std::optional<std::int64_t> size; ///< bytes
     std::optional<std::int64_t> modified; ///< seconds since 1970, UTC
 };
-
-/// The server does not know such a command, which says nothing about the file.
-[[nodiscard]] bool isUnknown(const Reply &reply);
-/// Bytes that a reply to SIZE tells; nothing when it is a refusal or strange.
-[[nodiscard]] std::optional<std::int64_t> sizeOf(const Reply &reply);
-
-/// How far a listing's clock is ahead of UTC, in seconds; nothing when the two times do not belong
-/// together (zones are multiples of a quarter of an hour within 14 hours).
-/// @param listed, utc  the same file's time in the listing and by MDTM, seconds since 1970
-[[nodiscard]] std::optional<std::int64_t> zoneOf(std::int64_t listed, std::int64_t utc);
 
 /// SIZE and MDTM (RFC 3659, sections 3 and 4), as far as the server knows them and they tell
 /// something for that type; they may travel with other commands.
