@@ -249,8 +249,9 @@ void frm_tarvelo::rememberFolder(bool remote)
                                    "der Verbindung speichern lassen."_s);
         return;
     }
-    const auto written = remote ? rememberRemote(m_globals, m_remote->box().currentText())
-                                : rememberLocal(m_globals, m_local->box().currentText());
+    const auto written = remote
+        ? rememberRemote(m_globals, m_remote->box().currentText())
+        : rememberLocal(m_globals, absoluteFolder(m_local->box().currentText()));
     if (!written) {
         m_services.prompts.message(written.error());
     }

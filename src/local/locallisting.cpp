@@ -6,6 +6,7 @@
 #include "remote/roworder.h"
 
 #include <QDateTime>
+#include <QDir>
 
 #include <algorithm>
 #include <dirent.h>
@@ -107,6 +108,18 @@ QString LocalDates::text(qint64 secondsSinceEpoch)
     QString time = minuteText(parts);
     time.replace(secondsPlace, m_seconds.at(static_cast<std::size_t>(parts.tm_sec)));
     return dayText(parts) + time;
+}
+
+QString absoluteFolder(const QString &text)
+{
+    const QString plain = trimBlanks(text);
+    if (plain.isEmpty() || plain.startsWith(LocalSeparator)) {
+        return text;
+    }
+    if (plain == u"~" || plain.startsWith(u"~/")) {
+        return QDir::homePath() + plain.mid(1);
+    }
+    return joinPath(QDir::homePath(), plain);
 }
 
 QString localFolderOf(const LocalRequest &request)

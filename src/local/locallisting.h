@@ -24,6 +24,10 @@ struct LocalListing {
     QList<PaneRow> rows; ///< up row, folders, files; each group by name
 };
 
+/// What a text in a folder box means: "~" is the home folder, and names without a separator in
+/// front count from there, never from where the program happened to be started.
+[[nodiscard]] QString absoluteFolder(const QString &text);
+
 /// The folder that a request means: a folder that exists under the very text of the box is taken
 /// as it stands, everything else from a box is normalised. Asks the disk.
 [[nodiscard]] QString localFolderOf(const LocalRequest &request);

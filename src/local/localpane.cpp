@@ -103,7 +103,8 @@ void LocalPane::ListLocalFolder(const QString &path, FolderSource source)
 {
     abandonJob();
     m_job = std::make_shared<Job>();
-    m_job->request = { path, source, m_globals.settings.HiddenFile };
+    const QString wanted = source == FolderSource::Box ? absoluteFolder(path) : path;
+    m_job->request = { wanted, source, m_globals.settings.HiddenFile };
     m_job->pane = this;
     try {
         // Detached: a thread that hangs on a dead mount must not keep anything else waiting.

@@ -220,3 +220,15 @@ TEST(LocalDatesTest, EveryHourMinuteAndSecondReadsAsTheLocaleWritesIt)
     }
     QLocale::setDefault(before);
 }
+
+TEST(AbsoluteFolder, WhatIsNoWholePathCountsFromTheHomeFolder)
+{
+    const QString home = QDir::homePath();
+    EXPECT_EQ(absoluteFolder(QStringLiteral("~")), home);
+    EXPECT_EQ(absoluteFolder(QStringLiteral("~/Bilder ")), home + QStringLiteral("/Bilder"));
+    EXPECT_EQ(absoluteFolder(QStringLiteral("Bilder")), home + QStringLiteral("/Bilder"));
+    EXPECT_EQ(absoluteFolder(QStringLiteral("~anna")), home + QStringLiteral("/~anna"));
+    for (const char *whole : { "/tmp", " /tmp", "/tmp/a ", "", " " }) {
+        EXPECT_EQ(absoluteFolder(QLatin1String(whole)), QLatin1String(whole));
+    }
+}

@@ -326,3 +326,18 @@ TEST(LocalPaneHanging, ThePaneMayGoBeforeItsReader)
     hanging->release.release();
     EXPECT_TRUE(QTest::qWaitFor([&] { return hanging->left.load(); }));
 }
+
+TEST_F(LocalPaneTest, ANameWithoutItsFolderIsLookedForInTheHomeFolder)
+{
+    const QByteArray before = qgetenv("HOME");
+    qputenv("HOME", m_root.path().toLocal8Bit());
+    for (const char *text : { "bilder", "~/bilder" }) {
+        list(QLatin1String(text));
+        EXPECT_EQ(m_pane.folder(), path("bilder/"));
+        EXPECT_EQ(names(), "<up> alt");
+        m_pane.goUp();
+        settle();
+        EXPECT_EQ(m_pane.folder(), path("") + u'/');
+    }
+    qputenv("HOME", before);
+}
