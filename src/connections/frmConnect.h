@@ -55,6 +55,7 @@ private:
     void onNew();
     void onReset();
     void onDelete();
+    void forgetCurrent(const QString &deleted);
     void onLogin();
     void onBrowse();
     [[nodiscard]] bool timeoutIsValid();

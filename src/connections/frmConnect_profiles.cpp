@@ -4,6 +4,7 @@
 #include "common/globals.h"
 #include "common/mo_standard.h"
 #include "common/prompts.h"
+#include "common/settingsstore.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -104,6 +105,18 @@ void frmConnect::onNew()
     m_cbo_profil->setFocus();
 }
 
+/// Without a profile there is nothing to remember folders in: they would bring the deleted one
+/// back, password included.
+void frmConnect::forgetCurrent(const QString &deleted)
+{
+    QString &current = m_globals.session.Lastconnect;
+    if (current.compare(deleted, Qt::CaseInsensitive) == 0) {
+        current.clear();
+        ignoreError(m_services.store.save(u"Settings"_s, { { u"Lastconnect"_s, {} } }),
+                    "the next start then selects no profile, since there is none of that name");
+    }
+}
+
 void frmConnect::onDelete()
 {
     const QString name = m_cbo_profil->currentText();
@@ -120,6 +133,7 @@ void frmConnect::onDelete()
         m_services.prompts.message(u"Die Verbindung konnte nicht gelöscht werden."_s);
         return;
     }
+    forgetCurrent(name);
     const QSignalBlocker quiet(m_cbo_profil);
     m_cbo_profil->removeItem(entryOf(name));
     m_cbo_profil->setCurrentIndex(-1);

@@ -105,6 +105,18 @@ TEST_F(ConnectDialog, DeletingAsksAndRemovesFileAndEntry)
     EXPECT_FALSE(QFile::exists(base.filePath(u"Heim.extra"_s)));
     EXPECT_EQ(names()->count(), 0);
     EXPECT_EQ(edit("txtRemoteHost")->text(), u"files01"_s);
+    EXPECT_EQ(globals.session.Lastconnect, QString()) << "no folder is remembered in it any more";
+}
+
+TEST_F(ConnectDialog, DeletingAnotherProfileLeavesTheCurrentOne)
+{
+    writeHome();
+    globals.session.Lastconnect = u"Büro"_s;
+    open();
+    names()->setCurrentIndex(0);
+    prompts.expectQuestion(u"Sind Sie sicher, dass Sie die Verbindung löschen möchten."_s, true);
+    press("cmd_profil_loeschen");
+    EXPECT_EQ(globals.session.Lastconnect, u"Büro"_s);
 }
 
 TEST_F(ConnectDialog, DeletingNeedsAnExistingName)
