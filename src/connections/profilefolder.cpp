@@ -44,6 +44,17 @@ tl::expected<void, QString> replaceFile(const QString &path, const QByteArray &b
         u"Die Verbindung konnte nicht gespeichert werden.\n%1: %2"_s.arg(path, file.errorString()));
 }
 
+/// Puts a file back as it was. That may fail, too; then the failure that is told already is the
+/// reason.
+void restore(const QString &path, const std::optional<QByteArray> &before)
+{
+    if (before) {
+        (void)replaceFile(path, *before);
+    } else {
+        (void)QFile::remove(path);
+    }
+}
+
 bool removeFile(const QString &path) { return !QFileInfo::exists(path) || QFile::remove(path); }
 
 } // namespace
@@ -109,12 +120,16 @@ tl::expected<void, QString> ProfileFolder::write(const QString &name,
     const ProfileBytes bytes = encodeProfile(fields);
     // The side file first: without it the other one could be misread, while one that does not
     // belong to it is noticed.
+    const auto sideBefore = contentOf(sidePath(path));
     if (!bytes.side.isEmpty()) {
         if (const auto written = replaceFile(sidePath(path), bytes.side); !written) {
             return written;
         }
     }
     if (const auto written = replaceFile(path, bytes.login); !written) {
+        if (!bytes.side.isEmpty()) {
+            restore(sidePath(path), sideBefore);
+        }
         return written;
     }
     if (bytes.side.isEmpty() && !removeFile(sidePath(path))) {

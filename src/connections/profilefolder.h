@@ -25,7 +25,8 @@ public:
     /// changes the fields that it has. @return the number of fields read, 11 for all
     int read(const QString &name, ProfileFields &fields) const;
     /// Writes a profile as a whole or not at all, for its owner alone.
-    /// @return a German sentence when that failed; then the file is as it was
+    /// @return a German sentence when that failed; then the profile is as it was, unless the
+    /// sentence names an outdated file that could not be deleted
     [[nodiscard]] tl::expected<void, QString> write(const QString &name,
                                                     const ProfileFields &fields) const;
     /// Removes a profile's files. @return whether it is gone

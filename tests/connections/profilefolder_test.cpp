@@ -160,6 +160,18 @@ TEST_F(Profiles, AFailedWriteLeavesTheOldFile)
     EXPECT_EQ(QDir(base.path()).entryList(QDir::Files), QStringList { u"Heim.login"_s });
 }
 
+TEST_F(Profiles, AFailedWriteLeavesTheSideFileToo)
+{
+    QDir(base.path()).mkpath(u"Heim.login/x"_s); // cannot be replaced
+    ProfileFields fields = withHost(u"files02"_s);
+    fields.encryption = 1;
+    EXPECT_FALSE(folder.write(u"Heim"_s, fields));
+    EXPECT_EQ(bytes(u"Heim.extra"_s), "missing");
+    put(u"Heim.extra"_s, "Encryption=2\n");
+    EXPECT_FALSE(folder.write(u"Heim"_s, fields));
+    EXPECT_EQ(bytes(u"Heim.extra"_s), "Encryption=2\n");
+}
+
 TEST_F(Profiles, AFolderThatCannotBeWrittenIsTold)
 {
     const ProfileFolder missing(base.filePath(u"weg"_s));
