@@ -33,6 +33,31 @@ QString preparedFile(const QString &file)
     return file;
 }
 
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Copies a file to ".defekt", ".defekt2" and so on beside it, unless it was copied before. The
+/// next save drops the lines that are no entries; whoever wrote them finds them there.
+void keepBroken(const QString &file)
+{
+    constexpr int mostCopies = 99;
+    const QByteArray content = contentOf(file);
+    for (int number = 1; number <= mostCopies; ++number) {
+        const QString copy
+            = file + u".defekt"_s + (number > 1 ? QString::number(number) : QString());
+        if (!QFileInfo::exists(copy)) {
+            (void)QFile::copy(file, copy); // a folder that takes no copy takes no save either
+            return;
+        }
+        if (contentOf(copy) == content) {
+            return;
+        }
+    }
+}
+
 std::optional<double> wholeTextAsNumber(const QString &text)
 {
     static const QRegularExpression form(
@@ -69,8 +94,7 @@ SettingsStore::SettingsStore(const QString &file)
 {
     (void)m_settings->allKeys(); // sections are only parsed when somebody asks
     if (m_settings->status() == QSettings::FormatError) {
-        // The next save drops the lines that are no entries; whoever wrote them finds them here.
-        QFile::copy(m_file, m_file + u".defekt"_s);
+        keepBroken(m_file);
     }
 }
 

@@ -299,6 +299,23 @@ TEST_F(Store, LinesThatAreNoEntriesAreKeptInACopy)
     EXPECT_EQ(copy.readAll(), typed);
 }
 
+TEST_F(Store, EveryBrokenFileIsKeptAndNoneTwice)
+{
+    const QByteArray first("[Settings]\nerste Zeile ohne Wert\n");
+    const QByteArray second("[Settings]\nzweite Zeile ohne Wert\n");
+    for (const QByteArray &typed : { first, first, second }) {
+        write(typed);
+        const SettingsStore store(file);
+    }
+    const auto kept = [this](const QString &ending) {
+        QFile copy(file + ending);
+        return copy.open(QIODevice::ReadOnly) ? copy.readAll() : QByteArray("missing");
+    };
+    EXPECT_EQ(kept(u".defekt"_s), first);
+    EXPECT_EQ(kept(u".defekt2"_s), second);
+    EXPECT_EQ(kept(u".defekt3"_s), "missing");
+}
+
 TEST_F(Store, TwoProgramsDoNotLoseEachOthersValues)
 {
     SettingsStore one(file);
