@@ -12,20 +12,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr std::chrono::seconds patience { 2 };
-
-/// Whether a start folder is there; one on a dead network mount is not, or the window would stand
-/// still behind every login.
-bool isThere(const QString &folder)
-{
-    return !trimBlanks(folder).isEmpty()
-        && yesInTime([folder] { return EnsureFolder(folder, false); }, patience);
-}
-
-} // namespace
-
 Logins::Logins(Globals &globals, SettingsStore &store, Prompts &prompts, Shell &shell, Pane &local,
                LoginWindow &window)
     : m_globals(globals)
@@ -46,29 +32,31 @@ void Logins::show_login()
         return;
     }
     m_window.showTransferType();
-    connect();
+    (void)connect(); // a start folder that is missing leaves the one that is shown
 }
 
-void Logins::connect()
+bool Logins::connect()
 {
     m_window.ConnectSequence();
     if (const auto saved = m_store.sync(); !saved) {
         m_shell.AppendLog(saved.error().text() + u"\r\n"_s);
     }
-    enterStartFolders();
+    return enterStartFolders();
 }
 
-void Logins::enterStartFolders()
+bool Logins::enterStartFolders()
 {
     const QString remote = m_globals.connection.RemoteDir;
     const QString local = m_globals.connection.LocalDir;
     if (!trimBlanks(remote).isEmpty()) {
         m_window.EnterRemoteFolder(remote);
     }
-    if (isThere(local)) {
+    const bool there = !trimBlanks(local).isEmpty() && isFolderInTime(local);
+    if (there) {
         m_local.setFolderText(local);
         m_local.listFolder(local);
     }
+    return there;
 }
 
 void Logins::load_commands(const QString &commandLine)
@@ -89,8 +77,7 @@ void Logins::load_commands(const QString &commandLine)
     save({ { u"Lastconnect"_s, {} } });
     m_window.setRememberButtonsEnabled(false); // there is no profile to write into
 
-    connect();
-    if (isThere(connection->LocalDir)) {
+    if (connect()) {
         m_window.selectLocalRowsFromSecond();
     }
     if (m_window.isLogoutEnabled()) {

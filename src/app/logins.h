@@ -44,8 +44,10 @@ public:
     void load_commands(const QString &commandLine);
 
 private:
-    void connect(); ///< the same for both; also tells when the connection could not be saved
-    void enterStartFolders();
+    /// The same for both; also tells when the connection could not be saved.
+    /// @return whether the local start folder is shown
+    [[nodiscard]] bool connect();
+    [[nodiscard]] bool enterStartFolders();
     void saveConnection();
     void save(const SettingsValues &values);
 

@@ -2,6 +2,7 @@
 
 #include "app/logfile.h"
 #include "common/globals.h"
+#include "common/intime.h"
 #include "common/mo_standard.h"
 #include "common/prompts.h"
 #include "remote/icons.h"
@@ -137,10 +138,11 @@ void LogPanel::saveLog()
 {
     // Intended: one more separator, even when the folder ends in one.
     const QString folder = m_settings.LogFolder + LocalSeparator;
+    const bool there = isFolderInTime(folder);
     std::optional<QString> name;
     if (m_settings.LogName) {
         name = LogFile::nextName(
-            [&](const QString &taken) { return QFileInfo::exists(folder + taken); });
+            [&](const QString &taken) { return there && QFileInfo::exists(folder + taken); });
     } else {
         const auto typed = m_prompts.input(u"Geben Sie einen Dateinamen für das LOG-Protokol an."_s,
                                            u"log.txt"_s);
@@ -149,7 +151,7 @@ void LogPanel::saveLog()
         }
         name = LogFile::completeName(*typed);
     }
-    if (name) {
+    if (name && there) {
         // Intended: a failed save is not told; the line below appears all the same.
         LogFile::write(folder + *name, text());
     }

@@ -1,5 +1,7 @@
 #include "common/intime.h"
 
+#include "common/mo_standard.h"
+
 #include <memory>
 #include <semaphore>
 #include <system_error>
@@ -26,4 +28,10 @@ bool yesInTime(const std::function<bool()> &question, std::chrono::milliseconds 
         return question(); // no thread to be had
     }
     return asked->answered.try_acquire_for(patience) && asked->answer;
+}
+
+bool isFolderInTime(const QString &folder)
+{
+    constexpr std::chrono::seconds patience { 2 };
+    return yesInTime([folder] { return EnsureFolder(folder, false); }, patience);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <chrono>
 #include <functional>
 
@@ -9,3 +11,7 @@
 /// @return the answer; false when none came
 [[nodiscard]] bool yesInTime(const std::function<bool()> &question,
                              std::chrono::milliseconds patience);
+
+/// Whether a folder is there; one on a network mount that does not answer within two seconds is
+/// not, or the window would stand still for ever.
+[[nodiscard]] bool isFolderInTime(const QString &folder);

@@ -1,5 +1,6 @@
 #include "common/workingfolders.h"
 
+#include "common/intime.h"
 #include "common/mo_standard.h"
 
 #include <QCoreApplication>
@@ -107,7 +108,7 @@ WorkingFolders workingFolders(const FolderSources &sources)
     folders.profiles = joinPath(folders.program, u"mo_def"_s);
     folders.temporary
         = withSeparator(joinPath(sources.temporary, u"tarvelo_ftp_temp"_s), LocalSeparator);
-    const bool hasDesktop = !sources.desktop.isEmpty() && QFileInfo(sources.desktop).isDir();
+    const bool hasDesktop = !sources.desktop.isEmpty() && isFolderInTime(sources.desktop);
     folders.desktop = hasDesktop ? sources.desktop : sources.home;
     return folders;
 }

@@ -1,5 +1,6 @@
 #include "dialogs/frm_get_folder.h"
 
+#include "common/intime.h"
 #include "common/mo_standard.h"
 #include "common/prompts.h"
 #include "dialogs/dialogparts.h"
@@ -78,7 +79,7 @@ frm_get_folder::frm_get_folder(Globals &globals, Prompts &prompts, const QList<D
     m_globals.folderChoice.FolderPicked = false;
     buildLayout();
     const QString &start = m_globals.folderChoice.PickedFolder;
-    const bool exists = !start.isEmpty() && EnsureFolder(start, false);
+    const bool exists = !start.isEmpty() && isFolderInTime(start);
     showFolder(exists ? QDir(start).absolutePath() : m_globals.folders.profiles);
 }
 
@@ -136,8 +137,9 @@ QLayout *frm_get_folder::driveRow()
     }
     connect(m_Drive1, &QComboBox::currentIndexChanged, this, &frm_get_folder::showDrive);
     auto *desktop = button(u"cmd_desktop"_s, u"&Desktop"_s, u"Desktop anzeigen"_s);
-    connect(desktop, &QPushButton::clicked, this,
-            [this] { showFolder(m_globals.folders.desktop); });
+    connect(desktop, &QPushButton::clicked, this, [this] {
+        isFolderInTime(m_globals.folders.desktop) ? showFolder(m_globals.folders.desktop) : void();
+    });
     auto *fresh = button(u"cmd_new_folder"_s, u"&Neuer Ordner"_s, u"Neuen Ordner erstellen"_s);
     connect(fresh, &QPushButton::clicked, this, &frm_get_folder::makeFolder);
     auto *row = new QHBoxLayout;
@@ -207,7 +209,9 @@ void frm_get_folder::selectDriveOf(const QString &folder)
 
 void frm_get_folder::showDrive(int index)
 {
-    if (index >= 0) {
+    if (index >= 0 && !isFolderInTime(m_drives.at(index).path)) {
+        selectDriveOf(shownFolder());
+    } else if (index >= 0) {
         const QString root = m_drives.at(index).path;
         m_Dir1->setRootIndex(m_model->index(root));
         m_Dir1->setCurrentIndex(m_Dir1->rootIndex());
@@ -223,12 +227,13 @@ void frm_get_folder::makeFolder()
         return;
     }
     const QString path = joinPath(shownFolder(), *name);
-    if (EnsureFolder(path, false)) {
+    if (isFolderInTime(path)) {
         m_prompts.message(u"Der Ordner konnte nicht erstelt werden, da ein Ordner mit diesem Namen "
                           "bereits vorhanden ist."_s);
         return;
     }
-    if (!QDir().mkdir(path)) {
+    constexpr std::chrono::seconds patience { 2 }; // as for every other question about a folder
+    if (!yesInTime([path] { return QDir().mkdir(path); }, patience)) {
         m_prompts.message(u"Der Ordner konnte nicht erstellt werden:\n%1"_s.arg(path));
         return;
     }
@@ -238,7 +243,7 @@ void frm_get_folder::makeFolder()
 void frm_get_folder::confirm()
 {
     const QString path = m_tx_pfad->text();
-    if (!EnsureFolder(path, false)) {
+    if (!isFolderInTime(path)) {
         m_prompts.message(
             u"Sie müssen einen Ordner(Verzeichnis) angeben oder 'Abbrechen' wählen"_s);
         return;

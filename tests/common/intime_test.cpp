@@ -1,5 +1,6 @@
 #include "common/intime.h"
 
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <memory>
 #include <semaphore>
@@ -21,4 +22,12 @@ TEST(YesInTime, NoAnswerIsANo)
     };
     EXPECT_FALSE(yesInTime(question, 1ms));
     deadMount->release();
+}
+
+TEST(FolderInTime, IsAFolderThatIsThere)
+{
+    const QTemporaryDir folder;
+    EXPECT_TRUE(isFolderInTime(folder.path()));
+    EXPECT_FALSE(isFolderInTime(folder.filePath(QStringLiteral("missing"))));
+    EXPECT_FALSE(isFolderInTime(QStringLiteral("/proc/self/stat")));
 }

@@ -39,14 +39,43 @@ def runs_alone(arguments, folder, display):
         finish(program)
 
 
+def picks_another_folder(program, good):
+    """The folder of the connection does not answer, so the picker shows another one."""
+    program.wait("the info screen", lambda: program.visible("frm_info"))
+    program.close("frm_info")
+    program.wait("the connection dialog", lambda: program.visible("frmConnect"))
+    program.key("Ctrl+Tab", "Tab1")
+    program.wait("the tab", lambda: program.visible("Command1"))
+    program.click("Command1")
+    program.wait("the folder picker", lambda: program.visible("frm_get_folder"))
+    expect(program.text("tx_pfad") != program.text("txtLocalDir"), "the picker shows the dead folder")
+    program.click("cmd_desktop")
+    program.enter("tx_pfad", str(good))
+    program.click("cmd_ok")
+    program.wait("the picked folder", lambda: program.text("txtLocalDir") == str(good))
+    program.close("frmConnect")
+    program.wait("the window", lambda: program.visible("frm_tarvelo") and not program.box())
+
+
+def saves_no_log(program):
+    program.click("cmd_log_speichern")
+    program.wait("the end of saving", lambda: "log.txt gespeichert." in program.text("txtLog"))
+
+
 def survives_a_dead_mount(arguments, folder, display):
     dead, good = folder / "tot", folder / "gut"
     for path in (dead, good):
         path.mkdir()
         (path / "datei.txt").write_text("x")
-    with Program(arguments.program, arguments.driver, [], folder / "home2", display,
+    home = folder / "home2"
+    settings = home / "XDG_CONFIG_HOME" / "Tarvelo FTP" / "Tarvelo FTP.ini"
+    settings.parent.mkdir(parents=True)
+    settings.write_text(f"[Settings]\nLocalDir={dead}\n[Properties]\nLogFolder={dead}\nLogName=True\n")
+    (settings.parent.parent / "user-dirs.dirs").write_text(f'XDG_DESKTOP_DIR="{dead}"\n')
+    with Program(arguments.program, arguments.driver, [], home, display,
                  variables={"TARVELO_HANGING": str(dead)}) as program:
-        start(program)
+        picks_another_folder(program, good)
+        saves_no_log(program)
         program.enter("cmbLocalDir", f"{dead}/")
         program.wait("the empty list of the dead folder",
                      lambda: len(program.rows("lvwLocal")) == 1)
