@@ -5,6 +5,9 @@
 #include "remote/itemkind.h"
 
 #include <QScopeGuard>
+
+#include <cerrno>
+#include <cstring>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -94,7 +97,9 @@ void NewFolderCommand::MakeLocalFolder()
         return;
     }
     if (!makeLocalFolder(folder + name)) {
-        m_work.shell.AppendLog(folder + name + u": Der Ordner konnte nicht angelegt werden.\r\n"_s);
+        const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+        m_work.shell.AppendLog(folder + name + u": Der Ordner konnte nicht angelegt werden ("_s
+                               + reason + u").\r\n"_s);
         return;
     }
     addAndEdit(m_work.local, name, folder);

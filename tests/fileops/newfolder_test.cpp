@@ -2,6 +2,9 @@
 
 #include "support/workbench.h"
 
+#include <cerrno>
+#include <cstring>
+
 using namespace Qt::StringLiterals;
 
 class NewFolderTest : public Workbench {
@@ -162,4 +165,5 @@ TEST_F(NewFolderTest, ALocalFailureIsALogLineWithoutARow)
     command.MakeLocalFolder();
     EXPECT_TRUE(local.names().isEmpty());
     EXPECT_TRUE(shell.log.contains(disk(u"Ordner"_s)));
+    EXPECT_TRUE(shell.log.contains(QString::fromLocal8Bit(std::strerror(EEXIST)))) << "the reason";
 }
