@@ -2,7 +2,6 @@
 
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QThread>
 #include <QTimer>
 #include <chrono>
 #include <semaphore>
@@ -15,42 +14,27 @@ constexpr int lookTime = 10; ///< milliseconds between two looks at the work
 constexpr std::chrono::milliseconds unfelt(25); ///< below what anybody feels as a standstill
 constexpr qint64 grace = 300; ///< milliseconds that work which was told to stop has for it
 
-} // namespace
+using Done = std::shared_ptr<std::binary_semaphore>;
 
-void runAside(const std::function<void()> &work)
-{
-    const std::unique_ptr<QThread> thread(QThread::create(work));
-    QEventLoop loop;
-    QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    thread->start();
-    loop.exec();
-    // The loop ends early when the program is told to quit; the work is never left behind.
-    thread->wait();
-}
-
-bool runAsideUntil(const std::function<void()> &work,
-                   const std::shared_ptr<const std::atomic_bool> &stop)
-{
-    return runAsideUntil(
-        work, [stop] { return stop->load(); }, [] {});
-}
-
-bool runAsideUntil(const std::function<void()> &work, const std::function<bool()> &stop,
-                   const std::function<void()> &slow)
+/// Begins the work. @return released when it is done
+Done begin(const std::function<void()> &work)
 {
     const auto done = std::make_shared<std::binary_semaphore>(0);
+    const auto run = [work, done] {
+        work();
+        done->release();
+    };
     try {
-        std::thread([work, done] {
-            work();
-            done->release();
-        }).detach();
+        std::thread(run).detach();
     } catch (const std::system_error &) {
-        return false; // no thread to be had
+        run(); // no thread to be had: better a standstill than no result
     }
-    if (done->try_acquire_for(unfelt)) {
-        return true;
-    }
-    slow();
+    return done;
+}
+
+/// Runs the event loop until the work is done, or for a grace once it has to stop.
+bool waitFor(const Done &done, const std::function<bool()> &stop)
+{
     bool finished = false;
     QEventLoop loop;
     QElapsedTimer stopped;
@@ -67,4 +51,23 @@ bool runAsideUntil(const std::function<void()> &work, const std::function<bool()
     look.start(lookTime);
     loop.exec();
     return finished;
+}
+
+} // namespace
+
+bool runAsideUntil(const std::function<void()> &work,
+                   const std::shared_ptr<const std::atomic_bool> &stop)
+{
+    return waitFor(begin(work), [stop] { return stop->load(); });
+}
+
+bool runAsideUntil(const std::function<void()> &work, const std::function<bool()> &stop,
+                   const std::function<void()> &slow)
+{
+    const Done done = begin(work);
+    if (done->try_acquire_for(unfelt)) {
+        return true;
+    }
+    slow();
+    return waitFor(done, stop);
 }

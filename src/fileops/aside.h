@@ -5,11 +5,9 @@
 #include <memory>
 
 /// Runs blocking work on another thread and returns when it is done. The caller's event loop runs
-/// meanwhile, so that the window lives; the work must not touch anything of it.
-void runAside(const std::function<void()> &work);
-
-/// The same for work that may never come back, such as reading from a dead network mount: soon
-/// after stop has become true the thread is left alone. The work must own all that it touches.
+/// meanwhile, so that the window lives. The work may never come back, such as reading from a dead
+/// network mount: soon after stop has become true the thread is left alone. So the work must own
+/// all that it touches, and touch nothing of the window.
 /// @return whether the work is done
 [[nodiscard]] bool runAsideUntil(const std::function<void()> &work,
                                  const std::shared_ptr<const std::atomic_bool> &stop);

@@ -65,26 +65,35 @@ QString contentText(const FtpFolderContent &content)
         content.files == 1 ? u"Datei"_s : u"Dateien"_s, QString::number(content.folders));
 }
 
-/// The local pane shows a link to a folder like a folder, but only the link itself will go.
-QStringList withoutLinks(QStringList folders)
-{
-    folders.removeIf([](const QString &folder) { return isLocalLink(folder); });
-    return folders;
-}
-
 FtpFolderContent countLocal(const QStringList &folders,
                             const std::shared_ptr<std::atomic_bool> &stop)
 {
     const auto whole = std::make_shared<FtpFolderContent>();
     const auto count = [folders, stop, whole] {
+        whole->complete = false;
         for (const QString &folder : folders) {
+            // The local pane shows a link to a folder like a folder, but only the link itself will
+            // go.
+            if (isLocalLink(folder)) {
+                continue;
+            }
             const FtpFolderContent inside = countLocalTree(folder, *stop);
             whole->files += inside.files;
             whole->folders += inside.folders;
-            whole->complete = whole->complete && inside.complete;
+            whole->complete = inside.complete; // the last one tells: a stop ends them all
         }
     };
     return runAsideUntil(count, stop) ? *whole : FtpFolderContent { 0, 0, false };
+}
+
+DeleteCommand::Reason removeLocal(const QString &path, bool folder, const std::atomic_bool &stop)
+{
+    return folder ? RemoveLocalTree(path, stop) : removeLocalFile(path);
+}
+
+QString noAnswer(const QString &path)
+{
+    return path + u": Der Datenträger hat nicht geantwortet."_s;
 }
 
 std::optional<QString> reasonOf(const FtpStatus &status)
@@ -93,6 +102,12 @@ std::optional<QString> reasonOf(const FtpStatus &status)
 }
 
 } // namespace
+
+DeleteCommand::DeleteCommand(const Workplace &work)
+    : m_work(work)
+    , m_removeLocal(removeLocal)
+{
+}
 
 void DeleteCommand::DeleteRemoteItems()
 {
@@ -128,7 +143,7 @@ void DeleteCommand::DeleteLocalItems()
         return;
     }
     const MarkedItemList items = m_work.globals.marked;
-    if (confirmed(items, withoutLinks(foldersIn(items, LocalSeparator)), countLocal)) {
+    if (confirmed(items, foldersIn(items, LocalSeparator), countLocal)) {
         deleteMarked(m_work.local, items, [&] { deleteLocalItems(items); });
         listAgain(items.MarkedItems.last().folder);
     } else {
@@ -160,10 +175,10 @@ bool DeleteCommand::confirmed(const MarkedItemList &items, const QStringList &fo
         + u" Dateien oder Ordner löschen möchten?"_s;
     const QString title = u"Confirm Delete"_s;
     m_running = true;
-    m_stop = false;
+    m_stop = std::make_shared<std::atomic_bool>(false);
     const auto idle = qScopeGuard([this] { m_running = false; });
     if (folders.isEmpty()) {
-        return m_work.prompts.confirm(text, title) && !m_stop;
+        return m_work.prompts.confirm(text, title) && !*m_stop;
     }
     Prompts::LateDetails details;
     details.placeholder = u"Der Inhalt der Ordner wird gezählt ..."_s;
@@ -181,7 +196,7 @@ bool DeleteCommand::confirmed(const MarkedItemList &items, const QStringList &fo
         m_work.shell.SetAbortEnabled(false);
         return contentText(content);
     };
-    return m_work.prompts.confirmLate(text, title, details) && !m_stop;
+    return m_work.prompts.confirmLate(text, title, details) && !*m_stop;
 }
 
 void DeleteCommand::deleteMarked(Pane &pane, const MarkedItemList &items,
@@ -279,14 +294,14 @@ DeleteCommand::Reason DeleteCommand::removeRemote(const MarkedItem &item, const 
 void DeleteCommand::deleteLocalItems(const MarkedItemList &items)
 {
     QList<MarkedItem> files; // neighbours, which go together
-    for (int slot = 1; slot < items.MarkedCount && !m_stop; ++slot) {
+    for (int slot = 1; slot < items.MarkedCount && !*m_stop; ++slot) {
         const MarkedItem &item = items.MarkedItems.at(slot);
         if (!ItemKind::isFolderLike(item.kind)) {
             files.append(item);
             continue;
         }
         deleteLocalFiles(std::exchange(files, {}));
-        if (!m_stop) {
+        if (!*m_stop) {
             deleteLocalFolder(item);
         }
     }
@@ -296,22 +311,17 @@ void DeleteCommand::deleteLocalItems(const MarkedItemList &items)
 /// A slow disk must not hold up the window, nor a thread for every file the disk.
 void DeleteCommand::deleteLocalFiles(const QList<MarkedItem> &files)
 {
-    if (files.isEmpty() || m_stop) {
+    if (files.isEmpty() || *m_stop) {
         return;
     }
     m_work.shell.ShowTransferItem(labelOf(files.first()), {});
-    for (qsizetype told = 0; told < files.size() && !m_stop;) {
-        QList<Reason> reasons;
-        runAside([&] {
-            const qsizetype most = std::min(files.size() - told, mostAtOnce);
-            QElapsedTimer since;
-            since.start();
-            do {
-                const MarkedItem &next = files.at(told + reasons.size());
-                reasons.append(removeLocalFile(pathOf(next, LocalSeparator)));
-            } while (reasons.size() < most && !m_stop && !since.hasExpired(longestAside));
-        });
-        for (const Reason &reason : std::as_const(reasons)) {
+    for (qsizetype told = 0; told < files.size() && !*m_stop;) {
+        QStringList paths;
+        for (const MarkedItem &file : files.mid(told, mostAtOnce)) {
+            paths.append(pathOf(file, LocalSeparator));
+        }
+        const QList<Reason> reasons = removeSome(paths);
+        for (const Reason &reason : reasons) {
             // Intended: the row goes also when the file could not be deleted; the next listing
             // shows it again.
             removeRow(m_work.local, files.at(told));
@@ -324,15 +334,36 @@ void DeleteCommand::deleteLocalFiles(const QList<MarkedItem> &files)
     m_work.shell.ShowTransferItem({}, {});
 }
 
+/// Deletes local files, the first one at least, as many as go in a short time.
+/// @return how that went, file by file
+QList<DeleteCommand::Reason> DeleteCommand::removeSome(const QStringList &paths)
+{
+    const auto reasons = std::make_shared<QList<Reason>>();
+    const auto remove = [reasons, paths, stop = m_stop, removeOne = m_removeLocal] {
+        QElapsedTimer since;
+        since.start();
+        for (const QString &path : paths) {
+            reasons->append(removeOne(path, false, *stop));
+            if (*stop || since.hasExpired(longestAside)) {
+                break;
+            }
+        }
+    };
+    return runAsideUntil(remove, m_stop) ? *reasons : QList<Reason> { noAnswer(paths.first()) };
+}
+
 void DeleteCommand::deleteLocalFolder(const MarkedItem &item)
 {
     const QString path = pathOf(item, LocalSeparator);
     m_work.shell.ShowTransferItem(labelOf(item), {});
-    Reason reason;
-    runAside([&] { reason = RemoveLocalTree(path, m_stop); });
+    const auto reason = std::make_shared<Reason>();
+    const auto remove = [reason, path, stop = m_stop, removeTree = m_removeLocal] {
+        *reason = removeTree(path, true, *stop);
+    };
+    const bool done = runAsideUntil(remove, m_stop);
     m_work.shell.ShowTransferItem({}, {});
     m_work.local.forgetFolder(path);
-    recordLocal(item, reason);
+    recordLocal(item, done ? *reason : noAnswer(path));
 }
 
 void DeleteCommand::recordLocal(const MarkedItem &item, const Reason &reason)

@@ -10,27 +10,30 @@
 /// Deletes the selected rows of a pane, whole trees included, after one question.
 class DeleteCommand {
 public:
-    explicit DeleteCommand(const Workplace &work)
-        : m_work(work)
-    {
-    }
+    explicit DeleteCommand(const Workplace &work);
 
     /// Works on the remote pane; needs an idle session.
     void DeleteRemoteItems();
     /// Works on the local pane; not while the session is busy. The window lives meanwhile.
     void DeleteLocalItems();
 
+    using Reason = std::optional<QString>; ///< why something was left standing; nothing on success
+    /// Deletes a local file, or a folder with all that is in it. Called in another thread.
+    using LocalRemover
+        = std::function<Reason(const QString &path, bool folder, const std::atomic_bool &stop)>;
+    /// Another disk, for tests.
+    void setLocalRemover(const LocalRemover &remover) { m_removeLocal = remover; }
+
     /// How long the content of the folders is counted while the question stands.
     void setCountLimit(int milliseconds) { m_countLimit = milliseconds; }
 
     /// Whether a deletion is under way.
     [[nodiscard]] bool isRunning() const { return m_running; }
-    /// Ends a running local deletion before its next step, for example when the window closes.
-    void stop() { m_stop = true; }
+    /// Ends a running local deletion before its next step, for example when the window closes. A
+    /// disk that does not answer is left alone soon after.
+    void stop() { *m_stop = true; }
 
 private:
-    using Reason = std::optional<QString>; ///< why something was left standing; nothing on success
-
     using Count = std::function<FtpFolderContent(const QStringList &folders,
                                                  const std::shared_ptr<std::atomic_bool> &stop)>;
 
@@ -47,13 +50,16 @@ private:
     void recordRemote(const MarkedItem &item, const Reason &reason);
     void deleteLocalItems(const MarkedItemList &items);
     void deleteLocalFiles(const QList<MarkedItem> &files);
+    [[nodiscard]] QList<Reason> removeSome(const QStringList &paths);
     void deleteLocalFolder(const MarkedItem &item);
     void recordLocal(const MarkedItem &item, const Reason &reason);
     [[nodiscard]] Reason removeRemote(const MarkedItem &item, const QString &path);
     void refuse(Pane &pane, const MarkedItem &item, const QString &reason);
 
     Workplace m_work;
+    LocalRemover m_removeLocal;
     int m_countLimit = 3000; ///< milliseconds
     bool m_running = false;
-    std::atomic_bool m_stop = false;
+    /// Of the deletion that runs; a thread that was left alone keeps its own.
+    std::shared_ptr<std::atomic_bool> m_stop = std::make_shared<std::atomic_bool>(false);
 };

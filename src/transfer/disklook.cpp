@@ -20,12 +20,7 @@ bool DiskLook::ask(const std::function<void()> &question)
     m_looking = true;
     const auto done = qScopeGuard([this] { m_looking = false; });
     const auto givenUp = [this] { return m_ftp.state() != FtpOperations::Connected; };
-    const bool told = runAsideUntil(question, givenUp, [this] { m_shell.SetAbortEnabled(true); });
-    if (!told && !givenUp()) {
-        question(); // no thread was to be had
-        return true;
-    }
-    return told;
+    return runAsideUntil(question, givenUp, [this] { m_shell.SetAbortEnabled(true); });
 }
 
 QHash<QString, LocalEntry> DiskLook::at(const QStringList &paths)

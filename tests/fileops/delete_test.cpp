@@ -5,6 +5,7 @@
 
 #include <QEventLoop>
 #include <QTimer>
+#include <semaphore>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -494,4 +495,27 @@ TEST_F(DeleteTest, AStopEndsTheDeletionSoon)
     EXPECT_TRUE(onDisk(u"zuletzt"_s));
     EXPECT_TRUE(local.markedNames().isEmpty());
     EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
+}
+
+TEST_F(DeleteTest, ADiskThatNeverAnswersIsLeftAloneAfterAStop)
+{
+    const auto answer = std::make_shared<std::counting_semaphore<>>(0);
+    command.setLocalRemover([answer](const QString &, bool, const std::atomic_bool &) {
+        answer->acquire();
+        return DeleteCommand::Reason();
+    });
+    writeLocal(u"datei"_s, "x");
+    writeLocal(u"ordner/a"_s, "x");
+    for (const QString &name : { u"datei"_s, u"ordner"_s }) {
+        showBoth();
+        local.select({ name });
+        expectQuestion(
+            1, true, name == u"ordner"_s ? u"In den Ordnern: 1 Datei und 0 Ordner."_s : QString());
+        prompts.meanwhile([this] { QTimer::singleShot(0, [this] { command.stop(); }); });
+        command.DeleteLocalItems();
+        EXPECT_FALSE(command.isRunning());
+        EXPECT_TRUE(shell.log.contains(name + u": Der Datenträger hat nicht geantwortet."_s));
+    }
+    EXPECT_EQ(statuses(), (QStringList { u"Löschen verweigert"_s, u"Löschen verweigert"_s }));
+    answer->release(2);
 }
