@@ -165,7 +165,10 @@ void frm_tarvelo::connectQueue()
     m_log->txtLog()->installEventFilter(selectAll);
     connect(m_progress, &ProgressPanel::abortClicked, m_session.get(), &Session::abortTransfer);
     connect(m_queue, &QueueView::retryRequested, this, [this](const QList<QueueRow> &rows) {
-        isBusy() ? void() : m_features->transfers.RetryTransfers(rows);
+        mayBegin() ? m_features->transfers.RetryTransfers(rows) : void();
+    });
+    m_queue->setRetryCheck([this](const QList<QueueRow> &rows) {
+        return !isBusy() && m_features->transfers.mayRetry(rows);
     });
     connect(m_queue, &QueueView::openFolderRequested, this,
             [this](const QString &folder) { vorschau(folder); });

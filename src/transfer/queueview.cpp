@@ -101,7 +101,7 @@ void QueueView::showMenu(const QPoint &position)
     const QString line = at.isValid() ? lineOf(at.row()) : QString();
     QMenu menu(this);
     QAction *retry = menu.addAction(u"Fehlgeschlagene erneut übertragen"_s);
-    retry->setEnabled(m_model.hasFailedTransfers());
+    retry->setEnabled(m_model.hasFailedTransfers() && m_mayRetry(m_model.failedTransfers()));
     QAction *open = menu.addAction(u"Lokalen Ordner öffnen"_s);
     open->setEnabled(local.startsWith(u'/'));
     QAction *copy = menu.addAction(u"Zeile kopieren"_s);

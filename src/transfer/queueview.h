@@ -5,6 +5,8 @@
 #include <QTimer>
 #include <QTreeView>
 
+#include <functional>
+
 class Prompts;
 
 /// lvwStatus: the queue with its delete key, column sort and context menu.
@@ -19,6 +21,9 @@ public:
     /// Asks, also with nothing selected, and removes the selected rows.
     void DeleteSelectedQueueRows();
     [[nodiscard]] QList<int> selectedRows() const; ///< ascending
+    /// Asked whether any of the failed rows could be tried again just now.
+    using RetryCheck = std::function<bool(const QList<QueueRow> &rows)>;
+    void setRetryCheck(const RetryCheck &check) { m_mayRetry = check; }
     /// Gives the columns their first widths: words that are known fit, paths share a fair guess.
     void sizeColumns();
 
@@ -38,5 +43,6 @@ private:
 
     QueueModel &m_model;
     Prompts &m_prompts;
+    RetryCheck m_mayRetry = [](const QList<QueueRow> &) { return true; };
     QTimer m_follow; ///< scrolling lays the whole list out, which is too much for every row
 };

@@ -6,6 +6,8 @@
 #include "transfer/download.h"
 #include "transfer/upload.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -36,6 +38,12 @@ Retry retryOf(const QueueRow &row)
     const bool upload = row.direction == u"-->"_s;
     return { upload, folderOf(upload ? row.local : row.remote),
              folderOf(upload ? row.remote : row.local) };
+}
+
+/// Whether a row's transfer can be tried again on a web space.
+bool isOf(const QueueRow &row, const QString &webSpace)
+{
+    return row.repeatable && row.webSpace == webSpace;
 }
 
 MarkedItem itemOf(const QueueRow &row)
@@ -112,6 +120,14 @@ bool TransferCommands::dropConfirmed(Pane &source, const QString &text, const QS
     return false;
 }
 
+bool TransferCommands::mayRetry(const QList<QueueRow> &rows) const
+{
+    const QString here = webSpaceOf(m_tools.work.globals.connection);
+    return mayStart(m_tools.work.ftp)
+        && std::any_of(rows.begin(), rows.end(),
+                       [&here](const QueueRow &row) { return isOf(row, here); });
+}
+
 void TransferCommands::RetryTransfers(const QList<QueueRow> &rows)
 {
     Globals &globals = m_tools.work.globals;
@@ -123,7 +139,7 @@ void TransferCommands::RetryTransfers(const QList<QueueRow> &rows)
         const Retry batch = retryOf(rows.at(at));
         globals.marked = {};
         for (; at < rows.size() && retryOf(rows.at(at)) == batch; ++at) {
-            if (rows.at(at).repeatable && rows.at(at).webSpace == here) {
+            if (isOf(rows.at(at), here)) {
                 globals.marked.MarkedItems.append(itemOf(rows.at(at)));
                 ++globals.marked.MarkedCount;
             }

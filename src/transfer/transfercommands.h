@@ -27,6 +27,8 @@ public:
     /// Tries failed rows of the queue again; rows of other web spaces and rows whose name was
     /// refused are left out.
     void RetryTransfers(const QList<QueueRow> &rows);
+    /// Whether RetryTransfers would try any of the rows.
+    [[nodiscard]] bool mayRetry(const QList<QueueRow> &rows) const;
 
 private:
     [[nodiscard]] QString localTarget() const;

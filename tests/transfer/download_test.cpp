@@ -378,6 +378,11 @@ TEST_F(DownloadTest, FailedRowsCanBeRepeated)
     rows.append(rows.first());
     rows.last().webSpace = u"anderswo"_s;
     QDir(disk(u"ordner"_s)).removeRecursively();
+    EXPECT_FALSE(commands.mayRetry({ rows.last() }));
+    EXPECT_TRUE(commands.mayRetry(rows));
+    ftp.busy = true;
+    EXPECT_FALSE(commands.mayRetry(rows));
+    ftp.busy = false;
     commands.RetryTransfers(rows);
     EXPECT_EQ(readLocal(u"a"_s), "eins");
     EXPECT_EQ(readLocal(u"ordner/b"_s), "zwei");

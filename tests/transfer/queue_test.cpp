@@ -265,3 +265,28 @@ TEST_F(QueueViewTest, TheMenuRepeatsFailedTransfers)
     ASSERT_EQ(again.size(), 1);
     EXPECT_EQ(again.first().local, u"/a/x"_s);
 }
+
+TEST_F(QueueViewTest, TheMenuRepeatsOnlyWhatCouldBeTriedJustNow)
+{
+    QueueRow failed = row(u"Download"_s, u"/a/x"_s);
+    failed.failed = true;
+    view.AddQueueRow(failed);
+    view.show();
+    QList<QueueRow> asked;
+    view.setRetryCheck([&asked](const QList<QueueRow> &rows) {
+        asked = rows;
+        return false;
+    });
+    QTimer::singleShot(0, [] {
+        QWidget *menu = QApplication::activePopupWidget();
+        ASSERT_NE(menu, nullptr);
+        for (const QAction *action : menu->actions()) {
+            if (action->text() == u"Fehlgeschlagene erneut übertragen"_s) {
+                EXPECT_FALSE(action->isEnabled());
+            }
+        }
+        menu->close();
+    });
+    Q_EMIT view.customContextMenuRequested(QPoint());
+    EXPECT_EQ(asked.size(), 1);
+}
