@@ -33,6 +33,7 @@ public:
     void record(QueueRow row, const std::optional<FtpError> &failure, const QString &success);
     /// Ends the batch behind the current item.
     void stop() { m_stopped = true; }
+    [[nodiscard]] bool isStopped() const { return m_stopped; }
 
     /// Seconds since midnight.
     [[nodiscard]] static double now();

@@ -12,6 +12,8 @@ public:
 
     /// The whole batch. @param target  local folder, ends in the separator
     void DownloadSelection(const QString &target);
+    /// Whether it ended early because the disk is full; that was told.
+    [[nodiscard]] bool isDiskFull() const { return m_batch.isStopped(); }
     /// One record of the batch. @param record  slot in the marked items, from 1
     void DownloadFile(const QString &target, int record);
     void DownloadFolder(const QString &target, int record);

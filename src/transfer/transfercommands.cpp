@@ -147,7 +147,11 @@ void TransferCommands::RetryTransfers(const QList<QueueRow> &rows)
         if (globals.marked.count() > 0 && batch.upload) {
             Upload(m_tools).UploadSelection(batch.target);
         } else if (globals.marked.count() > 0) {
-            Download(m_tools).DownloadSelection(batch.target);
+            Download download(m_tools);
+            download.DownloadSelection(batch.target);
+            if (download.isDiskFull()) {
+                return; // every further batch would only say so again
+            }
         }
     }
 }

@@ -389,6 +389,28 @@ TEST_F(DownloadTest, FailedRowsCanBeRepeated)
     EXPECT_EQ(shell.queue.size(), 2);
 }
 
+TEST_F(DownloadTest, AFullDiskEndsTheRepeatingOfAllFolders)
+{
+    QList<QueueRow> rows;
+    for (const QString &folder : { u"eins"_s, u"zwei"_s }) {
+        ftp.addFile(u"/www/"_s + folder + u"/a"_s, "x");
+        rows.append({ u"Download"_s,
+                      disk(folder + u"/a"_s),
+                      u"1"_s,
+                      u"<--"_s,
+                      u"/www/"_s + folder + u"/a"_s,
+                      u"files01"_s,
+                      {},
+                      true,
+                      true,
+                      webSpaceOf(globals.connection) });
+    }
+    ftp.refuseAll(u"GET"_s, u"No space left"_s, ftp::ErrorKind::LocalDiskFull);
+    commands.RetryTransfers(rows);
+    EXPECT_EQ(shell.log.count(u"Die Übertragung wurde angehalten."_s), 1);
+    EXPECT_EQ(ftp.commandsOf(u"GET"_s).size(), 1);
+}
+
 TEST_F(DownloadTest, NoFailedRowIsRepeatedInAnotherUsersWebSpace)
 {
     ftp.addFile(u"/www/a"_s, "eins");
