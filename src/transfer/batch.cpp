@@ -18,6 +18,7 @@ void Batch::run(Pane &source, const std::function<void()> &prepare,
     begin();
     const auto restore = qScopeGuard([this] { end(); });
     if (prepare && behindLast() > 1 && goesOn()) {
+        m_tools.work.shell.SetToolbarsEnabled(false);
         prepare();
     }
     for (int slot = 1; slot < behindLast();) {

@@ -6,6 +6,8 @@
 
 #include <QScopeGuard>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 void TransferDriver::runItems(Pane &source, const std::function<void()> &prepare,
@@ -203,7 +205,10 @@ bool TransferDriver::refuse(int record, const QString &sizeText, const LocalEntr
 {
     const auto why = whyNot(record, here);
     if (why) {
-        m_tools.work.shell.AppendLog(why->text + u"\r\n"_s);
+        // One reason may hold for thousands of items; each has it in its row.
+        if (why->text != std::exchange(m_lastRefusal, why->text)) {
+            m_tools.work.shell.AppendLog(why->text + u"\r\n"_s);
+        }
         this->record(sizeText, why, {});
     }
     return why.has_value();

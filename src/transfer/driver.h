@@ -78,4 +78,5 @@ private:
     QHash<QString, QString> m_spellings; ///< first target of those that differ in case alone
     QHash<QString, LocalEntry> m_seen; ///< by local path, what was looked at for a run
     int m_ahead = 1; ///< items to look at next
+    QString m_lastRefusal; ///< as it stands in the log
 };

@@ -12,8 +12,9 @@ protected:
     void drop(const QString &row, bool confirmed = true)
     {
         local.selectAll();
-        MarkSelectedLocal(local, globals, false);
-        prompts.expectConfirm(u"1 Dateien oder Ordner Uploaden?"_s, confirmed, u"Store..."_s);
+        const int count = MarkSelectedLocal(local, globals, false);
+        prompts.expectConfirm(QString::number(count) + u" Dateien oder Ordner Uploaden?"_s,
+                              confirmed, u"Store..."_s);
         commands.dropOnRemote(remote.model().findRow(row));
     }
 };
@@ -57,6 +58,34 @@ TEST_F(UploadTargets, ATargetThatCannotBeEnteredOverwritesNothing)
     EXPECT_EQ(ftp.content(u"/www/unter/a.txt"_s), "alt");
     EXPECT_EQ(statuses(), QStringList { u"Upload verweigert"_s });
     EXPECT_EQ(shell.queue[0].detail, u"550 Verboten."_s);
+}
+
+TEST_F(UploadTargets, WhyATargetCannotBeEnteredIsToldOnceForAllFiles)
+{
+    ftp.addFolder(u"/www/unter"_s);
+    for (const QString &name : { u"a"_s, u"b"_s, u"c"_s }) {
+        writeLocal(name, "x");
+    }
+    showBoth();
+    ftp.onEvent = nullptr; // the server's own line
+    ftp.refuseAll(u"CWD /www/unter/"_s, u"550 Verboten."_s);
+    drop(u"unter"_s);
+    EXPECT_EQ(shell.log.count(u"550 Verboten."_s), 1);
+    EXPECT_EQ(shell.queue.size(), 3);
+    EXPECT_EQ(shell.queue.last().detail, u"550 Verboten."_s);
+}
+
+TEST_F(UploadTargets, TheBarsAreOffFromTheStepsBeforeTheFirstFile)
+{
+    ftp.addFolder(u"/www/unter"_s);
+    writeLocal(u"a"_s, "x");
+    showBoth();
+    ftp.during = [this](const QString &command) {
+        EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).value(0), u"SetToolbarsEnabled 0"_s)
+            << command.toStdString();
+    };
+    drop(u"unter"_s);
+    EXPECT_EQ(ftp.commands.first(), u"CWD /www/unter/"_s);
 }
 
 TEST_F(UploadTargets, InAFolderThatCannotBeListedTheServerIsAskedAboutEveryFile)
