@@ -172,13 +172,21 @@ void QueueModel::append(const QueueRow &row)
 
 void QueueModel::removeRowsAt(const QList<int> &rows)
 {
-    // Every removal moves the later rows up by one.
-    for (int done = 0; done < rows.size(); ++done) {
-        const int at = rows.at(done) - done;
-        beginRemoveRows({}, at, at);
-        m_failures -= isFailedTransfer(m_rows.at(at)) ? 1 : 0;
-        m_rows.removeAt(at);
+    // From the end, so that the rows in front keep their places; neighbours go together, or
+    // emptying a long queue would take minutes.
+    for (qsizetype behind = rows.size(); behind > 0;) {
+        qsizetype at = behind - 1;
+        while (at > 0 && rows.at(at - 1) == rows.at(at) - 1) {
+            --at;
+        }
+        const int first = rows.at(at);
+        const int last = rows.at(behind - 1);
+        beginRemoveRows({}, first, last);
+        m_failures -= static_cast<int>(
+            std::count_if(m_rows.begin() + first, m_rows.begin() + last + 1, isFailedTransfer));
+        m_rows.remove(first, last - first + 1);
         endRemoveRows();
+        behind = at;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTextDocument>
 #include <QTimer>
@@ -191,9 +192,11 @@ TEST_F(QueueViewTest, DeleteRemovesTheSelectedRowsAndNoOther)
 {
     fill(7);
     select({ 1, 2, 5 });
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
     prompts.expectConfirm(u"Delete queue items selected?"_s, true, u"Confirm Delete Queue Items"_s);
     QTest::keyClick(&view, Qt::Key_Delete);
     EXPECT_EQ(column(model, 1), (QStringList { u"/a/0"_s, u"/a/3"_s, u"/a/4"_s, u"/a/6"_s }));
+    EXPECT_EQ(removed.count(), 2) << "neighbours go together";
 }
 
 TEST_F(QueueViewTest, CancelKeepsTheRows)
