@@ -46,11 +46,15 @@ void DropView::setDropRow(int row)
     }
 }
 
-void DropView::dragEnterEvent(QDragEnterEvent *event) { answerDrag(*event); }
+void DropView::dragEnterEvent(QDragEnterEvent *event)
+{
+    // Asked once: a file manager may hand over thousands of addresses anew with every move.
+    m_taking = m_dropFilter && event->mimeData() != nullptr && m_dropFilter(*event->mimeData());
+    answerDrag(*event);
+}
 
 void DropView::answerDrag(QDropEvent &event)
 {
-    m_taking = m_dropFilter && event.mimeData() != nullptr && m_dropFilter(*event.mimeData());
     if (m_taking) {
         event.setDropAction(Qt::CopyAction);
         event.accept();
@@ -83,8 +87,8 @@ void DropView::dragLeaveEvent(QDragLeaveEvent *event)
 void DropView::dropEvent(QDropEvent *event)
 {
     setDropRow(-1);
-    // What was said to the last move holds: another program may be slow to hand over its data a
-    // second time, or refuse to.
+    // What was said at first holds: another program may be slow to hand over its data a second
+    // time, or refuse to.
     if (!std::exchange(m_taking, false) || event->mimeData() == nullptr) {
         event->ignore();
         return;
