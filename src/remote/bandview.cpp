@@ -19,13 +19,14 @@ void BandView::mousePressEvent(QMouseEvent *event)
     const QPoint position = event->position().toPoint();
     const bool band = event->button() == Qt::LeftButton && !(event->modifiers() & Qt::ShiftModifier)
         && model() != nullptr && startsRubberBand(position);
+    endBand(); // of a press whose release went to a box that came up meanwhile
     const QItemSelection before
         = selectionModel() ? selectionModel()->selection() : QItemSelection();
     QTreeView::mousePressEvent(event);
     if (band) {
         m_bandOrigin = position + QPoint(horizontalOffset(), verticalOffset());
         m_bandBase = event->modifiers() & Qt::ControlModifier ? before : QItemSelection();
-        m_band = m_band != nullptr ? m_band : new QRubberBand(QRubberBand::Rectangle, viewport());
+        m_band = new QRubberBand(QRubberBand::Rectangle, viewport());
         setState(DragSelectingState);
     }
 }
@@ -72,12 +73,26 @@ void BandView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (m_band != nullptr) {
         const bool moved = m_band->isVisible();
-        m_band->deleteLater();
-        m_band = nullptr;
-        setState(NoState);
+        endBand();
         if (moved) {
             return;
         }
     }
     QTreeView::mouseReleaseEvent(event);
+}
+
+void BandView::focusOutEvent(QFocusEvent *event)
+{
+    endBand(); // a box takes the mouse, too
+    QTreeView::focusOutEvent(event);
+}
+
+void BandView::endBand()
+{
+    if (m_band != nullptr) {
+        m_band->hide();
+        m_band->deleteLater();
+        m_band = nullptr;
+        setState(NoState);
+    }
 }

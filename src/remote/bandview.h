@@ -16,10 +16,12 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     [[nodiscard]] bool startsRubberBand(const QPoint &position) const;
     void moveRubberBand(const QPoint &position);
+    void endBand(); ///< nothing when none is drawn
 
     QRubberBand *m_band = nullptr;
     QPoint m_bandOrigin; ///< in the coordinates of the whole list

@@ -8,10 +8,13 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QRubberBand>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -181,6 +184,27 @@ TEST_F(PaneViewTest, ARubberBandSelectsTheRowsThatItTouches)
     EXPECT_EQ(m_view.selectedRowNumbers(), (QList<int> { 3 }));
 }
 
+TEST_F(PaneViewTest, ARubberBandWhoseReleaseWentElsewhereIsEnded)
+{
+    const QPoint empty(m_view.viewport()->width() - 5, m_view.viewport()->height() - 5);
+    const auto bands = [this] {
+        const auto all = m_view.findChildren<QRubberBand *>();
+        return std::count_if(all.begin(), all.end(),
+                             [](const QRubberBand *band) { return band->isVisible(); });
+    };
+    QTest::mousePress(m_view.viewport(), Qt::LeftButton, {}, empty);
+    move(at(2));
+    EXPECT_EQ(bands(), 1);
+    m_view.clearFocus(); // as when a box comes up
+    EXPECT_EQ(bands(), 0);
+    QTest::mousePress(m_view.viewport(), Qt::LeftButton, {}, empty);
+    move(at(2));
+    m_view.setDragSource([] { return nullptr; });
+    QTest::mousePress(m_view.viewport(), Qt::LeftButton, {}, at(1));
+    move(at(3));
+    EXPECT_EQ(bands(), 0) << "this press drags a row";
+}
+
 TEST_F(PaneViewTest, WithCtrlARubberBandAddsToTheSelection)
 {
     m_view.selectRowNumbers({ 1 });
@@ -227,6 +251,7 @@ TEST_F(PaneViewTest, TheRowUnderADragIsHighlightedAndTakesTheDrop)
     QCoreApplication::sendEvent(m_view.viewport(), &drop);
     EXPECT_EQ(rows, QList<int> { 2 });
     EXPECT_EQ(m_view.dropRow(), -1);
+    EXPECT_EQ(asked, 1) << "what is dragged may be thousands of files";
 
     QCoreApplication::sendEvent(m_view.viewport(), &over);
     QDragLeaveEvent leave;
@@ -251,7 +276,6 @@ TEST_F(PaneViewTest, ADragShowsTheFilePicture)
         shown,
         Icons::icon(ItemKind::File).pixmap(QSize(32, 32), m_view.devicePixelRatioF()).toImage());
 }
-    EXPECT_EQ(asked, 1) << "what is dragged may be thousands of files";
 
 TEST_F(PaneViewTest, NothingIsDraggedWithoutASource)
 {
