@@ -4,6 +4,7 @@
 #include "dialogs/bgbild.h"
 #include "dialogs/supportmail.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -145,6 +146,10 @@ void frm_info::cmd_auswahl_Click(int index)
 
 void frm_info::Timer1_Timer()
 {
+    if (const QWidget *front = QApplication::activeModalWidget();
+        front != nullptr && front != this) {
+        return; // a box over the screen would lose its parent
+    }
     if (++m_ticks >= LastTick) {
         m_timer.stop();
         reject();

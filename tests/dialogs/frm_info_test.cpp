@@ -195,3 +195,20 @@ TEST_F(InfoScreen, ClosesItselfAlsoWhenShownModally)
     EXPECT_EQ(m_screen.exec(), QDialog::Rejected);
     EXPECT_EQ(m_closed.count(), 1);
 }
+
+TEST_F(InfoScreen, DoesNotCloseBelowABox)
+{
+    timer()->setInterval(1);
+    QTimer::singleShot(0, &m_screen, [this] {
+        QDialog box(&m_screen);
+        int ticks = 0;
+        QObject::connect(timer(), &QTimer::timeout, &box, [&] {
+            if (++ticks > 50) {
+                box.accept();
+            }
+        });
+        QObject::connect(&m_screen, &QDialog::finished, &box, &QDialog::reject);
+        EXPECT_EQ(box.exec(), QDialog::Accepted) << "its parent closed";
+    });
+    EXPECT_EQ(m_screen.exec(), QDialog::Rejected); // afterwards it does
+}
