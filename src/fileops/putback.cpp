@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
+#include <QSet>
 #include <QTemporaryFile>
 
 using namespace Qt::StringLiterals;
@@ -236,11 +237,28 @@ void PutBack::send(const QString &localPath)
         m_edits.reportNextSaving(localPath);
     }
     if (outcome == Outcome::Sent && m_work.ftp.state() == FtpOperations::Connected) {
-        m_work.shell.DoRemoteRefresh(m_work.ftp.currentFolder());
+        listAgain();
     }
 }
 
 /// Sends the file, if the server's copy is still the one that was fetched.
+/// Shows the file's new size and time. What the user has selected meanwhile stays so.
+void PutBack::listAgain()
+{
+    QSet<QString> selected;
+    for (const int row : m_work.remote.selectedRows()) {
+        selected.insert(m_work.remote.model().row(row).tag);
+    }
+    m_work.shell.DoRemoteRefresh(m_work.ftp.currentFolder());
+    QList<int> rows;
+    for (int row = 0; row < m_work.remote.model().rowCount(); ++row) {
+        if (selected.contains(m_work.remote.model().row(row).tag)) {
+            rows.append(row);
+        }
+    }
+    m_work.remote.selectRows(rows);
+}
+
 /// @param refusal  why it was not sent; empty when it was
 PutBack::Outcome PutBack::upload(const QString &localPath, const Fetched &file, QString &refusal)
 {
@@ -306,6 +324,7 @@ FtpResult<bool> PutBack::hasSameContent(const Fetched &file)
     }
     qint64 offset = 0;
     m_work.ftp.setTransferType(file.transferType);
+    m_work.globals.transfer.LocalSize = 0; // from the beginning: the progress counts from here
     const FtpStatus fetched = m_work.ftp.getFile(file.remotePath, copy.fileName(), offset);
     if (fetched) {
         return contentHash(copy.fileName()) == file.hash

@@ -53,6 +53,7 @@ private:
     void offer(const QString &localPath);
     void waitForLogin(const QString &localPath);
     void send(const QString &localPath);
+    void listAgain();
     [[nodiscard]] Outcome upload(const QString &localPath, const Fetched &file, QString &refusal);
     [[nodiscard]] FtpResult<bool> isSame(const Fetched &file);
     [[nodiscard]] FtpResult<bool> hasSameContent(const Fetched &file);

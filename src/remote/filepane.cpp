@@ -163,6 +163,8 @@ void FilePane::clearSelection()
 
 void FilePane::selectAll() { m_view->selectAll(); }
 
+void FilePane::selectRows(const QList<int> &rows) { m_view->selectRowNumbers(rows); }
+
 void FilePane::editCaption(int row) { m_view->editCaption(row); }
 
 void FilePane::showRows(QList<PaneRow> rows)

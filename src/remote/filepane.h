@@ -35,6 +35,7 @@ public:
     [[nodiscard]] int currentRow() const override;
     void clearSelection() override;
     void selectAll() override;
+    void selectRows(const QList<int> &rows) override;
     void editCaption(int row) override;
 
     [[nodiscard]] PaneView &view() { return *m_view; }

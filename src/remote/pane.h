@@ -23,5 +23,6 @@ public:
     [[nodiscard]] virtual int currentRow() const = 0; ///< selected current row, -1 for none
     virtual void clearSelection() = 0;
     virtual void selectAll() = 0; ///< from the first row to the last
+    virtual void selectRows(const QList<int> &rows) = 0; ///< ascending; these and no others
     virtual void editCaption(int row) = 0; ///< makes the row current and starts editing its name
 };

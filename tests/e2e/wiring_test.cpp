@@ -71,6 +71,26 @@ class DesktopStandIn : public QObject {
 public:
     DesktopStandIn() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open"); }
     ~DesktopStandIn() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
+TEST_F(WiredWindow, WhatIsSelectedStaysSoWhenAnEditGoesBack)
+{
+    for (const char *name : { "eins.txt", "zwei.txt" }) {
+        servers::writeFile(server.root() / name, "x");
+    }
+    login();
+    DesktopStandIn desktop;
+    select(window->remotePane(), { "da.txt" });
+    button("tbToolBar_rem", "ViewFile")->trigger();
+    select(window->remotePane(), { "eins.txt", "zwei.txt" });
+    prompts.expectQuestion(QStringLiteral("/da.txt\r\nwurde geändert – zum Server zurückspielen?"),
+                           true);
+    file("temp/da.txt", "länger als zuvor");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return prompts.finished() && !ftp.isBusy(); }));
+    RemotePane &pane = window->remotePane();
+    EXPECT_EQ(pane.model().row(rowOf(pane, "da.txt")).size, QStringLiteral("17"));
+    EXPECT_EQ(pane.selectedRows(),
+              (QList<int> { rowOf(pane, "eins.txt"), rowOf(pane, "zwei.txt") }));
+}
+
 
 public Q_SLOTS:
     void open(const QUrl & /*address*/) { }

@@ -235,6 +235,20 @@ TEST_F(PutBackTest, WithoutTimesTheContentIsCompared)
     EXPECT_EQ(QDir(disk(u"temp"_s)).entryList(QDir::Files), QStringList { u"a.html"_s });
 }
 
+TEST_F(PutBackTest, TheComparisonCountsFromZero)
+{
+    ftp.nodes[u"/www/a.html"_s].time.reset();
+    view(u"a.html"_s);
+    globals.transfer.LocalSize = 500; // left over from a download that was continued
+    ftp.during = [this](const QString &command) {
+        EXPECT_TRUE(!command.startsWith(u"GET"_s) || globals.transfer.LocalSize == 0);
+    };
+    expectOffer(true);
+    edit("neu");
+    waitForOffer();
+    EXPECT_EQ(ftp.commandsOf(u"GET"_s).size(), 1);
+}
+
 TEST_F(PutBackTest, ARefusedUploadIsTold)
 {
     view(u"a.html"_s);

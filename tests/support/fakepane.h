@@ -46,6 +46,7 @@ public:
     [[nodiscard]] int currentRow() const override { return current; }
     void clearSelection() override;
     void selectAll() override;
+    void selectRows(const QList<int> &rows) override { selected = rows; }
     void editCaption(int row) override;
 
 private:
