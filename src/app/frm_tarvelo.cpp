@@ -34,6 +34,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -174,17 +175,53 @@ void frm_tarvelo::followPane(bool remote)
     remote ? UpdateRemoteCommandStates() : UpdateLocalCommandStates();
 }
 
-void frm_tarvelo::renameRemoteRow(const QString &name, const QString &newName)
+/// Whether a command may begin now. A name that is still being typed counts first: the command may
+/// list its folder anew, and the editor would be gone with what was typed.
+bool frm_tarvelo::mayBegin()
 {
-    if (const int row = m_remote->model().findRow(name); row >= 0 && !isBusy()) {
-        m_features->rename.RenameRemoteAfterEdit(row, newName);
+    if (isBusy()) {
+        return false;
     }
+    m_local->view().endEditing();
+    m_remote->view().endEditing();
+    renameTyped();
+    return !isBusy();
+}
+
+void frm_tarvelo::renameTyped()
+{
+    const auto typed = std::exchange(m_typedName, std::nullopt);
+    if (!typed) {
+        return;
+    }
+    const int row = m_remote->model().findRow(typed->name);
+    if (row >= 0 && !isBusy()) {
+        m_features->rename.RenameRemoteAfterEdit(row, typed->newName);
+    } else {
+        tellNotRenamed(typed->name);
+    }
+}
+
+/// What was typed would vanish without a word.
+void frm_tarvelo::tellNotRenamed(const QString &name)
+{
+    AppendLog(name + u": Nicht umbenannt, denn ein anderer Befehl kam dazwischen.\r\n"_s);
 }
 
 void frm_tarvelo::showProgress(const FtpEvent &event)
 {
     if (m_features->progress.report(event, m_globals.transfer)) {
         SetAbortEnabled(true);
+    }
+}
+
+/// cmdAbort was clicked.
+void frm_tarvelo::abort()
+{
+    if (m_features->remove.isRunning() && !m_services.ftp.isBusy()) {
+        m_features->remove.stop(); // on this computer: no connection has to go for that
+    } else {
+        m_session->abortTransfer();
     }
 }
 
@@ -321,9 +358,14 @@ void frm_tarvelo::SetToolbarsEnabled(bool enabled)
 
 void frm_tarvelo::enableBars(bool enabled)
 {
+    if (enabled && m_features->remove.isRunning()) {
+        return; // a connection was lost meanwhile; the deletion goes on and comes here at its end
+    }
     m_barsEnabled = enabled;
     m_localBar.setEnabled(enabled);
     m_remoteBar.setEnabled(enabled);
+    m_menu.mnu_einstell->setEnabled(enabled);
+    m_progress->followCommand(!enabled);
 }
 
 void frm_tarvelo::SetFolderBoxesEnabled(bool enabled)
@@ -339,14 +381,18 @@ void frm_tarvelo::UpdateRemoteCommandStates()
     const PaneCommands commands
         = remoteCommands(m_services.ftp.state() == FtpControl::Connected, decidingRow(*m_remote));
     m_menu.apply(commands);
-    m_remoteBar.apply(commands);
+    if (m_barsEnabled) {
+        m_remoteBar.apply(commands);
+    }
 }
 
 void frm_tarvelo::UpdateLocalCommandStates()
 {
     const PaneCommands commands = localCommands(decidingRow(*m_local));
     m_menu.apply(commands);
-    m_localBar.apply(commands);
+    if (m_barsEnabled) {
+        m_localBar.apply(commands);
+    }
 }
 
 void frm_tarvelo::AddQueueRow(const QueueRow &row)

@@ -9,6 +9,7 @@
 
 #include <QMainWindow>
 #include <memory>
+#include <optional>
 
 class FtpControl;
 class FilePane;
@@ -101,6 +102,7 @@ private:
     template <class Command> void onTrigger(QAction *action, Command command);
 
     [[nodiscard]] bool isBusy() const; ///< something runs that commands must not disturb
+    [[nodiscard]] bool mayBegin();
     void refreshActive();
     void selectAllActive();
     void goUp(bool remote);
@@ -109,9 +111,11 @@ private:
     void DeleteSelected();
     void pickFolder(QWidget *parent);
     void showSettings();
-    void renameRemoteRow(const QString &name, const QString &newName);
+    void renameTyped();
+    void tellNotRenamed(const QString &name);
     void rememberFolder(bool remote);
     void showProgress(const FtpEvent &event);
+    void abort();
     void refreshRemote();
     void refreshLocal();
 
@@ -133,6 +137,11 @@ private:
     ProgressPanel *m_progress = nullptr;
     TransferNotice *m_notice = nullptr;
     std::unique_ptr<MainLayout> m_layout;
+    /// A row of the server's pane whose caption was edited.
+    struct TypedName {
+        QString name, newName;
+    };
+    std::optional<TypedName> m_typedName; ///< until its editor has closed
     bool m_barsEnabled = true; ///< off while a command runs, also between its calls
     bool m_unwinding = false; ///< the window closes as soon as what runs has come to its end
 };

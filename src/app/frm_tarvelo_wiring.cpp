@@ -28,7 +28,7 @@ using namespace Qt::StringLiterals;
 template <class Command> void frm_tarvelo::onTrigger(QAction *action, Command command)
 {
     connect(action, &QAction::triggered, this, [this, command] {
-        if (!isBusy()) {
+        if (mayBegin()) {
             command();
         }
     });
@@ -113,16 +113,16 @@ void frm_tarvelo::connectEdits()
 {
     connect(&m_local->model(), &PaneModel::captionEdited, this,
             [this](int row, const QString &text) {
-                isBusy() ? void() : m_features->rename.RenameLocalAfterEdit(row, text);
+                isBusy() ? tellNotRenamed(m_local->model().row(row).name)
+                         : m_features->rename.RenameLocalAfterEdit(row, text);
             });
     // Not before the editor has closed: while the server is asked, the list may be emptied below
     // it.
-    connect(
-        &m_remote->model(), &PaneModel::captionEdited, this, [this](int row, const QString &text) {
-            const QString name = m_remote->model().row(row).name;
-            QMetaObject::invokeMethod(
-                this, [this, name, text] { renameRemoteRow(name, text); }, Qt::QueuedConnection);
-        });
+    connect(&m_remote->model(), &PaneModel::captionEdited, this,
+            [this](int row, const QString &text) {
+                m_typedName = TypedName { m_remote->model().row(row).name, text };
+                QMetaObject::invokeMethod(this, &frm_tarvelo::renameTyped, Qt::QueuedConnection);
+            });
     connect(&m_local->view(), &PaneView::deletePressed, this,
             [this] { isBusy() ? void() : m_features->remove.DeleteLocalItems(); });
     connect(&m_remote->view(), &PaneView::deletePressed, this,
@@ -163,7 +163,7 @@ void frm_tarvelo::connectQueue()
     auto *selectAll = new SelectAllKey(this);
     m_queue->installEventFilter(selectAll);
     m_log->txtLog()->installEventFilter(selectAll);
-    connect(m_progress, &ProgressPanel::abortClicked, m_session.get(), &Session::abortTransfer);
+    connect(m_progress, &ProgressPanel::abortClicked, this, &frm_tarvelo::abort);
     connect(m_queue, &QueueView::retryRequested, this, [this](const QList<QueueRow> &rows) {
         mayBegin() ? m_features->transfers.RetryTransfers(rows) : void();
     });
@@ -182,9 +182,9 @@ void frm_tarvelo::connectColumn()
     connect(m_column, &TransferColumn::redClicked, m_menu.mnuLogin,
             [this] { m_menu.mnuLogin->trigger(); });
     connect(m_column, &TransferColumn::uploadClicked, this,
-            [this] { isBusy() ? void() : m_features->transfers.cmd_upload_Click(); });
+            [this] { mayBegin() ? m_features->transfers.cmd_upload_Click() : void(); });
     connect(m_column, &TransferColumn::downloadClicked, this,
-            [this] { isBusy() ? void() : m_features->transfers.cmd_download_Click(); });
+            [this] { mayBegin() ? m_features->transfers.cmd_download_Click() : void(); });
     connect(m_rememberLocal, &QToolButton::clicked, this, [this] { rememberFolder(false); });
     connect(m_rememberRemote, &QToolButton::clicked, this, [this] { rememberFolder(true); });
     connect(m_column, &TransferColumn::transferTypeChosen, this,

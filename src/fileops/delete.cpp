@@ -206,9 +206,9 @@ void DeleteCommand::deleteMarked(Pane &pane, const MarkedItemList &items,
     m_work.shell.SetToolbarsEnabled(false);
     m_work.shell.SetFolderBoxesEnabled(false);
     const auto restore = qScopeGuard([&] {
+        m_running = false; // the window leaves its bars off until then
         m_work.shell.SetFolderBoxesEnabled(true);
         m_work.shell.SetToolbarsEnabled(true);
-        m_running = false;
     });
     work();
     for (int slot = 1; slot < items.MarkedCount; ++slot) {

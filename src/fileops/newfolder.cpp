@@ -60,6 +60,7 @@ void NewFolderCommand::MakeRemoteFolder()
     const auto restore = qScopeGuard([this] {
         m_work.shell.SetAbortEnabled(false);
         m_work.shell.SetToolbarsEnabled(true);
+        updateCommandStates(m_work);
     });
     m_work.shell.SetFtpProperties();
     if (const QString made = makeUntilDone(unique); !made.isEmpty()) {

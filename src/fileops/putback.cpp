@@ -224,6 +224,7 @@ void PutBack::send(const QString &localPath)
         m_work.shell.ShowTransferItem({}, {});
         m_work.shell.SetToolbarsEnabled(true);
         m_work.shell.SetFolderBoxesEnabled(true);
+        updateCommandStates(m_work);
     });
     const Fetched file = m_files.value(localPath);
     m_work.shell.SetFtpProperties();
@@ -241,7 +242,6 @@ void PutBack::send(const QString &localPath)
     }
 }
 
-/// Sends the file, if the server's copy is still the one that was fetched.
 /// Shows the file's new size and time. What the user has selected meanwhile stays so.
 void PutBack::listAgain()
 {
@@ -259,6 +259,7 @@ void PutBack::listAgain()
     m_work.remote.selectRows(rows);
 }
 
+/// Sends the file, if the server's copy is still the one that was fetched.
 /// @param refusal  why it was not sent; empty when it was
 PutBack::Outcome PutBack::upload(const QString &localPath, const Fetched &file, QString &refusal)
 {
@@ -323,8 +324,8 @@ FtpResult<bool> PutBack::hasSameContent(const Fetched &file)
         return false;
     }
     qint64 offset = 0;
-    m_work.ftp.setTransferType(file.transferType);
     m_work.globals.transfer.LocalSize = 0; // from the beginning: the progress counts from here
+    m_work.ftp.setTransferType(file.transferType);
     const FtpStatus fetched = m_work.ftp.getFile(file.remotePath, copy.fileName(), offset);
     if (fetched) {
         return contentHash(copy.fileName()) == file.hash

@@ -4,6 +4,8 @@
 #include "common/names.h"
 #include "ftp/ftplocalnames.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 
 #include <cerrno>
@@ -104,6 +106,11 @@ void RenameCommand::RenameRemoteAfterEdit(int row, const QString &newText)
     if (caption.isEmpty() || !mayStart(m_work.ftp)) {
         return;
     }
+    m_work.shell.SetToolbarsEnabled(false);
+    const auto restore = qScopeGuard([this] {
+        m_work.shell.SetToolbarsEnabled(true);
+        updateCommandStates(m_work);
+    });
     if (const auto refused = renameRemote(caption, newText)) {
         m_work.shell.AppendLog(*refused + u"\r\n"_s);
         return;

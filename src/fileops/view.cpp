@@ -76,6 +76,7 @@ void ViewCommand::ViewRemoteFile(int row)
         m_work.shell.SetAbortEnabled(false);
         m_work.shell.SetToolbarsEnabled(true);
         m_work.shell.SetFolderBoxesEnabled(true);
+        updateCommandStates(m_work);
     });
     if (fetch(entry)) {
         m_work.shell.vorschau(m_work.globals.folders.temporary + entry.name);

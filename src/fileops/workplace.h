@@ -17,3 +17,16 @@ struct Workplace {
     Pane &local;
     Pane &remote;
 };
+
+/// What may be done with the selected rows, which may be others than at a command's beginning. The
+/// menu's items are shared: they follow the pane that was used last.
+inline void updateCommandStates(const Workplace &work)
+{
+    if (work.globals.active.RemoteListActive) {
+        work.shell.UpdateLocalCommandStates();
+        work.shell.UpdateRemoteCommandStates();
+    } else {
+        work.shell.UpdateRemoteCommandStates();
+        work.shell.UpdateLocalCommandStates();
+    }
+}

@@ -101,6 +101,7 @@ void LocalPane::abandonJob()
 
 void LocalPane::ListLocalFolder(const QString &path, FolderSource source)
 {
+    view().endEditing(); // while the folder is still the one whose row is being renamed
     abandonJob();
     m_job = std::make_shared<Job>();
     const QString wanted = source == FolderSource::Box ? absoluteFolder(path) : path;

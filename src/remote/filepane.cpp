@@ -200,6 +200,7 @@ void FilePane::keepColumns()
 
 void FilePane::clickColumn(int column)
 {
+    m_view->endEditing(); // sorting would close the editor and drop what was typed
     if (maySort()) {
         sortByColumn(column);
     }

@@ -89,6 +89,14 @@ void PaneView::editCaption(int row)
     edit(caption);
 }
 
+void PaneView::endEditing()
+{
+    if (QWidget *editor = isEditing() ? indexWidget(currentIndex()) : nullptr; editor != nullptr) {
+        commitData(editor);
+        closeEditor(editor, QAbstractItemDelegate::NoHint);
+    }
+}
+
 void PaneView::sizeColumnsToContents()
 {
     for (int column = 1; column < model()->columnCount(); ++column) {

@@ -20,6 +20,8 @@ public:
     [[nodiscard]] bool isEditing() const { return state() == EditingState; }
     /// Makes the row current and starts editing its name.
     void editCaption(int row);
+    /// Takes the name that is being typed as it stands, as Enter does; nothing without an editor.
+    void endEditing();
 
     /// Columns as wide as their contents in a sample of the rows and as the list allows.
     void sizeColumnsToContents();

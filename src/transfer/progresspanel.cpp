@@ -12,6 +12,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int longestWait = 2000; ///< milliseconds
+
 /// A label of fixed width: nothing moves when its text changes.
 QLabel *addLabel(QWidget *parent, const QString &name, const QString &widest,
                  Qt::Alignment alignment)
@@ -44,9 +46,31 @@ ProgressPanel::ProgressPanel(ProgressModel &model, QWidget *parent)
     build();
     connect(&model, &ProgressModel::changed, this, &ProgressPanel::showModel);
     showModel();
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(longestWait);
+    connect(&m_patience, &QTimer::timeout, this, [this] {
+        m_commandIsSlow = true;
+        showAbort();
+    });
 }
 
-void ProgressPanel::setAbortEnabled(bool enabled) { cmdAbort->setEnabled(enabled); }
+void ProgressPanel::setAbortEnabled(bool enabled)
+{
+    m_abortWanted = enabled;
+    showAbort();
+}
+
+void ProgressPanel::followCommand(bool runs)
+{
+    if (m_commandRuns != runs) {
+        m_commandRuns = runs;
+        m_commandIsSlow = false;
+        runs ? m_patience.start() : m_patience.stop();
+        showAbort();
+    }
+}
+
+void ProgressPanel::showAbort() { cmdAbort->setEnabled(m_abortWanted || m_commandIsSlow); }
 
 void ProgressPanel::build()
 {

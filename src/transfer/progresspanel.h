@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QTimer>
 
 class ProgressModel;
 class QLabel;
@@ -14,7 +15,13 @@ class ProgressPanel : public QFrame {
 public:
     explicit ProgressPanel(ProgressModel &model, QWidget *parent = nullptr);
 
+    /// What the commands themselves say about cmdAbort.
     void setAbortEnabled(bool enabled);
+    /// A command begins or ends. Whatever it does, it can be aborted once it keeps the user
+    /// waiting.
+    void followCommand(bool runs);
+    /// How long a command may last before that. @param milliseconds  for the next command
+    void setPatience(int milliseconds) { m_patience.setInterval(milliseconds); }
 
 Q_SIGNALS:
     void abortClicked(); ///< cmdAbort was clicked; nothing has been asked yet
@@ -22,6 +29,7 @@ Q_SIGNALS:
 private:
     void build();
     void showModel();
+    void showAbort();
 
     ProgressModel &m_model;
     QProgressBar *Progress = nullptr;
@@ -29,4 +37,8 @@ private:
     QLabel *lblRate = nullptr;
     QLabel *lblFileSize = nullptr;
     QPushButton *cmdAbort = nullptr;
+    QTimer m_patience;
+    bool m_abortWanted = false;
+    bool m_commandRuns = false;
+    bool m_commandIsSlow = false;
 };

@@ -1,12 +1,9 @@
 // What the window hears from its session, on a server that can be told to fail.
-#include "app/windowbench.h"
 #include "connections/frmConnect.h"
 #include "dialogs/frm_einstellungen.h"
-#include "servers/faultserver.h"
-#include "servers/fixture.h"
+#include "e2e/wiredwindow.h"
 #include "support/modalbox.h"
 
-#include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
@@ -15,55 +12,6 @@
 
 namespace {
 
-class WiredWindow : public WindowBench {
-protected:
-    WiredWindow()
-    {
-        globals.settings.encryption = static_cast<int>(FtpEncryption::Never);
-        servers::writeFile(server.root() / "da.txt", "hier");
-        QDir(home.path()).mkdir(QStringLiteral("lokal"));
-        servers::writeFile(localPath("neu.txt"), "neu");
-    }
-
-    std::filesystem::path localPath(const char *name) const
-    {
-        return std::filesystem::path(home.path().toStdString()) / "lokal" / name;
-    }
-    void start(const QString &type = QStringLiteral("1"))
-    {
-        const QStringList fields { QStringLiteral("127.0.0.1"),
-                                   QString::fromStdString(server.user()),
-                                   QString::fromStdString(server.password()),
-                                   home.filePath(QStringLiteral("lokal")),
-                                   {},
-                                   QStringLiteral("10"),
-                                   QString::number(server.port()),
-                                   type,
-                                   QStringLiteral("1"),
-                                   {},
-                                   {} };
-        open(fields.join(u'\t'));
-        window->load_commands();
-    }
-    void expectAdvice()
-    {
-        prompts.expectMessage(
-            QStringLiteral("Überprüfen Sie ob auf der rechten Seite (dem Server), das richtige "
-                           "Verzeichnis eingestellt ist.\nWenn ja, drücken Sie den "
-                           "Übertragenbutton -> um mit dem Kopiervorgang zu beginnen."));
-    }
-    void login(const QString &type = QStringLiteral("1"))
-    {
-        expectAdvice();
-        start(type);
-        ASSERT_EQ(ftp.state(), FtpControl::Connected) << log().toStdString();
-    }
-    QString log() const { return find<QWidget>("txtLog")->property("plainText").toString(); }
-    void click(const char *name) { find<QAbstractButton>(name)->click(); }
-
-    servers::FaultServer server;
-};
-
 /// Takes the files that would be opened with the desktop's programs.
 class DesktopStandIn : public QObject {
     Q_OBJECT
@@ -71,26 +19,6 @@ class DesktopStandIn : public QObject {
 public:
     DesktopStandIn() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "open"); }
     ~DesktopStandIn() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
-TEST_F(WiredWindow, WhatIsSelectedStaysSoWhenAnEditGoesBack)
-{
-    for (const char *name : { "eins.txt", "zwei.txt" }) {
-        servers::writeFile(server.root() / name, "x");
-    }
-    login();
-    DesktopStandIn desktop;
-    select(window->remotePane(), { "da.txt" });
-    button("tbToolBar_rem", "ViewFile")->trigger();
-    select(window->remotePane(), { "eins.txt", "zwei.txt" });
-    prompts.expectQuestion(QStringLiteral("/da.txt\r\nwurde geändert – zum Server zurückspielen?"),
-                           true);
-    file("temp/da.txt", "länger als zuvor");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return prompts.finished() && !ftp.isBusy(); }));
-    RemotePane &pane = window->remotePane();
-    EXPECT_EQ(pane.model().row(rowOf(pane, "da.txt")).size, QStringLiteral("17"));
-    EXPECT_EQ(pane.selectedRows(),
-              (QList<int> { rowOf(pane, "eins.txt"), rowOf(pane, "zwei.txt") }));
-}
-
 
 public Q_SLOTS:
     void open(const QUrl & /*address*/) { }
@@ -141,6 +69,26 @@ TEST_F(WiredWindow, AnEditThatFoundNoLineIsOfferedAfterTheNextLogin)
                            true);
     EXPECT_TRUE(QTest::qWaitFor([this] { return prompts.finished() && !ftp.isBusy(); }));
     EXPECT_EQ(servers::readFile(server.root() / "da.txt"), "neu");
+}
+
+TEST_F(WiredWindow, WhatIsSelectedStaysSoWhenAnEditGoesBack)
+{
+    for (const char *name : { "eins.txt", "zwei.txt" }) {
+        servers::writeFile(server.root() / name, "x");
+    }
+    login();
+    DesktopStandIn desktop;
+    select(window->remotePane(), { "da.txt" });
+    button("tbToolBar_rem", "ViewFile")->trigger();
+    select(window->remotePane(), { "eins.txt", "zwei.txt" });
+    prompts.expectQuestion(QStringLiteral("/da.txt\r\nwurde geändert – zum Server zurückspielen?"),
+                           true);
+    file("temp/da.txt", "länger als zuvor");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return prompts.finished() && !ftp.isBusy(); }));
+    RemotePane &pane = window->remotePane();
+    EXPECT_EQ(pane.model().row(rowOf(pane, "da.txt")).size, QStringLiteral("17"));
+    EXPECT_EQ(pane.selectedRows(),
+              (QList<int> { rowOf(pane, "eins.txt"), rowOf(pane, "zwei.txt") }));
 }
 
 TEST_F(WiredWindow, BeendenClosesItAlsoWhileConnected)

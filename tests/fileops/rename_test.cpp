@@ -42,6 +42,19 @@ TEST_F(RenameTest, RemoteSendsRelativeNamesAndFollows)
     EXPECT_TRUE(ftp.has(u"/www/neu"_s));
 }
 
+TEST_F(RenameTest, TheBarsAreOffWhileTheServerIsAsked)
+{
+    ftp.addFile(u"/www/alt"_s, "x");
+    showBoth();
+    globals.active.RemoteListActive = true;
+    ftp.during = [this](const QString &) {
+        EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s), QStringList { u"SetToolbarsEnabled 0"_s });
+    };
+    command.RenameRemoteAfterEdit(rowNamed(remote, u"alt"_s), u"neu"_s);
+    EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
+    EXPECT_EQ(shell.calls.last(), u"UpdateRemoteCommandStates"_s) << "the menu follows this pane";
+}
+
 TEST_F(RenameTest, NothingHappensWithoutAChange)
 {
     ftp.addFile(u"/www/alt"_s, "x");

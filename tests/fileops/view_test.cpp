@@ -42,6 +42,7 @@ TEST_F(ViewTest, FetchesARemoteFileAndOpensIt)
     viewRemote(u"index.html"_s);
     EXPECT_EQ(shellCalls(u"SetToolbarsEnabled"_s).last(), u"SetToolbarsEnabled 1"_s);
     EXPECT_EQ(shellCalls(u"SetFolderBoxesEnabled"_s).last(), u"SetFolderBoxesEnabled 1"_s);
+    EXPECT_EQ(shell.calls.last(), u"UpdateRemoteCommandStates"_s) << "what is selected counts";
     EXPECT_EQ(
         ftp.commandsOf(u"GET"_s),
         QStringList { u"GET /www/index.html "_s + disk(u"temp/index.html"_s) + u" @0 [0]"_s });

@@ -223,6 +223,26 @@ TEST(ProgressPanel, PaintsWhenTheWindowDoesAndNotForEveryValue)
     EXPECT_EQ(bar->value(), 100);
 }
 
+TEST(ProgressPanel, WhateverKeepsTheUserWaitingCanBeAborted)
+{
+    ProgressModel model;
+    ProgressPanel panel(model);
+    const auto *abort = panel.findChild<QPushButton *>(u"cmdAbort"_s);
+    panel.setPatience(0);
+    panel.followCommand(true);
+    EXPECT_FALSE(abort->isEnabled()) << "not at once";
+    ASSERT_TRUE(QTest::qWaitFor([abort] { return abort->isEnabled(); }));
+    panel.followCommand(true); // one of its steps
+    panel.setAbortEnabled(false); // as every reply of the server says
+    EXPECT_TRUE(abort->isEnabled());
+    panel.followCommand(false);
+    EXPECT_FALSE(abort->isEnabled());
+    panel.setAbortEnabled(true); // bytes flow
+    panel.followCommand(true);
+    panel.followCommand(false);
+    EXPECT_TRUE(abort->isEnabled()) << "for others to say";
+}
+
 TEST(ProgressPanel, AbortIsOffUntilItIsSwitchedOn)
 {
     ProgressModel model;
