@@ -158,8 +158,7 @@ Status IncomingFile::open(const std::string &path, std::int64_t offset)
         }
         return m_file >= 0 ? Status {} : Status(localError(errno, path));
     }
-    const bool aside
-        = exists && status.st_size > 0 && status.st_nlink == 1 && ::access(path.c_str(), W_OK) == 0;
+    const bool aside = exists && status.st_size > 0 && ::access(path.c_str(), W_OK) == 0;
     if (aside) {
         openBeside(path, status.st_mode);
     }

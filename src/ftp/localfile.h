@@ -31,8 +31,8 @@ Status replaceFile(const std::string &path, std::string_view text);
 ///
 /// A new file is written in place, so that a broken transfer can be resumed. An existing one that
 /// is replaced stays as it is until the new one is complete: the bytes go into a file beside it.
-/// Only where its folder takes no further file, and where it has several names, all of which are to
-/// have the new content, it is written in place as well.
+/// Its other names, in a backup of links for example, keep the older content. Only where its folder
+/// takes no further file it is written in place as well.
 class IncomingFile {
 public:
     IncomingFile() = default;
