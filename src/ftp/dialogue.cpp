@@ -31,7 +31,7 @@ Awaitable<Result<Reply>> Dialogue::reply(Milliseconds limit)
             hide(line, m_verb, m_secret);
         }
     }
-    if (m_listener && !m_muted) {
+    if (m_listener && !*m_muted) {
         m_listener(*answer);
     }
     if (answer->code == 421) {

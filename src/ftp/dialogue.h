@@ -3,6 +3,7 @@
 #include "ftp/control_line.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -51,17 +52,17 @@ private:
     /// Mutes and sets back what was before.
     class Muted {
     public:
-        Muted(Dialogue &dialogue, bool wanted)
-            : m_dialogue(dialogue)
-            , m_before(std::exchange(dialogue.m_muted, dialogue.m_muted || wanted))
+        Muted(const Dialogue &dialogue, bool wanted)
+            : m_flag(dialogue.m_muted)
+            , m_before(std::exchange(*m_flag, *m_flag || wanted))
         {
         }
-        ~Muted() { m_dialogue.m_muted = m_before; }
+        ~Muted() { *m_flag = m_before; }
         Muted(const Muted &) = delete;
         Muted &operator=(const Muted &) = delete;
 
     private:
-        Dialogue &m_dialogue;
+        std::shared_ptr<bool> m_flag; ///< coroutines that never go on may outlive the dialogue
         bool m_before;
     };
 
@@ -69,7 +70,7 @@ private:
     Milliseconds m_limit;
     Listener m_listener;
     std::string m_verb, m_secret; ///< of the command that is asked secretly
-    bool m_muted = false;
+    std::shared_ptr<bool> m_muted = std::make_shared<bool>(false);
 };
 
 } // namespace ftp
