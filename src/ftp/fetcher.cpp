@@ -2,7 +2,6 @@
 
 #include "ftp/file_facts.h"
 #include "ftp/receiver.h"
-#include "ftp/side_task.h"
 #include "ftp/transfer.h"
 #include "ftp/tree_walk.h"
 
@@ -10,31 +9,6 @@
 
 namespace ftp {
 namespace {
-
-/// The reply to a transfer command whose data connection is under way. @return the refusal, if any
-Awaitable<Result<std::optional<Error>>> awaitStart(Session &session, DataConnection &data)
-{
-    SideTask standing(session.executor(), data.establish());
-    auto answer = co_await session.dialogue().reply();
-    const bool begins = answer && answer->preliminary();
-    if (!begins) {
-        data.abort();
-    }
-    Status stands = co_await standing.join();
-    if (!answer) {
-        co_return tl::unexpected(answer.error());
-    }
-    if (answer->done()) {
-        co_return fail(ErrorKind::Protocol, "The server ended a transfer before it began");
-    }
-    if (!begins) {
-        co_return std::optional<Error>(refusal(*answer).value());
-    }
-    if (!stands) {
-        co_return tl::unexpected(stands.error());
-    }
-    co_return std::optional<Error>();
-}
 
 const std::string listAll = "LIST -a";
 
@@ -166,16 +140,16 @@ Awaitable<Status> Fetcher::flow(Session &session, Flow &flow, std::vector<Reply>
 
 Awaitable<Status> Fetcher::receiveFile(Session &session, Flow &flow)
 {
-    auto start = co_await awaitStart(session, *flow.data);
-    if (!start) {
-        co_return tl::unexpected(start.error());
+    Status start = co_await awaitStart(session, *flow.data);
+    if (!start && start.error().kind != ErrorKind::Refused) {
+        co_return start;
     }
-    if (*start) {
-        if (flow.job.link && (*start)->replyCode / 100 == 5) {
-            m_task.linkRefused(flow.job);
-        } else {
-            m_task.refused(session, flow.job, **start);
-        }
+    if (!start && flow.job.link && isFinalRefusal(start.error())) {
+        m_task.linkRefused(flow.job);
+        co_return Status {};
+    }
+    if (!start) {
+        m_task.refused(session, flow.job, start.error());
         co_return Status {};
     }
     Status received = co_await receiveBytes(session, flow);
@@ -233,15 +207,15 @@ Awaitable<Status> Fetcher::receiveBytes(Session &session, Flow &flow)
 
 Awaitable<Status> Fetcher::receiveListing(Session &session, Flow &flow)
 {
-    auto start = co_await awaitStart(session, *flow.data);
+    Status start = co_await awaitStart(session, *flow.data);
+    if (!start && start.error().kind == ErrorKind::Refused) {
+        co_return listingRefused(session, flow, start.error());
+    }
     if (!start) {
-        co_return tl::unexpected(start.error());
+        co_return start;
     }
     ServerKnowledge &server = session.knowledge();
     const bool machine = byMachine(session, flow.job);
-    if (*start) {
-        co_return listingRefused(session, flow, **start);
-    }
     TreeListing listing;
     const bool linksOnly = flow.job.machine != nullptr; // all others are known
     const auto take = [&listing, linksOnly](const Entry &entry) {

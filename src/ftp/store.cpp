@@ -2,7 +2,6 @@
 
 #include "ftp/file_facts.h"
 #include "ftp/sender.h"
-#include "ftp/side_task.h"
 
 #include <asio/post.hpp>
 #include <vector>
@@ -181,20 +180,10 @@ Awaitable<Result<std::int64_t>> store(Session &session, FileRequest request)
     }
     SideTask pumping(session.executor(),
                      sendFile(session, data, file, planned->offset, request.type, meter));
-    auto answer = co_await session.dialogue().reply();
-    if (!answer || !answer->preliminary()) {
-        data.abort();
-        Status ended = co_await pumping.join();
-        ignoreError(ended, "the reply tells why");
-        if (!answer || answer->done()) {
-            session.markBroken();
-        }
-        co_return answer ? (answer->done() ? Result<std::int64_t>(fail(
-                                ErrorKind::Protocol, "The server ended a transfer before it began"))
-                                           : Result<std::int64_t>(refusal(*answer)))
-                         : Result<std::int64_t>(tl::unexpected(answer.error()));
+    step = co_await awaitPreliminary(session, data, pumping);
+    if (!step) {
+        co_return tl::unexpected(step.error());
     }
-    data.permit();
     Status sent = co_await pumping.join();
     Status finished
         = co_await finishTransfer(session, data, sent, patience(session.timeout(), file.size()));

@@ -1,7 +1,6 @@
 #include "ftp/storer.h"
 
 #include "ftp/file_facts.h"
-#include "ftp/side_task.h"
 #include "ftp/transfer.h"
 
 namespace ftp {
@@ -167,21 +166,11 @@ Awaitable<Status> Storer::sendBytes(Session &session, Flow &flow, OutgoingFile &
     });
     SideTask sending(session.executor(),
                      sendFile(session, *flow.data, file, 0, m_task.type(), meter));
-    auto answer = co_await session.dialogue().reply();
-    const bool begins = answer && answer->preliminary();
-    begins ? flow.data->permit() : flow.data->abort();
+    Status begun = co_await awaitPreliminary(session, *flow.data, sending);
     Status sent = co_await sending.join();
     meter.finish();
-    if (!answer) {
-        session.markBroken();
-        co_return tl::unexpected(answer.error());
-    }
-    if (!begins) {
-        if (answer->done()) {
-            session.markBroken(); // a transfer that ended before it began: out of step
-            co_return fail(ErrorKind::Protocol, "The server ended a transfer before it began");
-        }
-        co_return refusal(*answer);
+    if (!begun) {
+        co_return begun;
     }
     Status finished = co_await finishTransfer(session, *flow.data, sent,
                                               patience(session.timeout(), file.size()));

@@ -1,7 +1,5 @@
 #include "ftp/transfer.h"
 
-#include "ftp/side_task.h"
-
 #include <asio/post.hpp>
 #include <memory>
 
@@ -76,31 +74,45 @@ Awaitable<Status> receiveAll(Session &session, DataConnection &data,
     }
 }
 
+Awaitable<Status> awaitPreliminary(Session &session, DataConnection &data, SideTask &running)
+{
+    auto answer = co_await session.dialogue().reply();
+    if (answer && answer->preliminary()) {
+        data.permit();
+        co_return Status {};
+    }
+    data.abort();
+    Status ended = co_await running.join();
+    ignoreError(ended, "the reply tells why nothing comes");
+    if (answer && !answer->done()) {
+        co_return refusal(*answer);
+    }
+    session.markBroken();
+    if (!answer) {
+        co_return tl::unexpected(answer.error());
+    }
+    co_return fail(ErrorKind::Protocol,
+                   "The server ended a transfer before it began (" + answer->text() + ")");
+}
+
+Awaitable<Status> awaitStart(Session &session, DataConnection &data)
+{
+    // Some servers answer before the TLS handshake, some behind it: both are waited for at once.
+    SideTask standing(session.executor(), data.establish());
+    Status begun = co_await awaitPreliminary(session, data, standing);
+    if (!begun) {
+        co_return begun;
+    }
+    co_return co_await standing.join();
+}
+
 Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::string command)
 {
     Status sent = co_await session.line().send(command);
     if (!sent) {
         co_return sent;
     }
-    // Some servers answer before the TLS handshake, some behind it: both are waited for at once.
-    SideTask standing(session.executor(), data.establish());
-    auto answer = co_await session.dialogue().reply();
-    if (!answer || !answer->preliminary()) {
-        data.abort();
-        Status ended = co_await standing.join();
-        ignoreError(ended, "the reply tells why nothing comes");
-        if (!answer) {
-            session.markBroken();
-            co_return tl::unexpected(answer.error());
-        }
-        if (answer->done()) {
-            session.markBroken(); // a transfer that ended before it began: out of step
-            co_return fail(ErrorKind::Protocol,
-                           "The server ended a transfer before it began (" + answer->text() + ")");
-        }
-        co_return refusal(*answer);
-    }
-    co_return co_await standing.join();
+    co_return co_await awaitStart(session, data);
 }
 
 Awaitable<Status> finishTransfer(Session &session, DataConnection &data, Status broken,

@@ -3,6 +3,7 @@
 #include "ftp/data_connection.h"
 #include "ftp/listing.h"
 #include "ftp/localfile.h"
+#include "ftp/side_task.h"
 
 #include <chrono>
 #include <functional>
@@ -41,8 +42,12 @@ private:
 Awaitable<Status> receiveAll(Session &session, DataConnection &data,
                              std::function<Status(std::string_view)> sink);
 
-/// Sends a transfer command over a begun data connection and waits for the preliminary reply and
-/// the connection. A refusal leaves the session usable.
+/// Waits for the preliminary reply to a transfer command that was sent, and permits sending.
+/// Without it the data connection and what runs over it end; a refusal leaves the session usable.
+Awaitable<Status> awaitPreliminary(Session &session, DataConnection &data, SideTask &running);
+/// The same, and until the data connection stands.
+Awaitable<Status> awaitStart(Session &session, DataConnection &data);
+/// Sends a transfer command over a begun data connection and waits for its start.
 Awaitable<Status> startTransfer(Session &session, DataConnection &data, std::string command);
 
 /// Big files may take their time to reach the server's disk before it answers.
