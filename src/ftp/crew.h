@@ -12,6 +12,9 @@
 
 namespace ftp {
 
+/// How often a job whose line broke is tried.
+inline constexpr int mostTries = 3;
+
 /// How a crew works.
 struct CrewRules {
     bool reconnects = true; ///< a lost connection is made again

@@ -7,8 +7,6 @@ namespace ftp {
 namespace {
 
 constexpr std::size_t blockSize = 256 * 1024;
-/// After so many bytes in a row others get their turn.
-constexpr std::size_t fairShare = 4 * 1024 * 1024;
 constexpr std::chrono::milliseconds reportEvery { 33 };
 constexpr Milliseconds afterBlockedData { 3000 };
 

@@ -38,6 +38,9 @@ private:
 /// The report that tells a session's progress hook.
 [[nodiscard]] ProgressMeter::Report sessionProgress(Session &session);
 
+/// After so many bytes in a row others get their turn.
+inline constexpr std::size_t fairShare = 4 * 1024 * 1024;
+
 /// Reads a data connection to its end, block by block.
 Awaitable<Status> receiveAll(Session &session, DataConnection &data,
                              std::function<Status(std::string_view)> sink);

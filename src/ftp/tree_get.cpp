@@ -175,7 +175,7 @@ bool TreeGetter::fits(const TreeEntry &entry) const
 bool TreeGetter::isWanted(const Listed &here, const TreeEntry &entry) const
 {
     return isSafeName(entry.name) && isSafeName(here.odd.text(entry.name)) && fits(entry)
-        && (entry.type != 'd' || here.folder->depth < deepest);
+        && (entry.type != 'd' || here.folder->depth < deepestFolder);
 }
 
 void TreeGetter::reject(const Listed &here, const TreeEntry &entry)

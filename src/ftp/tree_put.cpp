@@ -161,7 +161,7 @@ Awaitable<Status> TreePutter::survey(std::shared_ptr<const FolderPair> folder)
             continue; // vanished
         }
         if (S_ISDIR(entry.st_mode)) {
-            if (folder->depth >= deepest) {
+            if (folder->depth >= deepestFolder) {
                 leaveOut(path, { ErrorKind::TooDeep, 0, "Folders are nested too deeply" });
                 continue;
             }

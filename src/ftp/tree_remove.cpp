@@ -9,7 +9,6 @@
 namespace ftp {
 namespace {
 
-constexpr int mostTries = 3;
 const std::string deletion = "DELE ";
 
 /// A folder on its way out. It goes when nothing is left to do in it.

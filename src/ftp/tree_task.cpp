@@ -1,11 +1,6 @@
 #include "ftp/tree_task.h"
 
 namespace ftp {
-namespace {
-
-constexpr int mostTries = 3;
-
-} // namespace
 
 std::shared_ptr<FolderPair> TreeTask::top(const std::string &remote, std::string local)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ftp/crew_task.h"
+#include "ftp/tree_walk.h"
 
 #include <deque>
 #include <optional>
@@ -30,7 +31,6 @@ public:
     void refused(Session &session, Job job, const Error &error) override;
 
 protected:
-    static constexpr int deepest = 64; ///< levels of folders
     /// So many files waiting are enough work; the memory needed must not grow with the tree.
     static constexpr std::size_t enoughFiles = 512;
 
