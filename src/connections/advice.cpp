@@ -100,10 +100,6 @@ QString adviceFor(const FtpEvent &event)
         return u"Der Server kann diesen Namen nicht annehmen; bitte prüfen Sie ihn auf unerlaubte "
                "Zeichen und auf seine Länge."_s;
     }
-    if (event.reason && event.text.contains("nested too deeply"_L1)) {
-        return u"Ordner sind zu tief ineinander verschachtelt; was in ihnen steht, wurde "
-               "ausgelassen."_s;
-    }
     const auto isOneOf = [&event](int one, int other) {
         return event.operation == one || event.operation == other;
     };

@@ -189,7 +189,7 @@ void TreeGetter::reject(const Listed &here, const TreeEntry &entry)
         m_crew.failed({ ErrorKind::LocalFile, 0, "File too large: " + shown });
     } else {
         m_notes.add("Zu tief verschachtelt, nicht übertragen: " + shown);
-        m_crew.failed({ ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+        m_crew.failed({ ErrorKind::TooDeep, 0, "Folders are nested too deeply" });
     }
 }
 

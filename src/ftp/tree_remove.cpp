@@ -178,7 +178,7 @@ void TreeRemover::addFolders(const TreeListing &listing, const DoomedPointer &fo
         refuse(folder->path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
     }
     if (deep) {
-        refuse(folder->path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+        refuse(folder->path, { ErrorKind::TooDeep, 0, "Folders are nested too deeply" });
     }
 }
 

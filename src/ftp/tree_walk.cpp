@@ -109,7 +109,7 @@ private:
             m_failed(folder.path, { ErrorKind::UnsafeName, 0, "Unsafe name from the server" });
         }
         if (deep) {
-            m_failed(folder.path, { ErrorKind::UnsafeName, 0, "Folders are nested too deeply" });
+            m_failed(folder.path, { ErrorKind::TooDeep, 0, "Folders are nested too deeply" });
         }
     }
 

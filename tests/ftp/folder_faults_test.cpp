@@ -26,6 +26,25 @@ TEST_F(FolderFaults, NamesThatLeaveTheFolderAreRefused)
     EXPECT_EQ(m_client->notes().size(), 2U);
 }
 
+TEST_F(FolderFaults, FoldersNestedTooDeeplyFailAsSuchInEveryDirection)
+{
+    std::filesystem::path below;
+    for (int level = 0; level <= 65; ++level) {
+        below /= "t";
+    }
+    std::filesystem::create_directories(server.root() / "web" / below);
+    std::filesystem::create_directories(std::filesystem::path(local("site")) / below);
+    connected();
+    ftp::Client &client = m_client->client();
+    const std::vector outcomes { run(ftp::getTree(client, "/web", local("web"), Type::Binary)),
+                                 run(ftp::putTree(client, local("site"), "/oben", Type::Binary)),
+                                 run(ftp::removeTree(client, "/web")) };
+    for (const ftp::Status &outcome : outcomes) {
+        ASSERT_FALSE(outcome);
+        EXPECT_EQ(outcome.error().kind, ErrorKind::TooDeep) << outcome.error().text;
+    }
+}
+
 TEST_F(FolderFaults, AFolderTransferSurvivesALostConnection)
 {
     for (int i = 0; i < 20; ++i) {
