@@ -1,14 +1,13 @@
 #include "ftp/ftpbridge.h"
 
 #include "ftp/engine_thread.h"
+#include "ftp/event.h"
 #include "ftp/ftpconvert.h"
 
 #include <QDeadlineTimer>
 #include <QMetaObject>
 #include <QTimer>
 #include <asio/post.hpp>
-#include <asio/redirect_error.hpp>
-#include <asio/use_awaitable.hpp>
 
 static_assert(static_cast<int>(FtpTrust::Once) == static_cast<int>(ftp::Trust::Once)
               && static_cast<int>(FtpTrust::Always) == static_cast<int>(ftp::Trust::Always));
@@ -97,19 +96,19 @@ ftp::Hooks FtpBridge::hooks()
 
 ftp::Awaitable<ftp::Trust> FtpBridge::ask(ftp::CertificateQuestion asked)
 {
-    struct Wait {
-        explicit Wait(const asio::any_io_executor &executor)
-            : timer(executor)
+    struct Answer {
+        explicit Answer(const asio::any_io_executor &executor)
+            : given(executor)
         {
         }
-        asio::steady_timer timer;
-        std::optional<ftp::Trust> answer;
+        ftp::Event given;
+        FtpTrust trust = FtpTrust::Reject;
     };
     /// What is put to the control's thread. Dropped without an answer, when the control goes away,
     /// it rejects: somebody waits for it.
     struct Asked {
-        Asked(std::shared_ptr<Wait> who, asio::any_io_executor where)
-            : wait(std::move(who))
+        Asked(std::shared_ptr<Answer> to, asio::any_io_executor where)
+            : answer(std::move(to))
             , executor(std::move(where))
         {
         }
@@ -117,28 +116,24 @@ ftp::Awaitable<ftp::Trust> FtpBridge::ask(ftp::CertificateQuestion asked)
         Asked &operator=(const Asked &) = delete;
         ~Asked()
         {
-            asio::post(executor, [wait = wait, trust = trust] {
-                wait->answer = static_cast<ftp::Trust>(trust);
-                wait->timer.cancel();
+            asio::post(executor, [answer = answer, trust = trust] {
+                answer->trust = trust;
+                answer->given.set();
             });
         }
-        std::shared_ptr<Wait> wait;
+        std::shared_ptr<Answer> answer;
         asio::any_io_executor executor;
         FtpTrust trust = FtpTrust::Reject;
     };
     const asio::any_io_executor executor = ftp::EngineThread::executor();
-    const auto wait = std::make_shared<Wait>(executor);
-    wait->timer.expires_at(asio::steady_timer::time_point::max());
+    const auto answer = std::make_shared<Answer>(executor);
     const FtpCertificate shown = ftpCertificate(asked);
     const auto self = shared_from_this();
-    auto open = std::make_shared<Asked>(wait, executor);
+    auto open = std::make_shared<Asked>(answer, executor);
     post([self, open, shown] {
         open->trust = self->question ? self->question(shown) : FtpTrust::Reject;
     });
     open.reset(); // now the closure alone keeps it
-    while (!wait->answer) {
-        std::error_code ignored; // the timer only ever ends by being cancelled
-        co_await wait->timer.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
-    }
-    co_return *wait->answer;
+    co_await answer->given.wait();
+    co_return static_cast<ftp::Trust>(answer->trust);
 }

@@ -136,11 +136,11 @@ void IncomingFile::openBeside(const std::string &path, unsigned mode)
     m_path = error ? path : target.string();
     m_temporary = temporaryBeside(m_path);
     m_file = ::mkostemp(m_temporary.data(), O_CLOEXEC);
-    if (m_file >= 0) {
-        ::fchmod(m_file, mode & 07777);
-    } else {
+    if (m_file < 0) {
         m_temporary.clear();
+        return;
     }
+    (void)::fchmod(m_file, mode & 07777); // a file system without modes is no reason to fail
 }
 
 Status IncomingFile::open(const std::string &path, std::int64_t offset)
