@@ -39,9 +39,8 @@ private:
 
     void listAgain(const QString &folder);
     void deleteMarked(Pane &pane, const MarkedItemList &items, const std::function<void()> &work);
-    /// @param folders  those whose content the question tells
-    [[nodiscard]] bool confirmed(const MarkedItemList &items, const QStringList &folders,
-                                 const Count &count);
+    /// @param count  tells what is in the marked folders, while the question stands
+    [[nodiscard]] bool confirmed(const MarkedItemList &items, QChar separator, const Count &count);
     [[nodiscard]] FtpFolderContent countRemote(const QStringList &folders,
                                                const std::shared_ptr<std::atomic_bool> &stop);
     void deleteRemoteItems(const MarkedItemList &items);
@@ -54,7 +53,9 @@ private:
     void deleteLocalFolder(const MarkedItem &item);
     void recordLocal(const MarkedItem &item, const Reason &reason);
     [[nodiscard]] Reason removeRemote(const MarkedItem &item, const QString &path);
-    void refuse(Pane &pane, const MarkedItem &item, const QString &reason);
+    [[nodiscard]] static QString labelOf(const MarkedItem &item);
+    static void removeRow(Pane &pane, const MarkedItem &item);
+    void record(Pane &pane, const MarkedItem &item, QueueRow row, const Reason &reason);
 
     Workplace m_work;
     LocalRemover m_removeLocal;
