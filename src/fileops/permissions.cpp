@@ -31,23 +31,22 @@ int clampMode(qint64 mode) { return static_cast<int>(std::clamp<qint64>(mode, 0,
 
 void PermissionCommand::mnu_rechte_Click()
 {
-    Globals &globals = m_work.globals;
+    const PermissionChoice &chosen = m_work.globals.permissions;
     if (!mayStart(m_work.ftp)) {
         return;
     }
     m_dialog();
-    if (!globals.permissions.PermissionsConfirmed || !mayStart(m_work.ftp)) {
+    if (!chosen.PermissionsConfirmed || !mayStart(m_work.ftp)) {
         return;
     }
-    const QString mode = QString::number(globals.permissions.PermissionMode);
-    QueueRow record { u"Dateirechte"_s,
-                      u"setzen auf"_s,
-                      mode,
-                      u">"_s,
-                      m_work.remote.folder(),
-                      globals.connection.RemoteHost,
-                      {},
-                      false };
+    const QString mode = QString::number(chosen.PermissionMode);
+    QueueRow record;
+    record.status = u"Dateirechte"_s;
+    record.local = u"setzen auf"_s;
+    record.size = mode;
+    record.direction = u">"_s;
+    record.remote = m_work.remote.folder();
+    record.server = m_work.globals.connection.RemoteHost;
     m_work.shell.SetToolbarsEnabled(false);
     m_work.shell.SetFolderBoxesEnabled(false);
     const auto restore = qScopeGuard([this] {
@@ -55,8 +54,18 @@ void PermissionCommand::mnu_rechte_Click()
         m_work.shell.SetToolbarsEnabled(true);
         m_work.shell.UpdateRemoteCommandStates();
     });
-    MarkSelectedRemote(m_work.remote, globals, false);
-    const MarkedItemList items = globals.marked;
+    const QStringList refusals = setModes(mode);
+    record.failed = !refusals.isEmpty();
+    record.detail = refusals.join(u'\n');
+    // Intended: the row comes behind the commands, since it tells what was refused.
+    m_work.shell.AddQueueRow(record);
+}
+
+/// Sets the mode of everything that is selected. @return what was refused
+QStringList PermissionCommand::setModes(const QString &mode)
+{
+    MarkSelectedRemote(m_work.remote, m_work.globals, false);
+    const MarkedItemList items = m_work.globals.marked;
     QStringList refusals;
     for (int slot = 1; slot < items.MarkedCount; ++slot) {
         const MarkedItem &item = items.MarkedItems.at(slot);
@@ -67,17 +76,14 @@ void PermissionCommand::mnu_rechte_Click()
         if (const auto refusal = setMode(item, mode)) {
             refusals.append(item.name + u": "_s + *refusal);
         }
-        if (globals.permissions.alsoInside && item.kind == ItemKind::FolderClose
+        if (m_work.globals.permissions.alsoInside && item.kind == ItemKind::FolderClose
             && m_work.ftp.state() == FtpOperations::Connected) {
             if (const auto refusal = setModesInside(item)) {
                 refusals.append(u"In "_s + item.name + u": "_s + *refusal);
             }
         }
     }
-    record.failed = !refusals.isEmpty();
-    record.detail = refusals.join(u'\n');
-    // Intended: the row comes behind the commands, since it tells what was refused.
-    m_work.shell.AddQueueRow(record);
+    return refusals;
 }
 
 std::optional<QString> PermissionCommand::setMode(const MarkedItem &item, const QString &mode)

@@ -30,6 +30,7 @@ public:
     void mnu_rechte_Click();
 
 private:
+    [[nodiscard]] QStringList setModes(const QString &mode);
     [[nodiscard]] std::optional<QString> setMode(const MarkedItem &item, const QString &mode);
     [[nodiscard]] std::optional<QString> setModesInside(const MarkedItem &item);
 
