@@ -66,7 +66,8 @@ QString helpText()
 {
     return u"Aufruf: tarvelo-ftp [Verbindung | ftp://Benutzer@Server/Ordner]\n"
            "\n"
-           "Ohne Angabe öffnet sich das Fenster \"Verbindung\".\n"
+           "Ohne Angabe öffnet sich das Fenster \"Verbindung\", mit einer Adresse ist es schon\n"
+           "ausgefüllt. ftpes:// statt ftp:// verlangt Verschlüsselung.\n"
            "\n"
            "Verbindung: elf Felder, durch Tabulatoren getrennt:\n"
            "  Server, Username, Passwort, lokaler Ordner, Ordner auf dem Server,\n"

@@ -67,6 +67,7 @@ public:
     void AddQueueRow(const QueueRow &row) override;
     void ShowTransferItem(const QString &text, const QString &sizeText) override;
 
+    // For tests, which do with the panes what a user does.
     [[nodiscard]] LocalPane &localPane() { return *m_local; }
     [[nodiscard]] RemotePane &remotePane() { return *m_remote; }
 

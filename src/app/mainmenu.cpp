@@ -6,7 +6,6 @@
 #include <QLayout>
 #include <QMenuBar>
 #include <QToolBar>
-#include <QToolButton>
 
 using namespace Qt::StringLiterals;
 

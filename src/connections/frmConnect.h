@@ -37,7 +37,7 @@ public:
     frmConnect(const ConnectDialogServices &services, bool connectionStands,
                QWidget *parent = nullptr);
 
-    /// Fills the dialog in from outside, for example from an address on the command line.
+    /// Fills the dialog in.
     void setFields(const ProfileFields &fields);
     [[nodiscard]] ProfileFields fields() const;
 

@@ -59,8 +59,8 @@ frm_zertifikat::frm_zertifikat(const FtpCertificate &certificate, QWidget *paren
     bold.setBold(true);
     reason->setFont(bold);
     auto *advice = plainLabel(
-        u"Fragen Sie den Betreiber des Servers nach seinem Fingerabdruck. Ist es genau dieser, "
-        "können Sie dem Server vertrauen. Im Zweifel wählen Sie \"Abbrechen\"."_s);
+        u"Fragen Sie den Betreiber des Servers nach dem Fingerabdruck seines Zertifikats. Ist es "
+        "genau dieser, können Sie dem Server vertrauen. Im Zweifel wählen Sie \"Abbrechen\"."_s);
 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(12, 12, 12, 12);

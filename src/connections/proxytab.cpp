@@ -10,8 +10,6 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include <limits>
-
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 
-class QToolButton;
 struct Drive;
 struct Globals;
 

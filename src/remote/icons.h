@@ -7,7 +7,7 @@
 namespace Icons {
 
 /// Icon of a key of the image list (ItemKind::imageKeys()) or of one of the program's own names
-/// ("download", "upload", ..); an empty icon when there is none.
+/// ("cmd_download", "merken", ..); an empty icon when there is none.
 [[nodiscard]] QIcon icon(const QString &name);
 
 /// The same, faded: for rows that an operation works on.
