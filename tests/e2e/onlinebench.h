@@ -9,14 +9,13 @@
 #include <QTreeView>
 
 /// The main window, logged in to a real server: a web space on the right, another one on the left.
-class OnlineBench : public WindowBench, public testing::WithParamInterface<servers::Kind> {
+class OnlineBench : public servers::EveryServerWith<WindowBench> {
 protected:
     void SetUp() override
     {
-        std::string why;
-        if (!servers::canRun(GetParam(), &why)) {
-            // The one reason allowed: this account cannot run that server, which is reported.
-            GTEST_SKIP() << why;
+        EveryServerWith::SetUp();
+        if (IsSkipped()) {
+            return;
         }
         server = std::make_unique<servers::Server>(GetParam());
         servers::makeWebSpace(server->root() / "web");
